@@ -1,0 +1,38 @@
+# Shared compile settings and the family helper.
+#
+# Every family is an OBJECT library `fskit_<family>`; the shared and the static
+# library are built from the objects of all families, and a family's tests link
+# only the families it depends on, so each dependency is written down once.
+
+# Warnings and sanitizers for everything the project compiles: library, tool,
+# tests and benchmarks.
+add_library(fskit_options INTERFACE)
+target_compile_options(fskit_options INTERFACE -Wall -Wextra -Werror)
+if(FSKIT_SANITIZE)
+  target_compile_options(fskit_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(fskit_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+set_property(GLOBAL PROPERTY FSKIT_OBJECT_LIBRARIES "")
+
+# fskit_family(<name> SOURCES <files...> [DEPENDS <families...>])
+function(fskit_family name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  set(target fskit_${name})
+  add_library(${target} OBJECT ${ARG_SOURCES})
+  set_target_properties(${target} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    C_VISIBILITY_PRESET hidden
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_definitions(${target} PRIVATE FSKIT_BUILDING)
+  target_include_directories(${target}
+    PUBLIC ${PROJECT_SOURCE_DIR}/include ${PROJECT_BINARY_DIR}/include
+    PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${target} PUBLIC fskit_options)
+  foreach(dep IN LISTS ARG_DEPENDS)
+    target_link_libraries(${target} PUBLIC fskit_${dep})
+  endforeach()
+  set_property(GLOBAL APPEND PROPERTY FSKIT_OBJECT_LIBRARIES ${target})
+endfunction()

@@ -1,0 +1,30 @@
+include(CMakePackageConfigHelpers)
+
+set(FSKIT_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/fskit)
+
+install(TARGETS fskit fskit_static EXPORT fskitTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/fskit DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING PATTERN "*.h")
+install(FILES ${PROJECT_BINARY_DIR}/include/fskit/version.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fskit)
+install(EXPORT fskitTargets NAMESPACE fskit:: DESTINATION ${FSKIT_CMAKE_DIR})
+
+configure_package_config_file(cmake/fskitConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/fskitConfig.cmake
+  INSTALL_DESTINATION ${FSKIT_CMAKE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/fskitConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/fskitConfig.cmake
+              ${PROJECT_BINARY_DIR}/fskitConfigVersion.cmake
+  DESTINATION ${FSKIT_CMAKE_DIR})
+
+# The .pc file finds its prefix from its own place, so an installed tree can
+# be moved (and tested in a temporary prefix).
+file(RELATIVE_PATH FSKIT_PC_UP "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+configure_file(cmake/fskit.pc.in ${PROJECT_BINARY_DIR}/fskit.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/fskit.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

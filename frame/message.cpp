@@ -1,0 +1,113 @@
+// fsMessage, fsMessages, the default message function and the registration
+// of message and stop functions.
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "frame/message_state.h"
+
+using fskit::frame::messageState;
+
+namespace {
+
+// The character that ends a message of the given layout code.
+char terminatorFor(int32_t code) {
+  switch (code) {
+    case 3: return '\r';
+    case 5: return ' ';
+    default: return '\n';
+  }
+}
+
+// Hands the messages to the message function, then to the log function while
+// logging is on; the result is that of the last function called, else 1.
+int32_t dispatch(const char *routine, int32_t *count, int32_t *codes,
+                 int32_t *auxCodes, int32_t *lengths, char **texts) {
+  auto &state = messageState();
+  int32_t result = 1;
+  if (state.message != nullptr)
+    result = state.message(routine, count, codes, auxCodes, lengths, texts);
+  if (state.log != nullptr && state.logging)
+    result = state.log(routine, count, codes, auxCodes, lengths, texts);
+  return result;
+}
+
+}  // namespace
+
+namespace fskit::frame {
+
+void writeMessages(std::FILE *out, const char *routine, int32_t count,
+                   const int32_t *codes, char *const *texts) {
+  for (int32_t i = 0; i < count; ++i) {
+    char end = terminatorFor(codes[i]);
+    if (codes[i] == 0)
+      std::fprintf(out, "%s%c", texts[i], end);
+    else
+      std::fprintf(out, "%s: %s%c", routine, texts[i], end);
+  }
+}
+
+}  // namespace fskit::frame
+
+extern "C" {
+
+// Declared with FSKIT_API in the header, which gives the definition its visibility.
+const char FsmOutOfMemory[] = "Out of Memory";
+
+FSKIT_API void fsMessage(const char *routine, int32_t code, int32_t auxCode,
+                         const char *format, ...) {
+  char buffer[1024];
+  va_list args;
+  va_start(args, format);
+  int produced = std::vsnprintf(buffer, sizeof buffer, format, args);
+  va_end(args);
+  if (produced < 0) {
+    produced = 0;
+    buffer[0] = '\0';
+  }
+  int32_t length = produced < int(sizeof buffer) ? produced : int(sizeof buffer) - 1;
+  int32_t count = 1;
+  char *text = buffer;
+  dispatch(routine, &count, &code, &auxCode, &length, &text);
+}
+
+FSKIT_API int32_t fsMessages(const char *routine, int32_t *count, int32_t *codes,
+                             int32_t *auxCodes, char **texts) {
+  if (count == nullptr) return 1;
+  // A count of 0 or less still reaches the functions; they get a valid array.
+  int32_t none = 0;
+  int32_t *lengths = &none;
+  if (*count > 0) {
+    lengths = static_cast<int32_t *>(std::malloc(sizeof(int32_t) * size_t(*count)));
+    if (lengths == nullptr) return 1;
+    for (int32_t i = 0; i < *count; ++i) lengths[i] = int32_t(std::strlen(texts[i]));
+  }
+  int32_t result = dispatch(routine, count, codes, auxCodes, lengths, texts);
+  if (lengths != &none) std::free(lengths);
+  return result;
+}
+
+FSKIT_API int32_t fsDefaultMessageFunction(const char *routine, int32_t *count,
+                                           int32_t *codes, int32_t *,
+                                           int32_t *, char **texts) {
+  if (count == nullptr || *count < 1) return 0;
+  fskit::frame::writeMessages(stdout, routine, *count, codes, texts);
+  return 0;
+}
+
+FSKIT_API void fsRegisterMessage(FsMsgFunction fn) { messageState().message = fn; }
+
+FSKIT_API FsMsgFunction fsMsgFunctionIs(void) { return messageState().message; }
+
+FSKIT_API void fsDefaultMessage(void) { messageState().message = fsDefaultMessageFunction; }
+
+FSKIT_API void fsRegisterStopFunction(FsStopFunction fn) { messageState().stop = fn; }
+
+FSKIT_API int32_t fsCheckStop(void) {
+  FsStopFunction stop = messageState().stop;
+  if (stop == nullptr) return 0;
+  return int32_t(uint8_t(stop()));
+}
+
+}  // extern "C"

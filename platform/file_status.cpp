@@ -1,0 +1,7 @@
+#include "platform/platform.h"
+
+namespace fskit::platform {
+
+int _stat(const char *path, struct stat *status) { return ::stat(path, status); }
+
+}  // namespace fskit::platform

@@ -1,0 +1,33 @@
+// Functions registered to run when the library goes away. They run from the
+// shared library's destructor, which runs both at dlclose() and at process
+// exit, before the C runtime closes the standard streams.
+#include "platform/platform.h"
+
+namespace fskit::platform {
+namespace {
+
+constexpr int kMaxOnExit = 32;
+
+struct OnExitTable {
+  OnExitFunction functions[kMaxOnExit] = {};
+  int count = 0;
+};
+constinit OnExitTable table;
+
+__attribute__((destructor)) void runOnExitFunctions() {
+  while (table.count > 0) table.functions[--table.count]();
+}
+
+}  // namespace
+
+OnExitFunction _onexit(OnExitFunction fn) {
+  if (fn == nullptr) return nullptr;
+  // A function registered again (a clean-up registered on every run) runs once.
+  for (int i = 0; i < table.count; ++i)
+    if (table.functions[i] == fn) return fn;
+  if (table.count == kMaxOnExit) return nullptr;
+  table.functions[table.count++] = fn;
+  return fn;
+}
+
+}  // namespace fskit::platform

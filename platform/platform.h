@@ -1,0 +1,23 @@
+// The thin layer between the library and the operating system. The library's
+// own code reaches the platform only through these names, which are those of
+// the original platform; a Windows build maps them back to the real calls.
+// Nothing here is exported.
+#pragma once
+
+#include <sys/stat.h>
+
+namespace fskit::platform {
+
+// Case-insensitive comparisons with the default C locale's case rules.
+int _stricmp(const char *a, const char *b);
+int _strnicmp(const char *a, const char *b, unsigned long n);
+
+// File status; 0 on success, -1 with errno set on failure.
+int _stat(const char *path, struct stat *status);
+
+// Registers `fn` to run when the library is unloaded or the process ends.
+// Returns `fn`, or null when it could not be registered.
+using OnExitFunction = int (*)();
+OnExitFunction _onexit(OnExitFunction fn);
+
+}  // namespace fskit::platform

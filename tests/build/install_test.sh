@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Installs the built tree into a temporary prefix, then builds and runs small
+# C and C++ programs against it, through find_package and through pkg-config.
+# usage: install_test.sh BUILD_DIR SOURCE_DIR
+set -euo pipefail
+build=$1 source=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+prefix=$work/prefix
+expected='consumer: fskit winnt little ieee'
+
+check() {  # check NAME PROGRAM...
+  local name=$1; shift
+  local out
+  out=$("$@")
+  if [ "$out" != "$expected" ]; then
+    echo "FAIL $name: got '$out', expected '$expected'"; exit 1
+  fi
+  echo "ok $name"
+}
+
+cmake --install "$build" --prefix "$prefix" >/dev/null
+for header in fskit.h frame.h export.h version.h; do
+  [ -f "$prefix/include/fskit/$header" ] || { echo "FAIL: include/fskit/$header not installed"; exit 1; }
+done
+[ -x "$prefix/bin/fskit" ] || { echo "FAIL: bin/fskit not installed"; exit 1; }
+libdir=$(dirname "$(find "$prefix" -name 'libfskit.so.1' | head -n 1)")
+[ -L "$libdir/libfskit.so" ] && [ -f "$libdir/libfskit.a" ] || { echo "FAIL: library files"; exit 1; }
+soname=$(objdump -p "$libdir/libfskit.so" | awk '/SONAME/ {print $2}')
+[ "$soname" = libfskit.so.1 ] || { echo "FAIL: SONAME is '$soname'"; exit 1; }
+
+cmake -S "$source/tests/build/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$work/consumer" >/dev/null
+check find_package-c "$work/consumer/consumer_c"
+check find_package-c++ "$work/consumer/consumer_cxx"
+check find_package-static "$work/consumer/consumer_static"
+
+export PKG_CONFIG_PATH=$libdir/pkgconfig
+cc -o "$work/pc_c" "$source/tests/build/consumer/consumer.c" $(pkg-config --cflags --libs fskit)
+c++ -std=c++20 -o "$work/pc_cxx" "$source/tests/build/consumer/consumer.cpp" $(pkg-config --cflags --libs fskit)
+LD_LIBRARY_PATH=$libdir check pkg-config-c "$work/pc_c"
+LD_LIBRARY_PATH=$libdir check pkg-config-c++ "$work/pc_cxx"

@@ -1,0 +1,220 @@
+// The message framework: default layouts, the log file, registration and the
+// arguments that registered functions receive.
+#include <fskit/frame.h>
+#include <sys/stat.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/test_support.h"
+
+using fskit::test::captureStdout;
+using fskit::test::ChangeDir;
+using fskit::test::fileExists;
+using fskit::test::readFile;
+using fskit::test::TempDir;
+
+namespace {
+
+struct Recorded {
+  std::string routine;
+  int32_t count = -1;
+  std::vector<int32_t> codes, auxCodes, lengths;
+  std::vector<std::string> texts;
+};
+
+std::vector<Recorded> messageCalls, logCalls;
+int32_t messageResult = 0, logResult = 0;
+
+Recorded record(const char *routine, const int32_t *count, const int32_t *codes,
+                const int32_t *auxCodes, const int32_t *lengths, char **texts) {
+  Recorded r;
+  r.routine = routine;
+  r.count = *count;
+  for (int32_t i = 0; i < *count; ++i) {
+    r.codes.push_back(codes[i]);
+    r.auxCodes.push_back(auxCodes[i]);
+    r.lengths.push_back(lengths[i]);
+    r.texts.emplace_back(texts[i]);
+  }
+  return r;
+}
+
+int32_t recordMessage(const char *routine, int32_t *count, int32_t *codes,
+                      int32_t *auxCodes, int32_t *lengths, char **texts) {
+  messageCalls.push_back(record(routine, count, codes, auxCodes, lengths, texts));
+  return messageResult;
+}
+
+int32_t recordLog(const char *routine, int32_t *count, int32_t *codes,
+                  int32_t *auxCodes, int32_t *lengths, char **texts) {
+  logCalls.push_back(record(routine, count, codes, auxCodes, lengths, texts));
+  return logResult;
+}
+
+}  // namespace
+
+TEST(Message, DefaultLayoutsOnStandardOutput) {
+  TempDir dir;
+  ChangeDir here(dir.path());
+  struct {
+    int32_t code;
+    const char *expected;
+  } cases[] = {
+      {1, "fsFindElement: No element table present\n"},
+      {0, "No element table present\n"},
+      {3, "fsFindElement: No element table present\r"},
+      {5, "fsFindElement: No element table present "},
+      {-7, "fsFindElement: No element table present\n"},
+      {4, "fsFindElement: No element table present\n"},
+  };
+  for (const auto &c : cases) {
+    std::string out = captureStdout(
+        [&] { fsMessage("fsFindElement", c.code, 0, "No element table present"); });
+    EXPECT_EQ(out, c.expected) << "code " << c.code;
+  }
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "%d-%s-%c", 42, "x", 'y'); }),
+            "r: 42-x-y\n");
+  // Without fsRegisterMsgLog nothing is logged.
+  EXPECT_FALSE(fileExists("fsmessage.log"));
+}
+
+TEST(Message, RegisteredFunctionsReceiveAllSixArguments) {
+  fsRegisterMessage(recordMessage);
+  fsRegisterMsgLog(recordLog);
+  fsMessage("fsLoadElemTable", 1, 17, "Bad line %d", 12);
+  ASSERT_EQ(messageCalls.size(), 1u);
+  ASSERT_EQ(logCalls.size(), 1u);
+  for (const Recorded &r : {messageCalls[0], logCalls[0]}) {
+    EXPECT_EQ(r.routine, "fsLoadElemTable");
+    EXPECT_EQ(r.count, 1);
+    EXPECT_EQ(r.codes, std::vector<int32_t>{1});
+    EXPECT_EQ(r.auxCodes, std::vector<int32_t>{17});
+    EXPECT_EQ(r.lengths, std::vector<int32_t>{11});
+    EXPECT_EQ(r.texts, std::vector<std::string>{"Bad line 12"});
+  }
+  fsRegisterMsgLog(nullptr);
+}
+
+TEST(Message, OverlongTextIsCutAt1023Bytes) {
+  fsRegisterMessage(recordMessage);
+  std::string longText(3000, 'a');
+  fsMessage("r", 0, 0, "%s", longText.c_str());
+  ASSERT_EQ(messageCalls.size(), 1u);
+  EXPECT_EQ(messageCalls[0].lengths[0], 1023);
+  EXPECT_EQ(messageCalls[0].texts[0], std::string(1023, 'a'));
+}
+
+TEST(Message, RegistrationAndRestore) {
+  EXPECT_EQ(fsMsgFunctionIs(), &fsDefaultMessageFunction);
+  fsRegisterMessage(nullptr);
+  EXPECT_EQ(fsMsgFunctionIs(), nullptr);
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "silent"); }), "");
+  fsDefaultMessage();
+  EXPECT_EQ(fsMsgFunctionIs(), &fsDefaultMessageFunction);
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "back"); }), "r: back\n");
+}
+
+TEST(Message, LogFileMirrorsScreenAndStartsAfreshOnEachRegistration) {
+  TempDir dir;
+  ChangeDir here(dir.path());
+  fskit::test::writeFile("fsmessage.log", "left over from an earlier run\n");
+  fsRegisterMsgLog(fsDefaultMsgLogFunction);
+  std::string screen = captureStdout([] {
+    fsMessage("fsTblParseMF", 1, 0, "first");
+    fsMessage("fsTblParseMF", 0, 0, "plain");
+    fsMessage("fsTblParseMF", 3, 0, "progress");
+  });
+  fsDefaultMsgLogFlush();
+  EXPECT_EQ(screen, "fsTblParseMF: first\nplain\nfsTblParseMF: progress\r");
+  EXPECT_EQ(readFile("fsmessage.log"), screen);
+
+  // Switching logging off closes the file; later messages are not logged.
+  fsRegisterMsgLog(nullptr);
+  captureStdout([] { fsMessage("r", 1, 0, "not logged"); });
+  EXPECT_EQ(readFile("fsmessage.log"), screen);
+
+  // Registering the default log function again truncates at its next message.
+  fsRegisterMsgLog(fsDefaultMsgLogFunction);
+  EXPECT_EQ(readFile("fsmessage.log"), screen);
+  captureStdout([] { fsMessage("r", 1, 0, "fresh"); });
+  fsDefaultMsgLogFlush();
+  EXPECT_EQ(readFile("fsmessage.log"), "r: fresh\n");
+  fsRegisterMsgLog(nullptr);
+}
+
+TEST(Message, UnopenableLogFileSwitchesLoggingOffAndReportsOnScreenOnly) {
+  TempDir dir;
+  ChangeDir here(dir.path());
+  ASSERT_EQ(mkdir("fsmessage.log", 0700), 0);  // fopen(..., "w") fails on a directory
+  fsRegisterMsgLog(fsDefaultMsgLogFunction);
+  std::string screen = captureStdout([] { fsMessage("r", 1, 0, "hello"); });
+  EXPECT_EQ(screen, "r: hello\nfsDefaultMsgLogFunction: Unable to open logfile fsmessage.log\n");
+
+  // The report carried code 1 and auxCode 1; logging is off afterwards.
+  fsRegisterMessage(recordMessage);
+  fsRegisterMsgLog(fsDefaultMsgLogFunction);
+  fsMessage("r", 1, 0, "again");
+  ASSERT_EQ(messageCalls.size(), 2u);
+  EXPECT_EQ(messageCalls[1].routine, "fsDefaultMsgLogFunction");
+  EXPECT_EQ(messageCalls[1].codes[0], 1);
+  EXPECT_EQ(messageCalls[1].auxCodes[0], 1);
+  fsMessage("r", 1, 0, "third");
+  EXPECT_EQ(messageCalls.size(), 3u);  // no further attempt, no further report
+}
+
+TEST(Message, MessagesResultRules) {
+  char first[] = "one", second[] = "three";
+  char *texts[] = {first, second};
+  int32_t codes[] = {0, 5}, auxCodes[] = {3, 4};
+  int32_t count = 2;
+
+  // Defaults: the screen gets both, the result is that of the default function.
+  std::string out;
+  int32_t result = -1;
+  out = captureStdout([&] { result = fsMessages("r", &count, codes, auxCodes, texts); });
+  EXPECT_EQ(out, "one\nr: three ");
+  EXPECT_EQ(result, 0);
+
+  // Nothing registered, logging off: 1.
+  fsRegisterMessage(nullptr);
+  EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, texts), 1);
+
+  // The result is that of the last function called; lengths are strlen's.
+  fsRegisterMessage(recordMessage);
+  messageResult = 7;
+  EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, texts), 7);
+  ASSERT_EQ(messageCalls.size(), 1u);
+  EXPECT_EQ(messageCalls[0].lengths, (std::vector<int32_t>{3, 5}));
+  EXPECT_EQ(messageCalls[0].auxCodes, (std::vector<int32_t>{3, 4}));
+  fsRegisterMsgLog(recordLog);
+  logResult = 9;
+  EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, texts), 9);
+
+  // A count of 0 still calls the functions, with a count of 0.
+  int32_t none = 0;
+  logResult = 0;
+  EXPECT_EQ(fsMessages("r", &none, codes, auxCodes, texts), 0);
+  EXPECT_EQ(logCalls.back().count, 0);
+  EXPECT_EQ(fsMessages("r", nullptr, codes, auxCodes, texts), 1);
+  fsRegisterMsgLog(nullptr);
+
+  // The defaults write nothing for a count of 0 and return 0.
+  fsDefaultMessage();
+  EXPECT_EQ(captureStdout([&] { result = fsMessages("r", &none, codes, auxCodes, texts); }), "");
+  EXPECT_EQ(result, 0);
+}
+
+TEST(Message, CheckStopKeepsTheLowEightBits) {
+  EXPECT_EQ(fsCheckStop(), 0);
+  fsRegisterStopFunction([]() -> int32_t { return 256; });
+  EXPECT_EQ(fsCheckStop(), 0);
+  fsRegisterStopFunction([]() -> int32_t { return 1; });
+  EXPECT_EQ(fsCheckStop(), 1);
+  fsRegisterStopFunction([]() -> int32_t { return -1; });
+  EXPECT_EQ(fsCheckStop(), 255);
+  fsRegisterStopFunction(nullptr);
+  EXPECT_EQ(fsCheckStop(), 0);
+  EXPECT_STREQ(FsmOutOfMemory, "Out of Memory");
+}

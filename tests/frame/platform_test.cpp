@@ -1,0 +1,78 @@
+// The platform query, the empty services, fsDiskListFree, systemNoWait and
+// the tool's frame commands.
+#include <fskit/frame.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "tests/support/test_support.h"
+
+using fskit::test::runTool;
+
+TEST(Platform, QueryFillsOnlyGivenBuffersAndNoMore) {
+  char os[8], order[9], format[7];
+  std::memset(os, '#', sizeof os);
+  std::memset(order, '#', sizeof order);
+  std::memset(format, '#', sizeof format);
+  fsGetPlatform(nullptr, nullptr, format);
+  EXPECT_EQ(std::string(format, 7), std::string("ieee\0##", 7));
+  EXPECT_EQ(os[0], '#');
+  fsGetPlatform(os, order, nullptr);
+  EXPECT_EQ(std::string(os, 8), std::string("winnt\0##", 8));
+  EXPECT_EQ(std::string(order, 9), std::string("little\0##", 9));
+}
+
+TEST(Platform, EmptyServicesAcceptAnyArgumentsAndAnswerZero) {
+  fsSecondsWait(5);
+  fsSetExtendSize(1, 2, "x");
+  EXPECT_EQ(fsDiskList(), 0);
+  EXPECT_EQ(fsDiskList("a", 1), 0);
+  EXPECT_EQ(operatingSystemId(), 0);
+  EXPECT_EQ(fsGetenv("NAME", nullptr, 0), 0);
+  EXPECT_EQ(fsSetenv("NAME", "value"), 0);
+  EXPECT_EQ(fsDiskFreeSpace("C:", nullptr), 0);
+}
+
+TEST(Platform, DiskListFreeReleasesEntriesAndList) {
+  // The leak checker of the sanitizer build proves that every block is freed.
+  char **list = static_cast<char **>(malloc(3 * sizeof(char *)));
+  list[0] = strmalloc("a");
+  list[1] = nullptr;
+  list[2] = strmalloc("c");
+  fsDiskListFree(3, list);
+  char **bare = static_cast<char **>(malloc(sizeof(char *)));
+  fsDiskListFree(0, bare);
+  fsDiskListFree(-4, static_cast<char **>(malloc(1)));
+}
+
+TEST(Platform, SystemNoWaitWaitsAndReturnsTheStatus) {
+  fskit::test::TempDir dir;
+  std::string marker = dir.file("done");
+  EXPECT_EQ(systemNoWait(("touch " + marker).c_str()), 0);
+  EXPECT_TRUE(fskit::test::fileExists(marker));
+  EXPECT_EQ(systemNoWait("exit 3"), 3 << 8);
+}
+
+TEST(Tool, VersionPlatformHelpAndUsageErrors) {
+  auto version = runTool({"version"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out.rfind("fskit ", 0), 0u);
+  auto platform = runTool({"platform"});
+  EXPECT_EQ(platform.status, 0);
+  EXPECT_EQ(platform.out, "os\twinnt\nbyte order\tlittle\nfloat format\tieee\n");
+  auto help = runTool({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_NE(help.out.find("  version"), std::string::npos);
+  EXPECT_NE(help.out.find("  platform"), std::string::npos);
+  EXPECT_EQ(runTool({"version", "--help"}).out.find("usage: fskit version"), 0u);
+
+  for (const auto &args : {std::vector<std::string>{}, {"no-such-command"}, {"version", "x"}}) {
+    auto bad = runTool(args);
+    EXPECT_EQ(bad.status, 2);
+    EXPECT_EQ(bad.out, "");
+    EXPECT_FALSE(bad.err.empty());
+  }
+  auto unknown = runTool({"no-such-command"});
+  EXPECT_EQ(unknown.err, "fskit: unknown command 'no-such-command' (try 'fskit --help')\n");
+}

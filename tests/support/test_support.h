@@ -1,0 +1,58 @@
+// Helpers shared by the test programs: capturing the standard streams,
+// temporary directories, files and running the fskit tool.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace fskit::test {
+
+// Runs `body` with standard output (or error) redirected to a file and
+// returns what was written, at the C library and the descriptor level.
+std::string captureStdout(const std::function<void()> &body);
+std::string captureStderr(const std::function<void()> &body);
+
+// A fresh directory under $TMPDIR (or /tmp), removed with its contents.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir &) = delete;
+  TempDir &operator=(const TempDir &) = delete;
+  const std::string &path() const { return path_; }
+  // path() + "/" + name
+  std::string file(const std::string &name) const;
+
+ private:
+  std::string path_;
+};
+
+// Makes `path` the current directory until destroyed.
+class ChangeDir {
+ public:
+  explicit ChangeDir(const std::string &path);
+  ~ChangeDir();
+  ChangeDir(const ChangeDir &) = delete;
+  ChangeDir &operator=(const ChangeDir &) = delete;
+
+ private:
+  std::string previous_;
+};
+
+std::string readFile(const std::string &path);
+void writeFile(const std::string &path, const std::string &content);
+bool fileExists(const std::string &path);
+
+struct ToolResult {
+  int status = -1;  // exit status, or -1 when the tool did not exit normally
+  std::string out;
+  std::string err;
+};
+
+// Runs the built fskit tool with `args`, feeding `input` on standard input,
+// in directory `workDir` (the current directory when empty).
+ToolResult runTool(const std::vector<std::string> &args, const std::string &input = "",
+                   const std::string &workDir = "");
+
+}  // namespace fskit::test

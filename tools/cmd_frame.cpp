@@ -1,0 +1,25 @@
+// fskit version, fskit platform.
+#include <cstdio>
+
+#include <fskit/frame.h>
+#include <fskit/version.h>
+
+#include "tools/command.h"
+
+namespace fskit::tool {
+
+int runVersion(std::vector<std::string> &args) {
+  if (!args.empty()) return usageError("version", "takes no arguments");
+  std::printf("fskit %s\n", FSKIT_VERSION_STRING);
+  return kOk;
+}
+
+int runPlatform(std::vector<std::string> &args) {
+  if (!args.empty()) return usageError("platform", "takes no arguments");
+  char os[6], byteOrder[7], floatFormat[5];
+  fsGetPlatform(os, byteOrder, floatFormat);
+  std::printf("os\t%s\nbyte order\t%s\nfloat format\t%s\n", os, byteOrder, floatFormat);
+  return kOk;
+}
+
+}  // namespace fskit::tool
