@@ -3,6 +3,17 @@
 #ifndef FSKIT_FSKIT_H
 #define FSKIT_FSKIT_H
 
+/* frame */
 #include <fskit/frame.h>
+/* strings */
+/* ini */
+/* chemistry */
+/* numformat */
+/* datetime */
+/* sort */
+/* files */
+/* cmdline */
+/* util */
+#include <fskit/version.h>
 
 #endif
