@@ -100,12 +100,14 @@ FSKIT_API int32_t fsBitCount(uint32_t value);
 #define FS_KEY_PAGE_DOWN 316
 
 /* Waits for one key press on standard input and returns its code, without
- * echo and without waiting for Enter (when standard input is a terminal, its
- * settings are restored before returning). Characters give their byte value
- * (1 to 255; Enter is 13, Escape 27); function, cursor and editing keys give
- * the named codes above, and 0 for an extended key without a name (Home, End,
- * Ctrl+Left and some other combinations). At end of input the result is 4, as
- * Ctrl+D gives. Any arguments are accepted and ignored. For one thread. */
+ * echo and without waiting for Enter (a terminal's settings are changed for
+ * the call only). Characters give their byte value (Enter 13, Escape 27);
+ * cursor, editing and function keys give the named codes above, a
+ * combination the console has no name for (such as Ctrl+Left or Ctrl+Page
+ * Down) gives 0, and a terminal sequence for another key (Home, End) gives
+ * 27. A byte 0 or 224 read as such starts a two-code key, as on the original
+ * console. At end of input the result is 4, as for Ctrl+D. Any arguments are
+ * accepted and ignored. For one thread. */
 FSKIT_API int32_t getKeyCode(FSKIT_ANY_ARGS);
 
 /* ---- String cipher --------------------------------------------------------
