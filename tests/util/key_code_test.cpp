@@ -25,19 +25,18 @@ TEST(KeyCode, ExtendedKeyTableIsFilledOnceOnFirstCall) {
   EXPECT_EQ(getKeyCode(), 'a');
   // Entry -> key code, as the console's second codes select them.
   uint16_t expected[255] = {1};
-  auto run = [&](int first, int count, int code) {
-    for (int i = 0; i < count; ++i) expected[first + i] = uint16_t(code + i);
-  };
-  auto put = [&](std::vector<int> entries, std::vector<int> codes) {
-    for (size_t i = 0; i < entries.size(); ++i) expected[entries[i]] = uint16_t(codes[i]);
-  };
-  for (int first : {1, 26, 36, 46}) run(first, 10, 281);
-  put({14, 15, 17, 19, 22, 23}, {274, 315, 276, 277, 275, 316});
-  put({57, 58, 83, 87}, {276, 277, 274, 275});
-  put({94, 95, 97, 99, 102, 103, 104, 105}, {274, 315, 276, 277, 275, 316, 312, 313});
-  put({111, 112, 114, 116, 119, 120, 121, 122}, {274, 315, 276, 277, 275, 316, 312, 313});
-  put({172, 173, 174, 175, 176, 177, 178, 179}, {291, 292, 291, 292, 291, 292, 291, 292});
-  put({180, 184, 185, 186}, {274, 275, 312, 313});
+  for (int first : {1, 26, 36, 46})  // F1 to F10, plain and with Shift, Ctrl, Alt
+    for (int i = 0; i < 10; ++i) expected[first + i] = uint16_t(281 + i);
+  // Up, page up, left, right, down, page down, insert, delete from three bases.
+  const int cursor[][2] = {{0, 274}, {1, 315},  {3, 276},  {5, 277},
+                           {8, 275}, {9, 316}, {10, 312}, {11, 313}};
+  for (int first : {14, 94, 111})
+    for (auto [offset, code] : cursor)
+      if (first != 14 || offset < 10) expected[first + offset] = uint16_t(code);
+  const int single[][2] = {{57, 276},  {58, 277},  {83, 274},  {87, 275},
+                           {180, 274}, {184, 275}, {185, 312}, {186, 313}};
+  for (auto [entry, code] : single) expected[entry] = uint16_t(code);
+  for (int entry = 172; entry < 180; ++entry) expected[entry] = uint16_t(291 + entry % 2);
   for (int i = 0; i < 255; ++i) EXPECT_EQ(table[i], expected[i]) << "entry " << i;
   // Not filled again: a changed entry survives the next call.
   fskit::util::utilState().extendedKeys[200] = 7;
@@ -68,21 +67,6 @@ TEST(KeyCode, GetchGivesTheConsoleCodesOfEscapeSequences) {
   }
 }
 
-namespace {
-
-// Waits until the terminal behind `master` has left line mode (the child
-// reads a key); false after five seconds.
-bool waitForRawMode(int master) {
-  for (int i = 0; i < 5000; ++i) {
-    termios settings;
-    if (tcgetattr(master, &settings) == 0 && !(settings.c_lflag & ICANON)) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return false;
-}
-
-}  // namespace
-
 TEST(KeyCode, ReadsKeysFromATerminalAndRestoresIt) {
   struct Key { const char *input; int32_t code; };
   const Key keys[] = {{"a", 97},         {"\r", 13},          {"\x1b", 27},      {"\x1b[A", 274},
@@ -110,7 +94,14 @@ TEST(KeyCode, ReadsKeysFromATerminalAndRestoresIt) {
   }
   close(results[1]);
   for (const Key &key : keys) {
-    ASSERT_TRUE(waitForRawMode(master)) << key.input + 1;
+    // A key is typed only once the child's terminal has left line mode
+    // (tcgetattr on the master side reads the terminal's settings).
+    termios settings{};
+    for (int wait = 0; wait < 5000 && (settings.c_lflag & ICANON || wait == 0); ++wait) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      tcgetattr(master, &settings);
+    }
+    ASSERT_FALSE(settings.c_lflag & ICANON) << "no key read for " << key.input + 1;
     ASSERT_EQ(write(master, key.input, strlen(key.input)), ssize_t(strlen(key.input)));
     pollfd ready = {results[0], POLLIN, 0};
     int32_t report[2] = {-1, 0};
