@@ -21,8 +21,7 @@ constexpr int kEndOfInput = 4;  // what Ctrl+D gives
 constexpr int kSequenceWaitMs = 50;
 
 struct ConsoleState {
-  int pending[2] = {};  // codes still to deliver, pending[0] first
-  int pendingCount = 0;
+  int pending = -1;  // the code the next call delivers, if any
 };
 constinit ConsoleState console;
 
@@ -137,7 +136,7 @@ int readEscapeSequence() {
   if (introducer < 0) return kEscape;
   if (introducer != '[' && introducer != 'O') {
     // Not a sequence (Alt with a key sends ESC and the key): both count.
-    console.pending[console.pendingCount++] = introducer;
+    console.pending = introducer;
     return kEscape;
   }
   char parameters[16];
@@ -166,7 +165,7 @@ int readEscapeSequence() {
     prefix = kCursorKeys[key].prefix[column];
     code = kCursorKeys[key].code[column];
   }
-  console.pending[console.pendingCount++] = code;
+  console.pending = code;
   return prefix;
 }
 
@@ -203,10 +202,9 @@ class RawMode {
 }  // namespace
 
 int _getch() {
-  if (console.pendingCount > 0) {
-    int code = console.pending[0];
-    console.pending[0] = console.pending[1];
-    --console.pendingCount;
+  if (console.pending >= 0) {
+    int code = console.pending;
+    console.pending = -1;
     return code;
   }
   RawMode raw;

@@ -75,7 +75,7 @@ FSKIT_API char *itob(uint32_t value, int32_t nbits, char *buf);
 
 /* The `n`-bit field of `value` whose highest bit is bit `pos`, shifted down to
  * bit 0 (1 <= n, n <= pos + 1 <= 32). Outside that range the field is taken
- * as the word were padded with zero bits on both sides: n of 32 at pos 31
+ * as if the word were padded with zero bits on both sides: n of 32 at pos 31
  * gives the whole word, n of 0 gives 0, and bits below bit 0 or above bit 31
  * read as 0. */
 FSKIT_API uint32_t fsGetBits(uint32_t value, uint32_t pos, uint32_t n);
