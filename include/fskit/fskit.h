@@ -13,6 +13,7 @@
 /* sort */
 /* files */
 /* cmdline */
+#include <fskit/cmdline.h>
 /* util */
 #include <fskit/version.h>
 
