@@ -14,6 +14,7 @@ int runPlatform(std::vector<std::string> &args);
 // -- sort
 // -- files
 // -- cmdline
+int runCmdline(std::vector<std::string> &args);
 // -- util
 // -- end of declarations
 
@@ -38,6 +39,15 @@ const std::vector<Command> &commands() {
       // -- sort
       // -- files
       // -- cmdline
+      {"cmdline", "show how a command line splits into arguments and qualifiers",
+       "usage: fskit cmdline LINE...\n"
+       "Parses LINE (several words are joined with single blanks) and prints one\n"
+       "line per part: \"argument<TAB>TEXT\" (with \"<TAB>,\" when a comma ended it),\n"
+       "then \"qualifier<TAB>NAME\" or \"qualifier<TAB>NAME<TAB>VALUE\". When parsing\n"
+       "stops, the parser's message and the stop character go to standard error\n"
+       "and the status is 1.\n"
+       "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
+       runCmdline},
       // -- util
       // -- end of table
   };
