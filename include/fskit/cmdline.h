@@ -76,6 +76,46 @@ FSKIT_API char *kwaCmdLnStr(int32_t argc, char *const *argv, int32_t *length);
  * and changes nothing. */
 FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize);
 
+/* Reads tag lines from `stream` (neither opened nor closed here) and adds
+ * each pair with kwaAddToTbl(). A line is "TAG LABEL ! comment": white space
+ * runs count as one blank; the tag is the first word (upper-cased, 63
+ * characters kept), the label the rest (63 kept); blank lines and lines
+ * without a label add nothing. With `mode` non-zero a label becomes the
+ * keyword "##LABEL=" (upper case, at most 60 characters of it). Only the
+ * first 254 characters of a line are read; the rest of a longer line is
+ * skipped, so it can add no pair of its own. Always returns 1, also when
+ * additions failed or the stream is null. */
+FSKIT_API int32_t kwaReadTags(FILE *stream, int32_t mode, int32_t *count,
+                              int32_t *capacity, KwaTagEntry **table);
+
+/* Appends (tag, label) to the table, growing it by 10 records with realloc.
+ * An empty tag or label, or a label whose first match (kwaLabelToTag()) has
+ * the same upper-cased tag, adds nothing. Result: the count afterwards, or 0
+ * when the table cannot grow; then the old block is freed, *table set to
+ * null, and the caller starts a new table. A null argument, or a count that
+ * does not fit the block (below 0, above the capacity, or non-zero with a
+ * null table), gives 0 and changes nothing. */
+FSKIT_API int32_t kwaAddToTbl(const char *tag, const char *label, int32_t *count,
+                              int32_t *capacity, KwaTagEntry **table);
+
+/* The index of the first record whose tag equals `tag` exactly (case
+ * matters), its label copied into `label`; else -1 and "" in `label`. At most
+ * 63 characters are copied, so 64 bytes always suffice. */
+FSKIT_API int32_t kwaTagToLabel(int32_t count, const KwaTagEntry *table,
+                                const char *tag, char *label);
+
+/* The index of the first record whose label, ignoring case, begins `label`
+ * (compared over the record's labelLen characters), its tag copied into
+ * `tag` (64 bytes suffice); else -1 and "" in `tag`. */
+FSKIT_API int32_t kwaLabelToTag(int32_t count, const KwaTagEntry *table,
+                                const char *label, char *tag);
+
+/* qsort comparators over KwaTagEntry records: tags then labels
+ * (kwaTblTagCmp), or labels then tags (kwaTblLblCmp), as unsigned bytes.
+ * Result -1, 0 or 1. */
+FSKIT_API int32_t kwaTblTagCmp(const void *a, const void *b);
+FSKIT_API int32_t kwaTblLblCmp(const void *a, const void *b);
+
 FSKIT_END_DECLS
 
 #endif
