@@ -15,6 +15,7 @@ int runPlatform(std::vector<std::string> &args);
 // -- files
 // -- cmdline
 int runCmdline(std::vector<std::string> &args);
+int runTags(std::vector<std::string> &args);
 // -- util
 // -- end of declarations
 
@@ -48,6 +49,15 @@ const std::vector<Command> &commands() {
        "and the status is 1.\n"
        "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
        runCmdline},
+      {"tags", "list a tag file or look a tag or label up in it",
+       "usage: fskit tags FILE [--keywords] [--tag TAG | --label LABEL]\n"
+       "Reads the tag file FILE (lines \"TAG LABEL ! comment\") and prints each\n"
+       "record as \"TAG<TAB>LABEL\". --keywords turns the labels into \"##LABEL=\".\n"
+       "--tag prints the label of the first record with exactly that (upper-case)\n"
+       "tag; --label prints the tag of the first record whose label, ignoring\n"
+       "case, begins LABEL. Nothing found: status 1.\n"
+       "example: fskit tags detectors.tbl --label 'mass spectrum'\n",
+       runTags},
       // -- util
       // -- end of table
   };

@@ -18,3 +18,19 @@ TEST(CmdlineTool, PrintsPartsOrStopCharacter) {
             "%kwaCmdLnPrts, Invalid delimiter =b\nfskit cmdline: stopped at character 61 '='\n");
   EXPECT_EQ(runTool({"cmdline"}).status, 2);
 }
+
+TEST(TagsTool, ListsAndLooksUp) {
+  fskit::test::TempDir dir;
+  std::string file = dir.file("tags.tbl");
+  fskit::test::writeFile(file, "ms Mass spectrum ! comment\n\n  uv   Ultra  violet\n");
+  EXPECT_EQ(runTool({"tags", file}).out, "MS\tMass spectrum\nUV\tUltra violet\n");
+  EXPECT_EQ(runTool({"tags", "--keywords", file}).out,
+            "MS\t##MASS SPECTRUM=\nUV\t##ULTRA VIOLET=\n");
+  EXPECT_EQ(runTool({"tags", file, "--tag", "UV"}).out, "Ultra violet\n");
+  EXPECT_EQ(runTool({"tags", file, "--label=mass spectrum scan"}).out, "MS\n");
+  auto missing = runTool({"tags", file, "--tag", "uv"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "fskit tags: no record with the tag 'uv'\n");
+  EXPECT_EQ(runTool({"tags", dir.file("none")}).status, 1);
+  EXPECT_EQ(runTool({"tags", file, "--tag", "A", "--label", "b"}).status, 2);
+}
