@@ -240,8 +240,8 @@ TEST(CommandLine, ExamplesAndEdgeCases) {
 TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
   // Single delimiters and letters, and a few pieces that make the limits of
   // 20 arguments and 50 qualifiers reachable within a line of some length.
-  const std::vector<std::string> pieces = {" ", "\t", "\"", ",",    "(",    ")",  "/",  ":",   "=",
-                                           "a", "b",  "\n", "\x80", "\xff", "/a", "/b=", "a,"};
+  const std::vector<std::string> pieces = {" ", "\t", "\"", ",", "(", ")", "/", ":", "=", "a", "b",
+                                           "\n", "\x80", "\xff", "/a", "/b=", "a,"};
   std::mt19937 random(20240611);
   std::vector<std::string> lines;
   for (int n = 0; n < 20000; ++n) {
