@@ -5,6 +5,10 @@
 #include <fskit/cmdline.h>
 #include <fskit/strings.h>
 
+#include "cmdline/tags.h"
+
+using fskit::tags::copyCut;
+
 namespace {
 
 constexpr size_t kLineRead = 254;  // characters of a line that are read
@@ -24,13 +28,6 @@ bool readLine(std::FILE *stream, char *line) {
     if (kept < kLineRead) line[kept++] = char(c);
   line[kept] = '\0';
   return true;
-}
-
-// Copies at most `limit` characters of `src` and a NUL.
-void copyCut(char *dst, const char *src, size_t limit) {
-  size_t n = strnlen(src, limit);
-  std::memcpy(dst, src, n);
-  dst[n] = '\0';
 }
 
 }  // namespace

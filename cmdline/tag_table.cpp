@@ -6,37 +6,27 @@
 #include <fskit/cmdline.h>
 #include <fskit/strings.h>
 
+#include "cmdline/tags.h"
 #include "platform/platform.h"
+
+using fskit::tags::copyCut;
+using fskit::tags::kKept;
 
 namespace {
 
-// Tags and labels keep at most 63 characters, so every text handed back
-// fits in 64 bytes.
-constexpr size_t kKept = 63;
 constexpr int32_t kGrowth = 10;
 
-// Copies at most kKept characters of `src` (read no further than `limit`
-// bytes) and a NUL.
-void copyKept(char *dst, const char *src, size_t limit) {
-  size_t n = std::min(strnlen(src, limit), kKept);
-  std::memcpy(dst, src, n);
-  dst[n] = '\0';
-}
-
-// A block of `held` + kGrowth records; on failure the old block goes too,
+// A block of `held` + kGrowth records. On failure the old block goes too,
 // since the caller is left without a pointer to it.
 bool grow(int32_t held, int32_t *capacity, KwaTagEntry **table) {
-  if (held > INT32_MAX - kGrowth) return false;
-  size_t records = size_t(held) + kGrowth;
-  void *grown = std::realloc(*table, records * sizeof(KwaTagEntry));
-  if (grown == nullptr) {
-    std::free(*table);
-    *table = nullptr;
-    return false;
+  void *grown = nullptr;
+  if (held <= INT32_MAX - kGrowth) {
+    *capacity = held + kGrowth;
+    grown = std::realloc(*table, size_t(*capacity) * sizeof(KwaTagEntry));
   }
-  *capacity = int32_t(records);
+  if (grown == nullptr) std::free(*table);
   *table = static_cast<KwaTagEntry *>(grown);
-  return true;
+  return grown != nullptr;
 }
 
 }  // namespace
@@ -52,7 +42,7 @@ FSKIT_API int32_t kwaAddToTbl(const char *tag, const char *label, int32_t *count
   if (tag == nullptr || label == nullptr || *tag == '\0' || *label == '\0') return *count;
 
   char upper[kKept + 1];
-  copyKept(upper, tag, kKept);
+  copyCut(upper, tag, kKept);
   strupper(upper);
   char found[kKept + 1];
   if (kwaLabelToTag(*count, *table, label, found) >= 0 && std::strcmp(found, upper) == 0)
@@ -62,7 +52,7 @@ FSKIT_API int32_t kwaAddToTbl(const char *tag, const char *label, int32_t *count
   KwaTagEntry &entry = (*table)[*count];
   std::memset(&entry, 0, sizeof entry);
   std::memcpy(entry.tag, upper, sizeof upper);
-  copyKept(entry.label, label, kKept);
+  copyCut(entry.label, label, kKept);
   entry.labelLen = int32_t(std::strlen(entry.label));
   return ++*count;
 }
@@ -75,7 +65,7 @@ FSKIT_API int32_t kwaTagToLabel(int32_t count, const KwaTagEntry *table, const c
   if (length >= sizeof table->tag) return -1;  // longer than any stored tag
   for (int32_t i = 0; i < count; ++i) {
     if (std::memcmp(table[i].tag, tag, length + 1) != 0) continue;
-    if (label != nullptr) copyKept(label, table[i].label, sizeof table[i].label);
+    if (label != nullptr) copyCut(label, table[i].label, kKept);
     return i;
   }
   return -1;
@@ -90,7 +80,7 @@ FSKIT_API int32_t kwaLabelToTag(int32_t count, const KwaTagEntry *table, const c
     // not the given label's, bounds the comparison.
     int32_t length = std::clamp(table[i].labelLen, 0, int32_t(sizeof table[i].label));
     if (fskit::platform::_strnicmp(label, table[i].label, unsigned(length)) != 0) continue;
-    if (tag != nullptr) copyKept(tag, table[i].tag, sizeof table[i].tag);
+    if (tag != nullptr) copyCut(tag, table[i].tag, kKept);
     return i;
   }
   return -1;

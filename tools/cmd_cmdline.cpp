@@ -23,9 +23,9 @@ int runCmdline(std::vector<std::string> &args) {
   int32_t stop = kwaCmdLnPrts(line, &parts);
   if (stop != 0) {
     fsFree(&line);
-    char shown = char(stop);
-    return failure("cmdline", "stopped at character " + std::to_string(stop) +
-                                  (shown > ' ' && shown < 127 ? std::string(" '") + shown + "'" : ""));
+    std::string message = "stopped at character " + std::to_string(stop);
+    if (stop > ' ' && stop < 127) message += std::string(" '") + char(stop) + "'";
+    return failure("cmdline", message);
   }
   for (int i = 0; i < parts.nArgs; ++i)
     std::printf("argument\t%s%s\n", parts.args[i], parts.argEnds[i] == ',' ? "\t," : "");

@@ -251,7 +251,8 @@ TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
     for (const std::string &piece : pieces)
       if (random() % 2) subset.push_back(piece);
     std::string line;
-    for (size_t count = random() % 251; count > 0; --count) line += subset[random() % subset.size()];
+    for (size_t count = random() % 251; count > 0; --count)
+      line += subset[random() % subset.size()];
     lines.push_back(line);
   }
   std::vector<Outcome> expected;
@@ -268,7 +269,8 @@ TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
   for (size_t i = 0; i < lines.size(); ++i) {
     ASSERT_EQ(actual[i].result, expected[i].result) << "[" << lines[i] << "]";
     ASSERT_EQ(actual[i].parts, expected[i].parts) << "[" << lines[i] << "]";
-    ASSERT_EQ(err.substr(offset, expected[i].err.size()), expected[i].err) << "[" << lines[i] << "]";
+    ASSERT_EQ(err.substr(offset, expected[i].err.size()), expected[i].err)
+        << "[" << lines[i] << "]";
     offset += expected[i].err.size();
   }
   EXPECT_EQ(err.size(), offset);

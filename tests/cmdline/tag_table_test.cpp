@@ -94,7 +94,8 @@ TEST(TagTable, AddsLooksUpAndGrowsByTen) {
   char text[64];
   EXPECT_EQ(kwaLabelToTag(table.count, table.entries, "MASS SPECTRUM", text), 0);
   EXPECT_STREQ(text, "MS");
-  EXPECT_EQ(kwaLabelToTag(table.count, table.entries, "ultra", text), -1);  // shorter than the label
+  // A given label shorter than the record's does not match.
+  EXPECT_EQ(kwaLabelToTag(table.count, table.entries, "ultra", text), -1);
   EXPECT_STREQ(text, "");
   EXPECT_EQ(kwaTagToLabel(table.count, table.entries, "UV", text), 1);
   EXPECT_STREQ(text, "Ultra violet");
@@ -121,6 +122,18 @@ TEST(TagTable, AddsLooksUpAndGrowsByTen) {
   EXPECT_EQ(none, nullptr);
   count = 31;
   EXPECT_EQ(kwaAddToTbl("A", "b", &count, &table.capacity, &table.entries), 0);
+
+  // A table that cannot grow any further is released and the pointer cleared
+  // (the leak checker sees a block left behind). Its first record matches the
+  // label, so the lookup before the growth reads no other record.
+  KwaTagEntry *full = static_cast<KwaTagEntry *>(std::calloc(1, sizeof(KwaTagEntry)));
+  std::strcpy(full->tag, "A");
+  std::strcpy(full->label, "x");
+  full->labelLen = 1;
+  count = capacity = INT32_MAX - 5;
+  EXPECT_EQ(kwaAddToTbl("B", "x", &count, &capacity, &full), 0);
+  EXPECT_EQ(full, nullptr);
+  EXPECT_EQ(count, INT32_MAX - 5);
 }
 
 TEST(TagTable, ComparatorsOrderByTagOrLabelFirst) {
