@@ -55,7 +55,8 @@ typedef struct KwaTagEntry {
  * when the whole line was parsed, else the (sign-extended) character at which
  * parsing stopped. Problems are printed on stderr as "%kwaCmdLnPrts, ..."
  * lines; after one the record is incomplete (an unmatched quote or an
- * unterminated list still gives 0). After a limit message the count reads
+ * unterminated list still gives 0; text left open by a quote is terminated
+ * where its copy ends). After a limit message the count reads
  * one more than the limit. A null `line` parses as the empty line; a null
  * `parts` gives 0 and touches nothing. */
 FSKIT_API int32_t kwaCmdLnPrts(char *line, KwaCmdLnParts *parts);
@@ -88,8 +89,9 @@ FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize);
 FSKIT_API int32_t kwaReadTags(FILE *stream, int32_t mode, int32_t *count,
                               int32_t *capacity, KwaTagEntry **table);
 
-/* Appends (tag, label) to the table, growing it by 10 records with realloc.
- * An empty tag or label, or a label whose first match (kwaLabelToTag()) has
+/* Appends (tag, label) to the table, growing it by 10 records with realloc;
+ * both are cut to 63 characters and the tag is upper-cased. An empty tag or
+ * label, or a label whose first match (kwaLabelToTag()) has
  * the same upper-cased tag, adds nothing. Result: the count afterwards, or 0
  * when the table cannot grow; then the old block is freed, *table set to
  * null, and the caller starts a new table. A null argument, or a count that
