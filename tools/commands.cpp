@@ -14,6 +14,8 @@ int runPlatform(std::vector<std::string> &args);
 // -- sort
 // -- files
 // -- cmdline
+int runCmdline(std::vector<std::string> &args);
+int runTags(std::vector<std::string> &args);
 // -- util
 int runKey(std::vector<std::string> &args);
 int runDes(std::vector<std::string> &args);
@@ -40,6 +42,24 @@ const std::vector<Command> &commands() {
       // -- sort
       // -- files
       // -- cmdline
+      {"cmdline", "show how a command line splits into arguments and qualifiers",
+       "usage: fskit cmdline LINE...\n"
+       "Parses LINE (several words are joined with single blanks) and prints one\n"
+       "line per part: \"argument<TAB>TEXT\" (with \"<TAB>,\" when a comma ended it),\n"
+       "then \"qualifier<TAB>NAME\" or \"qualifier<TAB>NAME<TAB>VALUE\". When parsing\n"
+       "stops, the parser's message and the stop character go to standard error\n"
+       "and the status is 1.\n"
+       "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
+       runCmdline},
+      {"tags", "list a tag file or look a tag or label up in it",
+       "usage: fskit tags FILE [--keywords] [--tag TAG | --label LABEL]\n"
+       "Reads the tag file FILE (lines \"TAG LABEL ! comment\") and prints each\n"
+       "record as \"TAG<TAB>LABEL\". --keywords turns the labels into \"##LABEL=\".\n"
+       "--tag prints the label of the first record with exactly that (upper-case)\n"
+       "tag; --label prints the tag of the first record whose label, ignoring\n"
+       "case, begins LABEL. Nothing found: status 1.\n"
+       "example: fskit tags detectors.tbl --label 'mass spectrum'\n",
+       runTags},
       // -- util
       {"key", "print the code of each key pressed",
        "usage: fskit key\n"

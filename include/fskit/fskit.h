@@ -6,6 +6,7 @@
 /* frame */
 #include <fskit/frame.h>
 /* strings */
+#include <fskit/strings.h>
 /* ini */
 /* chemistry */
 /* numformat */
@@ -13,6 +14,7 @@
 /* sort */
 /* files */
 /* cmdline */
+#include <fskit/cmdline.h>
 /* util */
 #include <fskit/util.h>
 #include <fskit/version.h>

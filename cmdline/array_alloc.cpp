@@ -1,0 +1,22 @@
+// kwaArrayAlloc: sizing a caller's growable array record.
+#include <cstdlib>
+
+#include <fskit/cmdline.h>
+
+extern "C" {
+
+FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize) {
+  if (array == nullptr || n < 0) return 0;
+  if (n == 0) return 1;
+  // Capacity is counted in elements; a smaller request never frees.
+  if (n > array->capacity) {
+    std::free(array->data);
+    array->capacity = n;
+    array->elemSize = elemSize;
+    array->data = std::malloc(size_t(n) * elemSize);
+  }
+  array->count = n;
+  return array->data != nullptr ? 1 : 0;
+}
+
+}  // extern "C"

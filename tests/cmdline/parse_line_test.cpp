@@ -1,0 +1,220 @@
+// kwaCmdLnPrts: the documented examples, and generated lines checked against
+// a second, plain implementation that builds each token's text by appending
+// characters instead of parsing in place.
+#include <fskit/cmdline.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/test_support.h"
+
+namespace {
+
+const std::string kLabel = "%kwaCmdLnPrts, ";
+
+struct Outcome {
+  int32_t result = 0;
+  std::string parts, err;
+};
+
+// The parts as one text, "[arg] [arg], /name /name=[value]"; after a stop
+// only the counts, since the record is then incomplete.
+struct Found {
+  std::vector<std::string> args, names;
+  std::vector<std::optional<std::string>> values;
+  std::string marks;
+  std::string render(bool stopped) const {
+    auto count = [](size_t n) { return std::to_string(n); };
+    if (stopped) return "stop args " + count(args.size()) + " quals " + count(names.size());
+    std::string out;
+    for (size_t i = 0; i < args.size(); ++i) out += "[" + args[i] + "]" + marks[i];
+    for (size_t i = 0; i < names.size(); ++i)
+      out += "/" + names[i] + (values[i] ? "=[" + *values[i] + "]" : "");
+    return out;
+  }
+};
+
+Outcome parseWithLibrary(const std::string &line, bool withErr = true) {
+  // Exactly the line's size on the heap, so the sanitizers see any access outside it.
+  std::vector<char> copy(line.begin(), line.end());
+  copy.push_back('\0');
+  KwaCmdLnParts parts;
+  Outcome out;
+  auto run = [&] { out.result = kwaCmdLnPrts(copy.data(), &parts); };
+  if (withErr) out.err = fskit::test::captureStderr(run); else run();
+  bool stopped = out.result != 0 || parts.nArgs > KWA_MAX_ARGS || parts.nQuals > KWA_MAX_QUALS;
+  Found found;
+  found.args.resize(size_t(parts.nArgs));
+  found.names.resize(size_t(parts.nQuals));
+  found.values.resize(size_t(parts.nQuals));
+  auto text = [&](const char *p) {
+    EXPECT_TRUE(p >= copy.data() && p < copy.data() + copy.size()) << line;
+    return std::string(p);
+  };
+  for (int i = 0; i < parts.nArgs && !stopped; ++i) {
+    found.args[size_t(i)] = text(parts.args[i]);
+    found.marks += parts.argEnds[i];
+  }
+  for (int i = 0; i < parts.nQuals && !stopped; ++i) {
+    found.names[size_t(i)] = text(parts.qualNames[i]);
+    if (parts.qualValues[i] != nullptr) found.values[size_t(i)] = text(parts.qualValues[i]);
+  }
+  std::string unused(parts.argEnds + std::min(parts.nArgs, KWA_MAX_ARGS),
+                     parts.argEnds + KWA_MAX_ARGS);
+  EXPECT_EQ(unused.find_first_not_of(' '), std::string::npos) << line;
+  out.parts = found.render(stopped);
+  return out;
+}
+
+// The plain implementation, one character at a time.
+Outcome parseWithModel(const std::string &line) {
+  enum Mode { ARG, NAME, VALUE } mode = ARG, kind = ARG;
+  bool token = false, quote = false, list = false;
+  Found found;
+  std::string *text = nullptr;  // what the token still grows; none after its closing quote
+  Outcome out;
+  auto stop = [&](size_t at, const std::string &err) {
+    out.result = at < line.size() ? static_cast<signed char>(line[at]) : 0;
+    out.err = kLabel + err;
+    out.parts = found.render(true);
+    return out;
+  };
+  auto invalid = [&](size_t at) { return stop(at, "Invalid delimiter " + line.substr(at) + "\n"); };
+  auto start = [&](size_t at) {  // a token in the current mode; false when a limit refuses it
+    if (mode == ARG) {
+      found.args.emplace_back();
+      found.marks += ' ';
+      text = &found.args.back();
+    } else if (mode == NAME) {
+      found.names.emplace_back();
+      found.values.emplace_back();
+      text = &found.names.back();
+    } else {
+      text = &found.values.back().emplace();
+    }
+    if (found.args.size() > 20) stop(at, "Exceeded maximum number of arguments.\n");
+    if (found.names.size() > 50) stop(at, "Exceeded maximum number of qualifiers.\n");
+    kind = mode;
+    token = true;
+    return out.err.empty();
+  };
+  for (size_t i = 0; i < line.size(); ++i) {
+    char c = line[i];
+    if (quote) {
+      if (c != '"') text->push_back(c);
+      else if (i + 1 < line.size() && line[i + 1] == '"') text->push_back(line[++i]);
+      else quote = false, text = nullptr;
+    } else if (list) {
+      text->push_back(c);
+      if (c == ')') list = false, mode = ARG;
+    } else if (c == ' ' || c == '\t') {
+      if (token) mode = ARG;
+      token = false;
+    } else if (c == '"') {
+      if (token || mode == NAME) return invalid(i);
+      if (!start(i + 1)) return out;
+      quote = true;
+    } else if (c == '(') {
+      if (token || mode != VALUE) return invalid(i);
+      start(i);
+      text->push_back(c);
+      list = true;
+    } else if (c == ',' && token && kind == ARG) {
+      found.marks.back() = ',';
+      token = false, mode = ARG;
+    } else if (c == '/') {
+      token = false, mode = NAME;
+    } else if (c == '=' && kind != NAME) {
+      return invalid(i);
+    } else if ((c == ':' || c == '=') && kind == NAME) {
+      token = false, mode = VALUE;
+    } else if (token) {
+      if (text) text->push_back(c);
+    } else if (c != ',' && c != ':') {
+      if (!start(i)) return out;
+      text->push_back(c);
+    }
+  }
+  if (quote) out.err = kLabel + "Unmatched quoted string.\n";
+  else if (list) out.err = kLabel + "Unterminated list.\n";
+  out.parts = found.render(false);
+  return out;
+}
+
+std::string repeat(const std::string &piece, int n) {
+  std::string out;
+  while (n-- > 0) out += piece;
+  return out;
+}
+
+}  // namespace
+
+TEST(CommandLine, ExamplesAndEdgeCases) {
+  const struct {
+    std::string line;
+    int32_t result;
+    std::string parts, err;
+  } cases[] = {
+      {"copy a.dat,b.dat /log=out.txt /verbose", 0,
+       "[copy] [a.dat],[b.dat] /log=[out.txt]/verbose", ""},
+      {"/list=(a, b c) x", 0, "[x] /list=[(a, b c)]", ""},
+      {"/q=(a \"/b\" (c)d /e", 0, "/q=[(a \"/b\" (c)d]/e", ""},
+      {"\"say \"\"hi\"\"\"", 0, "[say \"hi\"] ", ""},
+      {"a=b", '=', "stop args 1 quals 0", "Invalid delimiter =b\n"},
+      {"/q=a=b", '=', "stop args 0 quals 1", "Invalid delimiter =b\n"},
+      {"ab\"c\"", '"', "stop args 1 quals 0", "Invalid delimiter \"c\"\n"},
+      {"\"a\"b,c", 0, "[a],[c] ", ""},
+      {"/ q /q = v /q :v w", 0, "[w] /q/q=[v]/q=[v]", ""},
+      {"/a/b /c=x/d /e,f=g,h", 0, "/a/b/c=[x]/d/e,f=[g,h]", ""},
+      {"a ,b c:\\f.txt :x", 0, "[a] [b] [c:\\f.txt] [x] ", ""},
+      {"\"a\"\"b", 0, "[a\"b] ", "Unmatched quoted string.\n"},
+      {"/q=(a", 0, "/q=[(a]", "Unterminated list.\n"},
+      {"", 0, "", ""},
+      {repeat("a ", 20), 0, repeat("[a] ", 20), ""},
+      {repeat("a ", 20) + "\xe9", -23, "stop args 21 quals 0",
+       "Exceeded maximum number of arguments.\n"},
+      {repeat("/a", 50) + "/z", 'z', "stop args 0 quals 51",
+       "Exceeded maximum number of qualifiers.\n"},
+  };
+  for (const auto &c : cases) {
+    Outcome out = parseWithLibrary(c.line);
+    EXPECT_EQ(out.result, c.result) << c.line;
+    EXPECT_EQ(out.parts, c.parts) << c.line;
+    EXPECT_EQ(out.err, c.err.empty() ? "" : kLabel + c.err) << c.line;
+  }
+  KwaCmdLnParts parts;
+  EXPECT_EQ(kwaCmdLnPrts(nullptr, &parts) + parts.nArgs + parts.nQuals, 0);
+}
+
+TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
+  // Delimiters, letters and a few pieces that bring the limits of 20
+  // arguments and 50 qualifiers within reach; each line draws from its own
+  // subset, so that long lines without stopping characters are common.
+  const std::vector<std::string> pieces = {" ", "\t", "\"", ",", "(", ")", "/", ":", "=", "a", "b",
+                                           "\n", "\x80", "\xff", "/a", "/b=", "a,"};
+  std::mt19937 random(20240611);
+  std::vector<std::string> lines(20000);
+  for (std::string &line : lines) {
+    std::vector<std::string> subset = {"a"};
+    for (const std::string &piece : pieces)
+      if (random() % 2) subset.push_back(piece);
+    for (size_t n = random() % 251; n > 0; --n) line += subset[random() % subset.size()];
+  }
+  std::vector<Outcome> actual;
+  std::string err = fskit::test::captureStderr([&] {
+    for (const std::string &line : lines) actual.push_back(parseWithLibrary(line, false));
+  });
+  size_t offset = 0;
+  for (size_t i = 0; i < lines.size(); ++i) {
+    Outcome expected = parseWithModel(lines[i]);
+    ASSERT_EQ(actual[i].result, expected.result) << "[" << lines[i] << "]";
+    ASSERT_EQ(actual[i].parts, expected.parts) << "[" << lines[i] << "]";
+    ASSERT_EQ(err.substr(offset, expected.err.size()), expected.err) << "[" << lines[i] << "]";
+    offset += expected.err.size();
+  }
+  EXPECT_EQ(err.size(), offset);
+}

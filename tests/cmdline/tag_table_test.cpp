@@ -1,0 +1,102 @@
+// Tag tables: reading tag files, adding pairs, lookups both ways, the two
+// comparators.
+#include <fskit/cmdline.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+namespace {
+
+struct Table {
+  int32_t count = 0, capacity = 0;
+  KwaTagEntry *entries = nullptr;
+  ~Table() { std::free(entries); }
+
+  int32_t add(const std::string &tag, const std::string &label) {
+    return kwaAddToTbl(tag.c_str(), label.c_str(), &count, &capacity, &entries);
+  }
+  void read(std::string text, int32_t mode) {
+    std::FILE *stream = fmemopen(text.data(), text.size(), "r");
+    EXPECT_EQ(kwaReadTags(stream, mode, &count, &capacity, &entries), 1);
+    EXPECT_EQ(kwaReadTags(stream, mode, &count, &capacity, &entries), 1);  // at its end already
+    std::fclose(stream);
+  }
+  // "TAG=label;" for every record.
+  std::string pairs() const {
+    std::string out;
+    for (int32_t i = 0; i < count; ++i) {
+      EXPECT_EQ(entries[i].labelLen, int32_t(std::strlen(entries[i].label)));
+      out += std::string(entries[i].tag) + "=" + entries[i].label + ";";
+    }
+    return out;
+  }
+};
+
+}  // namespace
+
+TEST(TagFile, ReadsPairsAndKeywords) {
+  // The tails of lines longer than one read (254 characters) look like
+  // records but add nothing.
+  const std::string file = "ms Mass spectrum\n! ignored\n\n  uv    Ultra   violet  \n"
+                           "MASS Mass range ! scanned\nonlytag\n\tTab\tlabel\r\n!" +
+                           std::string(260, 'c') + " TAIL comment\n" + std::string(70, 't') + " " +
+                           std::string(353, 'l') + " ZZ tail\nlast line";
+  Table plain, keywords;
+  plain.read(file, 0);
+  EXPECT_EQ(plain.pairs(), "MS=Mass spectrum;UV=Ultra violet;MASS=Mass range;TAB=label;" +
+                               std::string(63, 'T') + "=" + std::string(63, 'l') + ";LAST=line;");
+  keywords.read(file, 1);
+  EXPECT_EQ(keywords.pairs(), "MS=##MASS SPECTRUM=;UV=##ULTRA VIOLET=;MASS=##MASS RANGE=;"
+                              "TAB=##LABEL=;" + std::string(63, 'T') + "=##" +
+                                  std::string(60, 'L') + "=;LAST=##LINE=;");
+}
+
+TEST(TagTable, AddsLooksUpAndGrowsByTen) {
+  Table table;
+  EXPECT_EQ(table.add("ms", "Mass spectrum") + table.add("uv", "Ultra violet"), 3);
+  EXPECT_EQ(table.add("MS", "mass spectrum extra"), 2);  // its label's first match has tag MS
+  EXPECT_EQ(table.add("MX", "mass spectrum extra") + table.add("", "x") + table.add("x", ""), 9);
+  char text[64];
+  EXPECT_EQ(kwaLabelToTag(table.count, table.entries, "MASS SPECTRUM", text), 0);
+  EXPECT_STREQ(text, "MS");
+  EXPECT_EQ(kwaLabelToTag(table.count, table.entries, "ultra", text), -1);  // shorter
+  EXPECT_STREQ(text, "");
+  EXPECT_EQ(kwaTagToLabel(table.count, table.entries, "UV", text), 1);
+  EXPECT_STREQ(text, "Ultra violet");
+  EXPECT_EQ(kwaTagToLabel(table.count, table.entries, "ms", text), -1);
+  EXPECT_STREQ(text, "");
+  for (int i = 3; i < 21; ++i) {
+    EXPECT_EQ(table.add("t" + std::to_string(i), "l" + std::to_string(i)), i + 1);
+    EXPECT_EQ(table.capacity, i < 10 ? 10 : i < 20 ? 20 : 30);
+  }
+  EXPECT_EQ(table.pairs().substr(0, 50), "MS=Mass spectrum;UV=Ultra violet;MX=mass spectrum ");
+  EXPECT_EQ(std::string(table.entries[20].tag) + table.entries[20].label, "T20l20");
+
+  // A count that does not describe the block changes nothing; a table that
+  // cannot grow is released (else the leak checker objects). The full
+  // table's first record matches the label, so no other record is read.
+  int32_t count = 1, capacity = 10;
+  KwaTagEntry *none = nullptr;
+  EXPECT_EQ(kwaAddToTbl("A", "x", &count, &capacity, &none), 0);
+  auto *full = static_cast<KwaTagEntry *>(std::calloc(1, sizeof(KwaTagEntry)));
+  *full = KwaTagEntry{"A", "x", 1};
+  count = capacity = INT32_MAX - 5;
+  EXPECT_EQ(kwaAddToTbl("B", "x", &count, &capacity, &full), 0);
+  EXPECT_EQ(full, nullptr);
+}
+
+TEST(TagTable, ComparatorsOrderByTagOrLabelFirst) {
+  KwaTagEntry entries[] = {{"B", "a", 1}, {"A", "y", 1}, {"A", "x", 1}, {"\x80", "0", 1}};
+  auto sorted = [&](int (*compare)(const void *, const void *)) {
+    std::qsort(entries, 4, sizeof(KwaTagEntry), compare);
+    std::string order;
+    for (const KwaTagEntry &e : entries) order += std::string(e.tag) + e.label + " ";
+    return order;
+  };
+  EXPECT_EQ(sorted(kwaTblTagCmp), "Ax Ay Ba \x80" "0 ");
+  EXPECT_EQ(sorted(kwaTblLblCmp), "\x80" "0 Ba Ax Ay ");
+  EXPECT_EQ(kwaTblTagCmp(&entries[0], &entries[1]) - kwaTblTagCmp(&entries[1], &entries[0]), 2);
+}

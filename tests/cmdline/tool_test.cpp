@@ -1,0 +1,31 @@
+// The cmdline and tags commands of the fskit tool.
+#include <gtest/gtest.h>
+
+#include "tests/support/test_support.h"
+
+using fskit::test::runTool;
+
+TEST(CmdlineTool, PrintsPartsOrStopCharacter) {
+  EXPECT_EQ(runTool({"cmdline", "copy", "a.dat,b.dat", "/log=out.txt /verbose"}).out,
+            "argument\tcopy\nargument\ta.dat\t,\nargument\tb.dat\n"
+            "qualifier\tlog\tout.txt\nqualifier\tverbose\n");
+  auto stopped = runTool({"cmdline", "/q=a=b"});
+  EXPECT_EQ(stopped.status, 1);
+  EXPECT_EQ(stopped.err,
+            "%kwaCmdLnPrts, Invalid delimiter =b\nfskit cmdline: stopped at character 61 '='\n");
+  EXPECT_EQ(runTool({"cmdline"}).status, 2);
+}
+
+TEST(TagsTool, ListsAndLooksUp) {
+  fskit::test::TempDir dir;
+  std::string file = dir.file("tags.tbl");
+  fskit::test::writeFile(file, "ms Mass spectrum ! comment\n\n  uv   Ultra  violet\n");
+  EXPECT_EQ(runTool({"tags", file}).out, "MS\tMass spectrum\nUV\tUltra violet\n");
+  EXPECT_EQ(runTool({"tags", "--keywords", file, "--tag", "UV"}).out, "##ULTRA VIOLET=\n");
+  EXPECT_EQ(runTool({"tags", file, "--label=mass spectrum scan"}).out, "MS\n");
+  auto missing = runTool({"tags", file, "--tag", "uv"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "fskit tags: no record with the tag 'uv'\n");
+  EXPECT_EQ(runTool({"tags", dir.file("none")}).status, 1);
+  EXPECT_EQ(runTool({"tags", file, "--tag", "A", "--label", "b"}).status, 2);
+}
