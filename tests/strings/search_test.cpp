@@ -2,6 +2,10 @@
 #include <fskit/strings.h>
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include "tests/strings/random_text.h"
+
 TEST(Search, StridxForwardPass) {
   struct Row {
     const char *pattern, *text;
@@ -40,4 +44,33 @@ TEST(Search, CompareOverCommonLength) {
     EXPECT_EQ(stricmps(row.a, row.b), row.folded) << row.a << " / " << row.b;
   }
   EXPECT_EQ(stricmps(nullptr, "x"), 0);
+}
+
+TEST(Search, StridxProperties) {
+  fskit::test::RandomText random(7);
+  for (int i = 0; i < 20000; ++i) {
+    const std::string pattern = random("ab", 4), text = random("abAB", 12);
+    if (pattern.empty()) continue;
+    const int32_t found = stridx(pattern.c_str(), text.c_str());
+    const size_t first = text.find(pattern);
+    if (first == std::string::npos) {
+      ASSERT_EQ(found, -1) << pattern << " in " << text;
+      continue;
+    }
+    // What is found is a real occurrence; and when the first character does
+    // not recur in the pattern, no occurrence can begin inside a partial
+    // match, so the pass finds the first.
+    if (found >= 0) {
+      ASSERT_EQ(text.compare(size_t(found), pattern.size(), pattern), 0) << pattern << " in " << text;
+    }
+    if (pattern.find(pattern[0], 1) == std::string::npos) {
+      ASSERT_EQ(found, int32_t(first)) << pattern << " in " << text;
+    }
+    // Ignoring case is the same pass over upper-cased texts.
+    std::string upperPattern = pattern, upperText = text;
+    strupper(upperPattern.data());
+    strupper(upperText.data());
+    ASSERT_EQ(striidx(pattern.c_str(), text.c_str()),
+              stridx(upperPattern.c_str(), upperText.c_str()));
+  }
 }

@@ -2,8 +2,11 @@
 #include <fskit/strings.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
+
+#include "tests/strings/random_text.h"
 
 namespace {
 
@@ -64,4 +67,40 @@ TEST(Tokens, StrqtoksQuoting) {
   EXPECT_EQ(quotedTokens("a b", " ", 0), Tokens{});
   EXPECT_EQ(quotedTokens("abc", ""), (Tokens{"abc"}));
   EXPECT_EQ(strqtoks("a", " ", 1, nullptr, nullptr), 0);
+}
+
+namespace {
+
+// Tokens by searching the text for quote and delimiter positions, as a
+// second way to the same split.
+Tokens referenceTokens(const std::string &s, const std::string &delims) {
+  Tokens tokens;
+  auto nextDelimiter = [&](size_t from) { return std::min(s.find_first_of(delims, from), s.size()); };
+  for (size_t begin = s.find_first_not_of(delims); begin != std::string::npos;
+       begin = s.find_first_not_of(delims, begin)) {
+    size_t end = nextDelimiter(begin);
+    if (s[begin] == '\'' || s[begin] == '"') {
+      size_t close = s.find(s[begin], begin + 1);
+      while (close != std::string::npos && close + 1 < s.size() && s[close + 1] == s[begin])
+        close = s.find(s[begin], close + 2);
+      end = close == std::string::npos ? s.size() : nextDelimiter(close + 1);
+    }
+    tokens.push_back(s.substr(begin, end - begin));
+    begin = end;
+  }
+  return tokens;
+}
+
+}  // namespace
+
+TEST(Tokens, StrqtoksAgainstReference) {
+  fskit::test::RandomText random(99);
+  for (int i = 0; i < 20000; ++i) {
+    const std::string s = random("ab ,'\"", 14);
+    const Tokens expected = referenceTokens(s, " ,");
+    ASSERT_EQ(quotedTokens(s.c_str(), " ,"), expected) << s;
+    const int32_t max = int32_t(i % 4);
+    const Tokens capped(expected.begin(), expected.begin() + std::min<size_t>(max, expected.size()));
+    ASSERT_EQ(quotedTokens(s.c_str(), " ,", max), capped) << s;
+  }
 }
