@@ -31,12 +31,18 @@ FSKIT_API int strwildcmp(const char *pattern, const char *s, char anyChar, char 
     if (isRun(*pattern)) {
       runPattern = ++pattern;
       runText = s;
+      if (*pattern == '\0') return 1;  // a final run takes the rest of the text
     } else if (*pattern != '\0' && (*pattern == *s || *pattern == anyChar)) {
       ++pattern;
       ++s;
     } else if (runPattern != nullptr) {
       pattern = runPattern;
       s = ++runText;
+      // A literal after the run can only match where that character occurs.
+      if (*pattern != anyChar && !isRun(*pattern)) {
+        s = runText = std::strchr(runText, *pattern);
+        if (s == nullptr) return 0;
+      }
     } else {
       return 0;
     }
