@@ -1,4 +1,6 @@
 // Searching and comparing: stridx, striidx, strcmps, stricmps.
+#include <cstring>
+
 #include <fskit/strings.h>
 
 #include "strings/scan.h"
@@ -11,6 +13,16 @@ namespace {
 
 char same(char c) { return c; }
 
+// The next character of `c` on that a match can begin, or null. While no
+// partial match is under way nothing else changes the pass's state, so the
+// library's fast character search can skip ahead.
+template <char (*fold)(char)>
+const char *nextCandidate(const char *c, char first) {
+  if (fold == same || !fskit::ascii::isAlpha(first)) return std::strchr(c, first);
+  const char bothCases[] = {first, fskit::ascii::toLower(first), '\0'};
+  return std::strpbrk(c, bothCases);
+}
+
 // One forward pass that never steps back in `text`: a failed partial match
 // restarts the pattern at the failing character, which keeps the search O(n)
 // without a table.
@@ -21,6 +33,7 @@ int32_t findForward(const char *pattern, const char *text) {
   const char first = fold(*pattern);
   const char *cursor = pattern;
   for (const char *c = text; *c != '\0'; ++c) {
+    if (cursor == pattern && (c = nextCandidate<fold>(c, first)) == nullptr) return -1;
     const char folded = fold(*c);
     if (folded == fold(*cursor)) {
       ++cursor;

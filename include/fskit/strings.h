@@ -102,9 +102,9 @@ FSKIT_API char *strreverse(char *s);
 /* Position of `pattern` in `text`, or -1, by one forward pass that never
  * steps back: after a partial match fails, the search goes on from the
  * failing character, so an occurrence that begins inside the partial match is
- * not seen ("aab" in "aaab" gives -1, in "aab" 1). The pass is O(strlen(text)).
- * An empty pattern is found at 0 of a non-empty text; an empty text gives -1.
- * striidx() does the same ignoring case. */
+ * not seen ("aab" in "aaab" gives -1, in "aaabaab" 4). The pass is O(n) in
+ * the length of `text`. An empty pattern is found at 0 of a non-empty text;
+ * an empty text gives -1. striidx() does the same ignoring case. */
 FSKIT_API int32_t stridx(const char *pattern, const char *text);
 FSKIT_API int32_t striidx(const char *pattern, const char *text);
 

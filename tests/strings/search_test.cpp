@@ -1,43 +1,168 @@
-// Searching and comparing over the common length.
+// Searching, comparing, wildcard and abbreviation matching, quit words, hash.
 #include <fskit/strings.h>
 #include <gtest/gtest.h>
 
-TEST(Search, StridxForwardPass) {
-  struct Row {
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "tests/strings/random_text.h"
+
+TEST(Search, FindAndCompare) {
+  struct Find {
     const char *pattern, *text;
     int32_t exact, folded;  // stridx, striidx
-  } rows[] = {
-      {"bc", "abcd", 1, 1},    {"ab", "aab", 1, 1},   {"x", "abc", -1, -1},
-      {"ab", "", -1, -1},      {"BC", "abcd", -1, 1}, {"abc", "ABC", -1, 0},
-      {"aab", "aaab", -1, -1},  // begins inside a partial match: not seen
-      {"aab", "aaabaab", 4, 4}, {"cd", "abcd", 2, 2}, {"abcd", "abc", -1, -1},
-      {"", "abc", 0, 0},        {"", "", -1, -1},     {"\xE4", "a\xC4\xE4", 2, 2},
-      {"\xC4", "a\xE4", -1, -1},
+  } finds[] = {
+      {"bc", "abcd", 1, 1},      {"ab", "aab", 1, 1},     {"x", "abc", -1, -1},
+      {"ab", "", -1, -1},        {"BC", "abcd", -1, 1},   {"aab", "aaab", -1, -1},
+      {"aab", "aaabaab", 4, 4},  {"abcd", "abc", -1, -1}, {"", "abc", 0, 0},
+      {"\xE4", "a\xC4\xE4", 2, 2},
   };
-  for (const auto &row : rows) {
-    EXPECT_EQ(stridx(row.pattern, row.text), row.exact) << row.pattern << " in " << row.text;
-    EXPECT_EQ(striidx(row.pattern, row.text), row.folded) << row.pattern << " in " << row.text;
+  for (const auto &f : finds) {
+    EXPECT_EQ(stridx(f.pattern, f.text), f.exact) << f.pattern << " in " << f.text;
+    EXPECT_EQ(striidx(f.pattern, f.text), f.folded) << f.pattern << " in " << f.text;
+  }
+  struct Compare {
+    const char *a, *b;
+    int32_t exact, folded;  // strcmps, stricmps
+  } compares[] = {
+      {"abc", "abd", 'c' - 'd', 'C' - 'D'}, {"ABC", "abc", 'A' - 'a', 0},
+      {"abc", "ab", 0, 0},                  {"", "x", 0, 0},
+      {"a[", "A{", 'a' - 'A', '[' - '{'},   {"a", "\x80", 'a' + 128, 'A' + 128},
+      {"\xFF", "a", -1 - 'a', -1 - 'A'},
+  };
+  for (const auto &c : compares) {
+    EXPECT_EQ(strcmps(c.a, c.b), c.exact) << c.a << " / " << c.b;
+    EXPECT_EQ(stricmps(c.a, c.b), c.folded) << c.a << " / " << c.b;
   }
 }
 
-TEST(Search, CompareOverCommonLength) {
+TEST(Search, StridxProperties) {
+  fskit::test::RandomText random(7);
+  for (int i = 0; i < 20000; ++i) {
+    const std::string pattern = random("ab", 4) + "a", text = random("abAB", 12);
+    const int32_t found = stridx(pattern.c_str(), text.c_str());
+    const size_t first = text.find(pattern);
+    // Whatever is found is an occurrence; nothing is found without one; and
+    // when the first character does not recur in the pattern, no occurrence
+    // can begin inside a partial match, so the first one is found.
+    if (found >= 0) {
+      ASSERT_EQ(text.compare(size_t(found), pattern.size(), pattern), 0);
+    }
+    if (first == std::string::npos || pattern.find(pattern[0], 1) == std::string::npos) {
+      ASSERT_EQ(found, int32_t(first)) << pattern << " in " << text;
+    }
+    // Ignoring case is the same pass over upper-cased texts.
+    std::string upperPattern = pattern, upperText = text;
+    ASSERT_EQ(striidx(pattern.c_str(), text.c_str()),
+              stridx(strupper(upperPattern.data()), strupper(upperText.data())));
+  }
+}
+
+namespace {
+
+// Full wildcard semantics, by plain recursion.
+bool globMatches(const char *p, const char *t) {
+  if (*p == '*') return globMatches(p + 1, t) || (*t != '\0' && globMatches(p, t + 1));
+  if (*t == '\0') return *p == '\0';
+  return *p != '\0' && (*p == '?' || *p == *t) && globMatches(p + 1, t + 1);
+}
+
+// The minimal single-pass scan: one restart point, the failing character
+// not retried. Whatever it accepts, strwildcmp must accept.
+bool scanAccepts(const std::string &pattern, const std::string &text) {
+  size_t p = 0, t = 0;
+  std::optional<size_t> restart;
+  while (t < text.size()) {
+    const char c = p < pattern.size() ? pattern[p] : '\0';
+    if (c == '*') {
+      if (p + 1 == pattern.size()) return true;
+      restart = ++p;
+    } else if (c != '\0' && (c == text[t] || c == '?')) {
+      ++p, ++t;
+      if (t == text.size()) return p == pattern.size();
+      if (p == pattern.size() && !restart) return false;
+      if (p == pattern.size()) p = *restart;
+    } else {
+      if (!restart) return false;
+      p = *restart, ++t;
+    }
+  }
+  return p == pattern.size();
+}
+
+}  // namespace
+
+TEST(Search, Wildcards) {
   struct Row {
-    const char *a, *b;
-    int32_t exact, folded;  // strcmps, stricmps
+    const char *pattern, *text;
+    int matches;
   } rows[] = {
-      {"abc", "abd", 'c' - 'd', 'C' - 'D'},
-      {"ABC", "abc", 'A' - 'a', 0},
-      {"abc", "ab", 0, 0},
-      {"ab", "", 0, 0},
-      {"", "x", 0, 0},
-      {"jan", "JANUARY", 'j' - 'J', 0},
-      {"a[", "A{", 'a' - 'A', '[' - '{'},  // only letters fold
-      {"a", "\x80", 'a' + 128, 'A' + 128},  // bytes taken as signed values
-      {"\xFF", "a", -1 - 'a', -1 - 'A'},
+      {"a?c", "abc", 1},   {"a*", "abc", 1},      {"*.dat", "x.y.dat", 1}, {"a*c", "ac", 1},
+      {"a*c", "abbc", 1},  {"", "", 1},           {"abc", "abcabc", 0},    {"a?c", "ac", 0},
+      {"ABC", "abc", 0},   {"*", "", 1},          {"ab*", "ab", 1},        {"*ab", "aab", 1},
+      {"", "x", 0},        {"a*b", "abx", 0},     {"\xE4?", "\xE4\x80", 1},
+  };
+  for (const auto &row : rows)
+    EXPECT_EQ(strwildcmp(row.pattern, row.text, '?', '*'), row.matches)
+        << row.pattern << " ~ " << row.text;
+  EXPECT_EQ(strwildcmp(nullptr, "x", '?', '*'), 0);
+  EXPECT_EQ(strwildcmp("a%_", "abcd", '_', '%'), 1);
+  EXPECT_EQ(strwildcmp("", "x", '\0', '\0'), 0);  // a NUL wildcard stands for nothing
+
+  fskit::test::RandomText random(20240601);
+  int scanAccepted = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const std::string pattern = random("ab?*", 6), text = random("ab", 8);
+    const int got = strwildcmp(pattern.c_str(), text.c_str(), '?', '*');
+    ASSERT_EQ(got, globMatches(pattern.c_str(), text.c_str())) << pattern << " ~ " << text;
+    if (scanAccepts(pattern, text)) {
+      ++scanAccepted;
+      ASSERT_EQ(got, 1) << pattern << " ~ " << text;
+    }
+  }
+  EXPECT_GT(scanAccepted, 1000);
+}
+
+TEST(Search, Abbreviations) {
+  const char *commands[] = {"list", "load", "log"};
+  struct Row {
+    const char *word;
+    int32_t minLen, index;
+    const char *out;  // null: left untouched
+  } rows[] = {
+      {"li", 0, 0, "list"},   {"lo", 0, -2, ""},      {"log", 0, 2, "log"}, {"x", 0, -1, ""},
+      {"li", 3, -2, nullptr}, {"", 0, -2, nullptr},   {"LIST", 0, -1, ""},  {"lis", 3, 0, "list"},
   };
   for (const auto &row : rows) {
-    EXPECT_EQ(strcmps(row.a, row.b), row.exact) << row.a << " / " << row.b;
-    EXPECT_EQ(stricmps(row.a, row.b), row.folded) << row.a << " / " << row.b;
+    char out[8] = "~";
+    EXPECT_EQ(strMatchUnAmbig(commands, 3, row.minLen, row.word, out), row.index) << row.word;
+    EXPECT_STREQ(out, row.out ? row.out : "~") << row.word;
   }
-  EXPECT_EQ(stricmps(nullptr, "x"), 0);
+  // The scan stops at the second abbreviation, before a later exact entry.
+  const char *late[] = {"print", "printer", "prin"}, *early[] = {"prin", "print", "printer"};
+  char out[16] = "printe";
+  EXPECT_EQ(strMatchUnAmbig(late, 3, 0, "prin", out), -2);
+  EXPECT_EQ(strMatchUnAmbig(early, 3, 0, "prin", out), 0);
+  EXPECT_EQ(strMatchUnAmbig(early, 0, 0, "prin", out), -1);
+  std::strcpy(out, "printe");
+  EXPECT_EQ(strMatchUnAmbig(early, 3, 0, out, out), 2);  // `out` may be the word
+  EXPECT_STREQ(out, "printer");
+}
+
+TEST(Search, QuitWordsAndHash) {
+  for (const char *quit : {"quit", "QUIT", "Stop\n", "fin", "abort\n", "eXiT", "halt", "kill\n"})
+    EXPECT_EQ(strQuit(quit), 1) << quit;
+  for (const char *other : {"quitting", " quit", "quit\r\n", "", "abort\n\n", "fi"})
+    EXPECT_EQ(strQuit(other), 0) << other;
+
+  EXPECT_EQ(stringHash("abc", 1000), 887u);
+  EXPECT_EQ(stringHash("a", 1000), 853u);
+  EXPECT_EQ(stringHash("ab", 1000), 413u);
+  EXPECT_EQ(stringHash("", 1000), 1u);
+  EXPECT_EQ(stringHash("", 0), 1u);
+  // Bytes are signed: 0xFF is -1, so "\xFF" gives 1 + 107 + 10009; for two
+  // 0x80 bytes each step adds 16384 * 10117, giving 1 and then 2 modulo 7.
+  EXPECT_EQ(stringHash("\xFF", 100000), 10117u);
+  EXPECT_EQ(stringHash("\x80\x80", 7), 2u);
 }

@@ -1,5 +1,5 @@
-// A destination buffer pre-filled with a sentinel byte, so a test sees every
-// byte a function wrote and every byte it left alone.
+// A destination pre-filled with a sentinel byte, so that a test sees every
+// byte a function wrote and that it wrote nothing beyond.
 #pragma once
 
 #include <cstring>
@@ -8,18 +8,12 @@
 namespace fskit::test {
 
 struct Sentinel {
-  static constexpr char kFill = '~';
   char bytes[64];
-  Sentinel() { std::memset(bytes, kFill, sizeof bytes); }
-  explicit Sentinel(const char *initial) : Sentinel() { std::strcpy(bytes, initial); }
-  operator char *() { return bytes; }
-  // The first n bytes, NULs included.
-  std::string first(size_t n) const { return std::string(bytes, n); }
-  // The bytes up to the first sentinel byte: what was written, when the
-  // function wrote a contiguous run from the start.
+  Sentinel() { std::memset(bytes, '~', sizeof bytes); }
+  // The bytes before the first sentinel byte, NULs included.
   std::string written() const {
-    std::string all(bytes, sizeof bytes);
-    return all.substr(0, all.find(kFill));
+    const std::string all(bytes, sizeof bytes);
+    return all.substr(0, all.find('~'));
   }
 };
 

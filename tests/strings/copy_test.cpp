@@ -1,0 +1,99 @@
+// Functions that write into a caller's buffer: exactly which bytes each
+// writes, checked against a sentinel.
+#include <fskit/strings.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "tests/strings/sentinel.h"
+
+using namespace std::string_literals;
+
+TEST(Copy, WritesExactlyTheseBytes) {
+  struct Row {
+    char *(*call)(char *);
+    std::string written;
+  } rows[] = {
+      // Case: only A-Z and a-z change.
+      {[](char *d) { return strcpyl(d, "AbCz-1\xE4@[`{"); }, "abcz-1\xE4@[`{\0"s},
+      {[](char *d) { return strcpyu(d, "AbCz-1\xE4@[`{"); }, "ABCZ-1\xE4@[`{\0"s},
+      {[](char *d) { return strlower(std::strcpy(d, "AbC\xC4")); }, "abc\xC4\0"s},
+      {[](char *d) { return strupper(std::strcpy(d, "aBc\xE4")); }, "ABC\xE4\0"s},
+      {[](char *d) { return strncpyl(d, "AbC", 4); }, "abc\0"s},
+      {[](char *d) { return strncpyl(d, "AbC", 3); }, "abc"},
+      {[](char *d) { return strncpyl(d, "AbC", 0); }, ""},
+      {[](char *d) { return strncpyl(d, "AbC", -5); }, ""},
+      // Fields.
+      {[](char *d) { return strncpyn(d, "abcdef", 4); }, "abc\0"s},
+      {[](char *d) { return strncpyn(d, "ab", 5); }, "ab\0\0\0"s},
+      {[](char *d) { return strncpyn(d, "ab", 0); }, ""},
+      {[](char *d) { return strncpyp(d, "ab", 5, ' '); }, "ab   "},
+      {[](char *d) { return strncpyp(d, "abcdefg", 5, ' '); }, "abcde"},
+      {[](char *d) { return strncpyp(d, "ab", -1, ' '); }, ""},
+      {[](char *d) { return strncpyb(d, "ab c  ", 6); }, "ab c\0"s},
+      {[](char *d) { return strncpyb(d, "      ", 6); }, "\0"s},
+      {[](char *d) { return strncpyb(d, "abcdef", 6); }, "abcdef"},
+      {[](char *d) { return strncpyb(d, "ab\0cd ", 6); }, "ab\0"s},
+      {[](char *d) { return strncpyb(d, "ab\x01\x1f\xE4\x80", 6); }, "ab\0"s},
+      {[](char *d) { return strncpyb(d, "ab", 0); }, ""},
+      {[](char *d) { return strnpad(std::strcpy(d, "ab"), 5, '*'); }, "ab***\0"s},
+      {[](char *d) { return strnpad(std::strcpy(d, "abcdef"), 5, '*'); }, "abcdef\0"s},
+      {[](char *d) { return strcenter(d, "ab", 7); }, "  ab\0"s},
+      {[](char *d) { return strcenter(d, "ab", 3); }, "ab\0"s},
+      {[](char *d) { return strcenter(d, "ab", 0); }, "ab\0"s},
+      {[](char *d) { return strfcpy(d, 5, "  ab   cd  ", 11); }, "ab c\0"s},
+      {[](char *d) { return strfcpy(d, 80, "NAME    ", 8); }, "NAME\0\0\0\0\0"s},
+      {[](char *d) { return strfcpy(d, 10, "ab\0 cd", 6); }, "ab\0\0\0\0\0"s},
+      {[](char *d) { return strfcpy(d, 0, "ab", 2); }, ""},
+      // Substrings.
+      {[](char *d) { return strleft(d, "abcdef", 3); }, "abc\0"s},
+      {[](char *d) { return strleft(d, "ab", 5); }, "ab\0"s},
+      {[](char *d) { return strleft(d, "abc", 0); }, "\0"s},
+      {[](char *d) { return strmid(d, "abcdefg", 2, 4); }, "cde\0"s},
+      {[](char *d) { return strmid(d, "abc", 1, 99); }, "bc\0"s},
+      {[](char *d) { return strmid(d, "abc", 2, 1); }, "\0"s},
+      {[](char *d) { return strmid(d, "abc", 4, 9); }, "\0"s},
+      {[](char *d) { return strmid(d, "abc", 3, 5); }, "\0"s},
+      {[](char *d) { return strmid(d, "ab", 1, 0xFFFFFFFFu); }, "b\0"s},
+      {[](char *d) { return strright(d, "abcdef", 2); }, "cdef\0"s},
+      {[](char *d) { return strright(d, "abc", 4); }, "\0"s},
+      {[](char *d) { return strright(d, "abc", -1); }, "abc\0"s},
+      {[](char *d) { return strextract(d, "a[bc]d", "[", "]"); }, "bc\0"s},
+      {[](char *d) { return strextract(d, "a[bc", "[", "]"); }, "bc\0"s},
+      {[](char *d) { return strextract(d, "abc", "[", "]"); }, "\0"s},
+      {[](char *d) { return strextract(d, "x(a]b)", "([", ")]"); }, "a\0"s},
+      {[](char *d) { return strrepeat(d, "ab", 3); }, "ababab\0"s},
+      {[](char *d) { return strrepeat(d, "ab", 0); }, ""},
+      {[](char *d) { return strreverse(std::strcpy(d, "abc")); }, "cba\0"s},
+      {[](char *d) { return strRemOuter(d, "f(a(b)c)", '(', ')'); }, "a(b)c\0"s},
+      {[](char *d) { return strRemOuter(d, "(abc", '(', ')'); }, "abc\0"s},
+      {[](char *d) { return strRemOuter(d, "abc)", '(', ')'); }, "abc\0"s},
+      {[](char *d) { return strRemOuter(d, "()", '(', ')'); }, "\0"s},
+      {[](char *d) { return strRemOuter(d, ")(", '(', ')'); }, ")(\0"s},
+      {[](char *d) { return strRemOuter(d, "a)b(c", '(', ')'); }, "\0"s},
+      {[](char *d) { return strRemOuter(d, nullptr, '(', ')'); }, "\0"s},
+      // Escapes: numbers end at the first non-digit, which is handled afresh.
+      {[](char *d) { return strcvtesc(d, R"(\ta\101)"); }, "\ta" "A\0"s},
+      {[](char *d) { return strcvtesc(d, R"(\x41\x6a\x6Az)"); }, "Ajjz\0"s},
+      {[](char *d) { return strcvtesc(d, R"(\q\"\'\\)"); }, "q\"'\\\0"s},
+      {[](char *d) { return strcvtesc(d, R"(\a\b\f\n\r\v)"); }, "\a\b\f\n\r\v\0"s},
+      {[](char *d) { return strcvtesc(d, R"(\0x\xg\1018)"); }, "\0x\0gA8\0"s},
+      {[](char *d) { return strcvtesc(d, R"(\777\x141\7777777777777)"); }, "\xFF" "A\xFF\0"s},
+      {[](char *d) { return strcvtesc(d, R"(\12\)"); }, "\n\0"s},
+  };
+  for (size_t i = 0; i < std::size(rows); ++i) {
+    fskit::test::Sentinel dst;
+    EXPECT_EQ(rows[i].call(dst.bytes), dst.bytes) << "row " << i;
+    EXPECT_EQ(dst.written(), rows[i].written) << "row " << i;
+  }
+}
+
+TEST(Copy, InPlace) {
+  char centred[8] = "ab", outer[] = "[[x]]", escaped[] = R"(a\x41\tb\101)", field[] = "ab  ";
+  EXPECT_STREQ(strcenter(centred, centred, 6), "  ab");
+  EXPECT_STREQ(strRemOuter(outer, outer, '[', ']'), "[x]");
+  EXPECT_STREQ(strcvtesc(escaped, escaped), "aA\tbA");
+  EXPECT_STREQ(strncpyb(field, field, 4), "ab");
+  EXPECT_EQ(strupper(nullptr), nullptr);
+}
