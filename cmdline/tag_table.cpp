@@ -51,7 +51,7 @@ FSKIT_API int32_t kwaAddToTbl(const char *tag, const char *label, int32_t *count
   if (*count == held && !grow(held, capacity, table)) return 0;
   KwaTagEntry &entry = (*table)[*count];
   std::memset(&entry, 0, sizeof entry);
-  std::memcpy(entry.tag, upper, sizeof upper);
+  copyCut(entry.tag, upper, kKept);  // only the text: the rest of `upper` was never written
   copyCut(entry.label, label, kKept);
   entry.labelLen = int32_t(std::strlen(entry.label));
   return ++*count;

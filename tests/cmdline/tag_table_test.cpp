@@ -100,3 +100,14 @@ TEST(TagTable, ComparatorsOrderByTagOrLabelFirst) {
   EXPECT_EQ(sorted(kwaTblLblCmp), "\x80" "0 Ba Ax Ay ");
   EXPECT_EQ(kwaTblTagCmp(&entries[0], &entries[1]) - kwaTblTagCmp(&entries[1], &entries[0]), 2);
 }
+
+TEST(TagTable, RecordsHoldNothingBeyondTheirTexts) {
+  // Callers compare and store records whole, so the bytes after a tag's or a
+  // label's NUL must be zero, whatever an earlier, longer tag left in the
+  // library's work buffers.
+  Table longer, table;
+  longer.read(std::string(70, 't') + " label\n", 0);
+  table.read("ms Mass spectrum\n", 0);
+  KwaTagEntry expected{"MS", "Mass spectrum", 13};
+  EXPECT_EQ(std::memcmp(table.entries, &expected, sizeof expected), 0);
+}

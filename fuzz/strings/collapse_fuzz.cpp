@@ -1,0 +1,94 @@
+// The white-space editors on any text: strcompress and strtrim against a
+// split into words, strcollapse and strqcollapse against what they may
+// remove, strfcpy on a field that has no NUL of its own.
+// Input: one byte, strfcpy's destination size; the rest is the text (up to
+// a NUL) and, whole, the field.
+#include <fskit/strings.h>
+
+#include <string>
+
+#include "fuzz/support/fuzz_support.h"
+
+using fskit::fuzz::Text;
+
+namespace {
+
+bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+std::string words(std::string_view s) {
+  std::string out;
+  for (size_t i = 0; i < s.size();) {
+    size_t begin = i;
+    while (begin < s.size() && isSpace(s[begin])) ++begin;
+    size_t end = begin;
+    while (end < s.size() && !isSpace(s[end])) ++end;
+    if (end > begin) out += (out.empty() ? "" : " ") + std::string(s.substr(begin, end - begin));
+    i = end;
+  }
+  return out;
+}
+
+std::string without(std::string_view s, bool (*drop)(char)) {
+  std::string out;
+  for (char c : s)
+    if (!drop(c)) out += c;
+  return out;
+}
+
+bool isSubsequence(std::string_view part, std::string_view whole) {
+  size_t at = 0;
+  for (char c : whole)
+    if (at < part.size() && part[at] == c) ++at;
+  return at == part.size();
+}
+
+template <typename Edit>
+std::string edited(std::string_view s, Edit edit, int32_t *length) {
+  Text copy(s);
+  *length = edit(copy.get());
+  return std::string(copy.str());
+}
+
+void checkField(std::string_view field, uint32_t dstSize) {
+  // The field on the heap without a NUL after it: a read past srcLen bytes
+  // is caught.
+  std::unique_ptr<char[]> src(new char[field.size()]);
+  if (!field.empty()) std::memcpy(src.get(), field.data(), field.size());
+  Text dst(dstSize, '~');
+  const uint32_t srcLen = uint32_t(field.size());
+  FUZZ_CHECK(strfcpy(dst.get(), dstSize, src.get(), srcLen) == dst.get());
+  if (dstSize == 0) return;
+  const size_t count = std::min<size_t>(dstSize - 1, srcLen);
+  std::string expected = words(field.substr(0, field.find('\0'))).substr(0, count);
+  expected.resize(count + 1, '\0');
+  FUZZ_CHECK(std::string_view(dst.get(), count + 1) == expected);
+  for (size_t i = count + 1; i < dstSize; ++i) FUZZ_CHECK(dst.get()[i] == '~');
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+  std::string_view input(reinterpret_cast<const char *>(data), size);
+  const uint32_t dstSize = fskit::fuzz::takeByte(input);
+  const std::string_view s = input.substr(0, input.find('\0'));
+  int32_t length = -1;
+
+  const std::string compressed = edited(s, strcompress, &length);
+  FUZZ_CHECK(compressed == words(s) && length == int32_t(compressed.size()));
+  FUZZ_CHECK(edited(s, strtrim, &length) == compressed && length == int32_t(compressed.size()));
+
+  const std::string collapsed = edited(s, strcollapse, &length);
+  FUZZ_CHECK(collapsed == without(s, isSpace) && length == int32_t(collapsed.size()));
+
+  // strqcollapse removes only white space and quotes (one of a doubled
+  // pair), and without quotes it is strcollapse.
+  const std::string qcollapsed = edited(s, strqcollapse, &length);
+  FUZZ_CHECK(length == int32_t(qcollapsed.size()));
+  FUZZ_CHECK(isSubsequence(qcollapsed, s));
+  auto spaceOrQuote = [](char c) { return isSpace(c) || c == '"'; };
+  FUZZ_CHECK(without(qcollapsed, spaceOrQuote) == without(s, spaceOrQuote));
+  if (s.find('"') == std::string_view::npos) FUZZ_CHECK(qcollapsed == collapsed);
+
+  checkField(input, dstSize);
+  return 0;
+}

@@ -1,0 +1,44 @@
+// strwildcmp against a plain table-filling matcher.
+// Input: the any-character byte, the any-run byte, then the pattern, a NUL
+// and the text (without a NUL the text is empty).
+#include <fskit/strings.h>
+
+#include <vector>
+
+#include "fuzz/support/fuzz_support.h"
+
+using fskit::fuzz::Text;
+
+namespace {
+
+// matches[i][j]: the first i characters of the pattern match the first j of
+// the text. A NUL wildcard stands for nothing.
+bool matches(std::string_view pattern, std::string_view text, char anyChar, char anyRun) {
+  std::vector<std::vector<bool>> table(pattern.size() + 1, std::vector<bool>(text.size() + 1));
+  table[0][0] = true;
+  for (size_t i = 1; i <= pattern.size(); ++i) {
+    const char p = pattern[i - 1];
+    for (size_t j = 0; j <= text.size(); ++j) {
+      if (p == anyRun && anyRun != '\0')
+        table[i][j] = table[i - 1][j] || (j > 0 && table[i][j - 1]);
+      else
+        table[i][j] = j > 0 && table[i - 1][j - 1] && (p == text[j - 1] || (p == anyChar && anyChar != '\0'));
+    }
+  }
+  return table[pattern.size()][text.size()];
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+  std::string_view input(reinterpret_cast<const char *>(data), size);
+  const char anyChar = char(fskit::fuzz::takeByte(input));
+  const char anyRun = char(fskit::fuzz::takeByte(input));
+  if (input.size() > 1024) return 0;  // the plain matcher is quadratic
+  const size_t nul = input.find('\0');
+  const Text pattern(input.substr(0, nul));
+  const Text text(nul == std::string_view::npos ? std::string_view() : input.substr(nul + 1));
+  const int result = strwildcmp(pattern.get(), text.get(), anyChar, anyRun);
+  FUZZ_CHECK(result == (matches(pattern.str(), text.str(), anyChar, anyRun) ? 1 : 0));
+  return 0;
+}

@@ -1,0 +1,85 @@
+// Helpers shared by the fuzz targets: invariant checks that stop the run,
+// exact-size copies of the input, and a place to catch what a call prints.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+// A broken invariant ends the run like a crash, so libFuzzer keeps the input.
+#define FUZZ_CHECK(condition)                                                       \
+  do {                                                                              \
+    if (!(condition)) {                                                             \
+      std::fprintf(::stderr, "%s:%d: invariant broken: %s\n", __FILE__, __LINE__, \
+                   #condition);                                                     \
+      std::abort();                                                                 \
+    }                                                                               \
+  } while (0)
+
+namespace fskit::fuzz {
+
+// A NUL-terminated heap copy with no spare room, so the address sanitizer
+// sees a read or write one byte past the text's NUL. Bytes after a NUL in
+// `bytes` are kept but lie beyond the text.
+class Text {
+ public:
+  explicit Text(std::string_view bytes) : size_(bytes.size() + 1), data_(new char[size_]) {
+    if (!bytes.empty()) std::memcpy(data_.get(), bytes.data(), bytes.size());
+    data_[bytes.size()] = '\0';
+  }
+  // A buffer of `size` bytes filled with `fill`, for a function's output.
+  Text(size_t size, char fill) : size_(size), data_(new char[size]) {
+    std::memset(data_.get(), fill, size);
+  }
+  char *get() { return data_.get(); }
+  const char *get() const { return data_.get(); }
+  size_t size() const { return size_; }
+  std::string_view str() const { return data_.get(); }
+
+ private:
+  size_t size_;
+  std::unique_ptr<char[]> data_;
+};
+
+// Splits the input at its first NUL: the bytes before it and those after.
+// Without a NUL the first part is `fallback` and the second the whole input.
+inline std::pair<std::string_view, std::string_view> splitAtNul(std::string_view input,
+                                                                 std::string_view fallback) {
+  size_t nul = input.find('\0');
+  if (nul == std::string_view::npos) return {fallback, input};
+  return {input.substr(0, nul), input.substr(nul + 1)};
+}
+
+// Takes one byte off the front of the input (0 when it is empty).
+inline uint8_t takeByte(std::string_view &input) {
+  if (input.empty()) return 0;
+  uint8_t byte = uint8_t(input.front());
+  input.remove_prefix(1);
+  return byte;
+}
+
+// What `body` prints on the standard error stream through stdio, caught in
+// memory; the sanitizers' reports still reach the real stream (descriptor 2).
+template <typename Body>
+std::string caughtStderr(Body body) {
+  char *buffer = nullptr;
+  size_t length = 0;
+  std::FILE *memory = open_memstream(&buffer, &length);
+  FUZZ_CHECK(memory != nullptr);
+  std::FILE *saved = ::stderr;
+  ::stderr = memory;
+  body();
+  ::stderr = saved;
+  std::fclose(memory);
+  std::string caught(buffer, length);
+  std::free(buffer);
+  return caught;
+}
+
+}  // namespace fskit::fuzz
