@@ -7,6 +7,7 @@
 #include <fskit/frame.h>
 /* strings */
 /* ini */
+#include <fskit/ini.h>
 /* chemistry */
 /* numformat */
 /* datetime */
