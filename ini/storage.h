@@ -39,8 +39,9 @@ enum class Trim {
 // text leaves it null. A text equal to the field changes nothing.
 void setText(char *&field, const char *text, Trim trim);
 
-// Writes `text` to `stream`; false on an output error.
-inline bool put(std::FILE *stream, const char *text) { return std::fputs(text, stream) >= 0; }
+// Writes `text` to `stream`; false on an output error. A stream written by
+// the writer belongs to that one write, so it is not locked call by call.
+inline bool put(std::FILE *stream, const char *text) { return fputs_unlocked(text, stream) >= 0; }
 
 // First-match lookup by name over a list that only grows at its end. Short
 // lists are scanned; longer ones get a hash table that takes in the slots
