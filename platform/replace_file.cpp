@@ -63,6 +63,7 @@ bool writableDirectoryOf(const char *target) {
 ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &fd) {
   replacement = Replacement{};
   fd = -1;
+  if (*path == '\0') return ReplaceStart::kNotReplaceable;  // let the open say why
   struct stat link, status;
   bool exists = lstat(path, &link) == 0;
   if (!exists && errno != ENOENT) return ReplaceStart::kNotReplaceable;

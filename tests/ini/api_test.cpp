@@ -171,12 +171,13 @@ TEST(IniApi, WriteTargets) {
   EXPECT_EQ(valueOf(handle, "A", "x"), "1");
   fsIniReleaseFile(handle);
 
-  // A directory that does not exist cannot be opened for writing.
-  std::string missing = dir.file("no/such.ini");
-  handle = fsIniNewFile(missing.c_str());
-  EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 0); }),
-            "Error opening ini file " + missing + "\n");
-  fsIniReleaseFile(handle);
+  // Names that cannot be opened for writing keep their handles.
+  for (const std::string &name : {dir.file("no/such.ini"), std::string(), dir.path()}) {
+    handle = fsIniNewFile(name.c_str());
+    EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 0); }),
+              "Error opening ini file " + name + "\n");
+    fsIniReleaseFile(handle);
+  }
 }
 
 namespace {
