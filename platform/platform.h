@@ -20,6 +20,12 @@ int _stat(const char *path, struct stat *status);
 using OnExitFunction = int (*)();
 OnExitFunction _onexit(OnExitFunction fn);
 
+// One code from standard input without echo or line buffering (raw mode for
+// the call when it is a terminal, Enter giving 13). A terminal's cursor,
+// editing and function keys come back as two codes, 0 or 224 and then the
+// key's console code; a lone Escape is 27, end of input 4.
+int _getch();
+
 }  // namespace fskit::platform
 
 namespace fskit::platform {

@@ -16,6 +16,8 @@ int runIni(std::vector<std::string> &args);
 // -- files
 // -- cmdline
 // -- util
+int runKey(std::vector<std::string> &args);
+int runDes(std::vector<std::string> &args);
 // -- end of declarations
 
 const std::vector<Command> &commands() {
@@ -52,6 +54,21 @@ const std::vector<Command> &commands() {
       // -- files
       // -- cmdline
       // -- util
+      {"key", "print the code of each key pressed",
+       "usage: fskit key\n"
+       "Reads key presses without echo and prints the code getKeyCode() gives\n"
+       "for each, one per line, until q is pressed or input ends (Ctrl+D).\n"
+       "Cursor, editing and function keys give 274 and up (up arrow 274, F1 281).\n"
+       "example: fskit key\n",
+       runKey},
+      {"des", "obfuscate a short text into hexadecimal digits and back",
+       "usage: fskit des encrypt|decrypt TEXT\n"
+       "encrypt prints TEXT enciphered as 16 hexadecimal digits per 8 characters;\n"
+       "decrypt prints the text back (up to its first blank). The key is built\n"
+       "into the library: this hides text from a casual glance, it does not\n"
+       "protect it.\n"
+       "example: fskit des encrypt secret\n",
+       runDes},
       // -- end of table
   };
   return table;

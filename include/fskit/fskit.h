@@ -15,6 +15,7 @@
 /* files */
 /* cmdline */
 /* util */
+#include <fskit/util.h>
 #include <fskit/version.h>
 
 #endif

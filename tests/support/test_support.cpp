@@ -69,6 +69,20 @@ ChangeDir::~ChangeDir() {
   std::filesystem::current_path(previous_, ignored);
 }
 
+StdinFrom::StdinFrom(const std::string &content) : saved_(dup(STDIN_FILENO)) {
+  std::string path = dir_.file("stdin");
+  writeFile(path, content);
+  int file = open(path.c_str(), O_RDONLY);
+  if (saved_ < 0 || file < 0) throw std::runtime_error("StdinFrom: cannot redirect");
+  dup2(file, STDIN_FILENO);
+  close(file);
+}
+
+StdinFrom::~StdinFrom() {
+  dup2(saved_, STDIN_FILENO);
+  close(saved_);
+}
+
 std::string readFile(const std::string &path) {
   std::ifstream in(path, std::ios::binary);
   std::ostringstream content;

@@ -40,6 +40,20 @@ class ChangeDir {
   std::string previous_;
 };
 
+// Makes `content` the process's standard input (descriptor 0, read from a
+// file) until destroyed.
+class StdinFrom {
+ public:
+  explicit StdinFrom(const std::string &content);
+  ~StdinFrom();
+  StdinFrom(const StdinFrom &) = delete;
+  StdinFrom &operator=(const StdinFrom &) = delete;
+
+ private:
+  TempDir dir_;
+  int saved_;
+};
+
 std::string readFile(const std::string &path);
 void writeFile(const std::string &path, const std::string &content);
 bool fileExists(const std::string &path);

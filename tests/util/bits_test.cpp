@@ -1,0 +1,54 @@
+// The bit tables, itob grouping, bit fields and bit counts.
+#include <fskit/util.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <bitset>
+#include <string>
+
+TEST(Bits, TablesMatchADirectComputation) {
+  for (unsigned i = 0; i < 32; ++i) EXPECT_EQ(FsBitMasks[i], uint32_t{1} << i) << i;
+  for (unsigned i = 0; i < 256; ++i) {
+    EXPECT_EQ(FsBitCounts[i], std::popcount(i)) << i;
+    EXPECT_EQ(FsBitHighs[i], std::bit_width(i)) << i;
+  }
+}
+
+TEST(Bits, ItobGroupsEightsFromTheRightForEveryWidth) {
+  char buf[48];
+  EXPECT_STREQ(itob(0x1234, 16, buf), "00010010 00110100");
+  EXPECT_STREQ(itob(5, 3, buf), "101");
+  EXPECT_STREQ(itob(0x1FF, 9, buf), "1 11111111");
+  EXPECT_STREQ(itob(255, 8, buf), "11111111");
+  EXPECT_STREQ(itob(0xFFFFFFFF, 34, buf), "00 11111111 11111111 11111111 11111111");
+  EXPECT_STREQ(itob(1, 0, buf), "");
+  const uint32_t value = 0xA5C3F00F;
+  std::string all = std::bitset<32>(value).to_string();
+  for (int width = 1; width <= 32; ++width) {
+    std::string expected = all.substr(32 - width);
+    for (int blank = width - 8; blank > 0; blank -= 8) expected.insert(size_t(blank), " ");
+    std::string guard(sizeof buf, '#');
+    guard.copy(buf, sizeof buf);
+    EXPECT_EQ(itob(value, width, buf), buf);
+    EXPECT_EQ(buf, expected) << width;
+    // Nothing is written past the text's terminator.
+    EXPECT_EQ(buf[expected.size() + 1], '#') << width;
+  }
+}
+
+TEST(Bits, FieldsAndCounts) {
+  EXPECT_EQ(fsGetBits(0xABCD, 15, 4), 0xAu);
+  EXPECT_EQ(fsGetBits(0xABCD, 3, 4), 0xDu);
+  EXPECT_EQ(fsGetBits(0xABCD, 7, 1), 1u);
+  EXPECT_EQ(fsGetBits(0x80000000, 31, 1), 1u);
+  EXPECT_EQ(fsGetBits(0xDEADBEEF, 31, 31), 0x6F56DF77u);
+  // Outside the documented range: the whole word, nothing, zero bits below bit 0.
+  EXPECT_EQ(fsGetBits(0xDEADBEEF, 31, 32), 0xDEADBEEFu);
+  EXPECT_EQ(fsGetBits(0xDEADBEEF, 5, 0), 0u);
+  EXPECT_EQ(fsGetBits(0xF, 1, 4), 0xCu);
+  EXPECT_EQ(fsGetBits(0xF, 40, 4), 0u);
+  EXPECT_EQ(fsBitCount(0), 0);
+  EXPECT_EQ(fsBitCount(0xFFFFFFFF), 32);
+  EXPECT_EQ(fsBitCount(0x80000001), 2);
+  EXPECT_EQ(fsBitCount(0x01020408), 4);
+}

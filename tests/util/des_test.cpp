@@ -1,0 +1,119 @@
+// The DES core against published vectors, the library's key schedule, and
+// the string cipher's texts.
+#include <fskit/util.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+#include "tests/support/test_support.h"
+#include "util/des.h"
+
+namespace des = fskit::util::des;
+
+namespace {
+
+uint32_t reversed(uint32_t word) {
+  uint32_t out = 0;
+  for (int i = 0; i < 32; ++i) out |= (word >> i & 1) << (31 - i);
+  return out;
+}
+
+// A block as the standard writes it (bit 1 is the most significant bit of the
+// 64-bit number) in the library's layout: bits 1-32 are word 1 from its
+// lowest bit up, bits 33-64 word 0.
+des::Block fromStandard(uint64_t value) {
+  return {reversed(uint32_t(value)), reversed(uint32_t(value >> 32))};
+}
+
+std::string encrypt(const std::string &text) {
+  std::string out(16 * (text.size() / 8 + 1) + 1, '#');
+  desEncrypt(text.c_str(), out.data());
+  return out.c_str();
+}
+
+std::string decrypt(const std::string &hex, int32_t expectedResult = 1) {
+  std::string out(hex.size() + 9, '#');
+  EXPECT_EQ(desDecrypt(hex.c_str(), out.data()), expectedResult);
+  return out.c_str();
+}
+
+}  // namespace
+
+TEST(Des, CoreMatchesPublishedVectorsUnderTheStandardSchedule) {
+  // Key, plaintext, ciphertext. Sources: J. O. Grabbe, "The DES Algorithm
+  // Illustrated" (worked example); FIPS PUB 81, appendix B ("Now is t");
+  // NIST SP 800-17, tables 1 (variable plaintext) and 2 (variable key).
+  const uint64_t vectors[][3] = {
+      {0x133457799BBCDFF1, 0x0123456789ABCDEF, 0x85E813540F0AB405},
+      {0x0123456789ABCDEF, 0x4E6F772069732074, 0x3FA40E8A984D4815},
+      {0x0101010101010101, 0x8000000000000000, 0x95F8A5E5DD31D900},
+      {0x8001010101010101, 0x0000000000000000, 0x95A8D72813DAA94D}};
+  for (const auto &v : vectors) {
+    fskit::util::DesSchedule schedule;
+    des::makeSchedule(fromStandard(v[0]), des::Rotations::standard, schedule);
+    EXPECT_EQ(des::encipher(fromStandard(v[1]), schedule), fromStandard(v[2])) << std::hex << v[0];
+    EXPECT_EQ(des::decipher(fromStandard(v[2]), schedule), fromStandard(v[1])) << std::hex << v[0];
+  }
+}
+
+TEST(Des, LibraryScheduleTakesTheStandardSubkeysOfTheSameTotalRotation) {
+  // The library turns the key registers 0, 0, 1, 2, ..., 6, 6, 7, ..., 12, 12
+  // places in total; the standard 1, 2, 4, ..., 28. Equal totals (28 is a
+  // full turn, like 0) give equal subkeys.
+  const des::Block key = fromStandard(0x133457799BBCDFF1);
+  fskit::util::DesSchedule library, standard;
+  des::makeSchedule(key, des::Rotations::library, library);
+  des::makeSchedule(key, des::Rotations::standard, standard);
+  const int sameAs[16] = {16, 16, 1, 2, 0, 3, 0, 4, 4, 0, 5, 0, 6, 0, 7, 7};
+  for (int round = 0; round < 16; ++round) {
+    if (sameAs[round] == 0) continue;
+    EXPECT_EQ(library.subkeys[round], standard.subkeys[sameAs[round] - 1]) << round + 1;
+  }
+}
+
+TEST(Des, TextsComeBackUpToTheirFirstBlank) {
+  std::string long512(512, 'x'), long513(513, 'y');
+  for (std::string text : {"", "a", "password", "password1", "\x80\xff\x01", long512.c_str()}) {
+    std::string hex = encrypt(text);
+    EXPECT_EQ(hex.size(), text.empty() ? 16 : 16 * ((text.size() + 7) / 8)) << text;
+    EXPECT_EQ(hex.find_first_not_of("0123456789ABCDEF"), std::string::npos);
+    EXPECT_EQ(encrypt(text), hex);
+    EXPECT_EQ(decrypt(hex), text);
+  }
+  EXPECT_EQ(decrypt(encrypt("two words")), "two");
+  EXPECT_EQ(decrypt(""), "");
+  // An empty text is one block of blanks, so it is the padding block of "12345678 ".
+  EXPECT_EQ(encrypt("12345678 ").substr(16), encrypt(""));
+  // Electronic codebook: equal blocks give equal groups.
+  std::string twice = encrypt("abcdefghabcdefgh");
+  EXPECT_EQ(twice.substr(0, 16), twice.substr(16));
+  EXPECT_NE(encrypt("abcdefgh"), encrypt("abcdefgi"));
+}
+
+TEST(Des, DecryptReadsGroupsOfEightDigits) {
+  std::string hex = encrypt("secret!");
+  std::string lower = hex;
+  std::transform(hex.begin(), hex.end(), lower.begin(), [](char c) { return char(std::tolower(c)); });
+  EXPECT_EQ(decrypt(lower), "secret!");
+  EXPECT_EQ(decrypt(hex + "ABC"), "secret!");  // an odd last group is ignored
+  EXPECT_EQ(decrypt("  " + hex.substr(2, 6) + hex.substr(8)), decrypt("00" + hex.substr(2)));
+  EXPECT_EQ(decrypt("zzzzzzzzzzzzzzzz"), decrypt("0000000000000000"));
+  // 128 groups are the most it reads; 129 leave the buffer untouched.
+  std::string most = encrypt(std::string(512, 'x'));
+  EXPECT_EQ(decrypt(most), std::string(512, 'x'));
+  char out[8] = "keep";
+  EXPECT_EQ(desDecrypt((most + "0").c_str(), out), 0);
+  EXPECT_STREQ(out, "keep");
+}
+
+TEST(Des, ToolEncryptsAndDecrypts) {
+  auto encrypted = fskit::test::runTool({"des", "encrypt", "hello"});
+  ASSERT_EQ(encrypted.status, 0);
+  EXPECT_EQ(encrypted.out, encrypt("hello") + "\n");
+  auto decrypted = fskit::test::runTool({"des", "decrypt", encrypt("hello")});
+  EXPECT_EQ(decrypted.out, "hello\n");
+  EXPECT_EQ(fskit::test::runTool({"des", "decrypt", std::string(1025, '0')}).status, 1);
+  EXPECT_EQ(fskit::test::runTool({"des", "scramble", "x"}).status, 2);
+}

@@ -1,0 +1,125 @@
+// Console keys: the extended-key table, _getch's two codes for a terminal's
+// escape sequences, and getKeyCode() on a pseudo-terminal.
+#include <fskit/util.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/platform.h"
+#include "tests/support/test_support.h"
+#include "util/util_state.h"
+
+TEST(KeyCode, ExtendedKeyTableIsFilledOnceOnFirstCall) {
+  const uint16_t *table = fskit::util::utilState().extendedKeys;
+  EXPECT_EQ(table[0], 0);
+  fskit::test::StdinFrom input("ab");
+  EXPECT_EQ(getKeyCode(), 'a');
+  // Entry -> key code, as the console's second codes select them.
+  uint16_t expected[255] = {1};
+  for (int first : {1, 26, 36, 46})  // F1 to F10, plain and with Shift, Ctrl, Alt
+    for (int i = 0; i < 10; ++i) expected[first + i] = uint16_t(281 + i);
+  // Up, page up, left, right, down, page down, insert, delete from three bases.
+  const int cursor[][2] = {{0, 274}, {1, 315},  {3, 276},  {5, 277},
+                           {8, 275}, {9, 316}, {10, 312}, {11, 313}};
+  for (int first : {14, 94, 111})
+    for (auto [offset, code] : cursor)
+      if (first != 14 || offset < 10) expected[first + offset] = uint16_t(code);
+  const int single[][2] = {{57, 276},  {58, 277},  {83, 274},  {87, 275},
+                           {180, 274}, {184, 275}, {185, 312}, {186, 313}};
+  for (auto [entry, code] : single) expected[entry] = uint16_t(code);
+  for (int entry = 172; entry < 180; ++entry) expected[entry] = uint16_t(291 + entry % 2);
+  for (int i = 0; i < 255; ++i) EXPECT_EQ(table[i], expected[i]) << "entry " << i;
+  // Not filled again: a changed entry survives the next call.
+  fskit::util::utilState().extendedKeys[200] = 7;
+  EXPECT_EQ(getKeyCode(), 'b');
+  EXPECT_EQ(table[200], 7);
+}
+
+TEST(KeyCode, GetchGivesTheConsoleCodesOfEscapeSequences) {
+  struct Case { std::string input; std::vector<int> codes; };
+  const Case cases[] = {
+      {"\x1b[A\x1bOB\x1b[C\x1bOD", {224, 72, 224, 80, 224, 77, 224, 75}},
+      {"\x1b[2~\x1b[3~\x1b[5~\x1b[6~", {224, 82, 224, 83, 224, 73, 224, 81}},
+      {"\x1bOP\x1b[14~\x1b[15~\x1b[17~\x1b[21~", {0, 59, 0, 62, 0, 63, 0, 64, 0, 68}},
+      {"\x1b[23~\x1b[24~", {224, 133, 224, 134}},
+      // Modifiers: Shift, Ctrl, Alt, Ctrl+Alt (Alt wins), and on F keys.
+      {"\x1b[1;2A\x1b[1;5A\x1b[1;3A\x1b[1;7A", {224, 72, 224, 141, 0, 152, 0, 152}},
+      {"\x1b[1;2P\x1b[15;5~\x1b[21;3~\x1b[24;2~", {0, 84, 0, 98, 0, 113, 224, 136}},
+      // Unknown sequences are consumed and give 27; so does a cut one.
+      {"\x1b[H\x1b[99~\x1b[1;5;2A\x1b[", {27, 27, 27, 27}},
+      {"\x1bx\r\xe9", {27, 'x', 13, 0xe9}},
+      {"", {4, 4}}};
+  for (const Case &c : cases) {
+    fskit::test::StdinFrom input(c.input);
+    std::vector<int> codes;
+    for (size_t i = 0; i < c.codes.size(); ++i) codes.push_back(fskit::platform::_getch());
+    EXPECT_EQ(codes, c.codes) << c.input.substr(1);
+    EXPECT_EQ(fskit::platform::_getch(), 4);
+  }
+}
+
+TEST(KeyCode, ReadsKeysFromATerminalAndRestoresIt) {
+  struct Key { const char *input; int32_t code; };
+  const Key keys[] = {{"a", 97},         {"\r", 13},          {"\x1b", 27},      {"\x1b[A", 274},
+                      {"\x1bOB", 275},   {"\x1b[1;5D", 0},    {"\x1b[1;3C", 277}, {"\x1b[2~", 312},
+                      {"\x1b[3~", 313},  {"\x1b[5~", 315},    {"\x1b[6;2~", 316}, {"\x1bOP", 281},
+                      {"\x1b[12~", 282}, {"\x1b[21;5~", 290}, {"\x1b[23~", 291},  {"\x1b[24;3~", 292},
+                      {"\x1b[H", 27},    {"\x04", 4}};
+  const int count = int(sizeof keys / sizeof keys[0]);
+  int results[2];
+  ASSERT_EQ(pipe(results), 0);
+  int master;
+  pid_t child = forkpty(&master, nullptr, nullptr, nullptr);
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // Reports each code and whether the terminal was left as it was found.
+    termios before, after;
+    tcgetattr(STDIN_FILENO, &before);
+    for (int i = 0; i < count; ++i) {
+      int32_t report[2] = {getKeyCode(), 0};
+      tcgetattr(STDIN_FILENO, &after);
+      report[1] = after.c_lflag == before.c_lflag && after.c_iflag == before.c_iflag;
+      if (write(results[1], report, sizeof report) != sizeof report) _exit(1);
+    }
+    _exit(0);
+  }
+  close(results[1]);
+  for (const Key &key : keys) {
+    // A key is typed only once the child's terminal has left line mode
+    // (tcgetattr on the master side reads the terminal's settings).
+    termios settings{};
+    for (int wait = 0; wait < 5000 && (settings.c_lflag & ICANON || wait == 0); ++wait) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      tcgetattr(master, &settings);
+    }
+    ASSERT_FALSE(settings.c_lflag & ICANON) << "no key read for " << key.input + 1;
+    ASSERT_EQ(write(master, key.input, strlen(key.input)), ssize_t(strlen(key.input)));
+    pollfd ready = {results[0], POLLIN, 0};
+    int32_t report[2] = {-1, 0};
+    if (poll(&ready, 1, 5000) == 1 && read(results[0], report, sizeof report) != sizeof report)
+      report[0] = -1;
+    EXPECT_EQ(report[0], key.code) << key.input + 1;
+    EXPECT_EQ(report[1], 1) << "terminal settings not restored after " << key.input + 1;
+    if (report[0] == -1) break;
+  }
+  kill(child, SIGKILL);  // a no-op unless the child is stuck
+  waitpid(child, nullptr, 0);
+  close(master);
+  close(results[0]);
+}
+
+TEST(KeyCode, ToolPrintsCodesUntilQ) {
+  auto result = fskit::test::runTool({"key"}, "a\x1b[A\x1b[15~\rqz");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, "97\n274\n285\n13\n");
+  EXPECT_EQ(fskit::test::runTool({"key"}, "x").out, "120\n");  // ends with the input
+}
