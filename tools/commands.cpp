@@ -8,6 +8,7 @@ namespace fskit::tool {
 int runVersion(std::vector<std::string> &args);
 int runPlatform(std::vector<std::string> &args);
 // -- ini
+int runIni(std::vector<std::string> &args);
 // -- chemistry
 // -- numformat
 // -- datetime
@@ -36,6 +37,18 @@ const std::vector<Command> &commands() {
        "example: fskit platform\n",
        runPlatform},
       // -- ini
+      {"ini", "read, set and list values of INI files",
+       "usage: fskit ini get FILE PARAGRAPH TOPIC\n"
+       "       fskit ini set FILE PARAGRAPH TOPIC VALUE [COMMENT]\n"
+       "       fskit ini list FILE\n"
+       "get prints the value of TOPIC in the first paragraph named PARAGRAPH.\n"
+       "set changes or adds the value (and the comment, when given) and writes the\n"
+       "file back, keeping its other lines, comments and order; a missing file is\n"
+       "created. list prints every value as PARAGRAPH, TOPIC and VALUE separated by\n"
+       "tabs, in file order; a paragraph's listing stops at its first blank or\n"
+       "comment line. Names are case-sensitive.\n"
+       "example: fskit ini set app.ini \"Formula Files\" elementFile elements.tbl\n",
+       runIni},
       // -- chemistry
       // -- numformat
       // -- datetime
