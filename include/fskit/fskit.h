@@ -6,6 +6,7 @@
 /* frame */
 #include <fskit/frame.h>
 /* strings */
+#include <fskit/strings.h>
 /* ini */
 /* chemistry */
 /* numformat */
