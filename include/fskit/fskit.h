@@ -8,6 +8,7 @@
 /* strings */
 #include <fskit/strings.h>
 /* ini */
+#include <fskit/ini.h>
 /* chemistry */
 /* numformat */
 /* datetime */
