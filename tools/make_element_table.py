@@ -12,7 +12,9 @@ Check that the committed file is current (the test suite does this):
     python3 tools/make_element_table.py --check
 
 Rules:
-- Every element from H (1) to Og (118), in atomic-number order.
+- Every element from H (1) to Og (118), in Hill order: C, H, then the others
+  alphabetically by symbol. The formula parser writes its canonical text in
+  the order of the element file, so this gives the familiar C6H12O6.
 - Average mass: the standard atomic weight without its uncertainty; for the
   twelve elements whose standard weight is an interval, the conventional value
   that IUPAC publishes for everyday use (CONVENTIONAL_WEIGHTS below). An
@@ -169,7 +171,11 @@ def build_elements(isotopes):
         result.append({"symbol": symbol, "number": number, "average": average,
                        "reference": reference["mass_number"], "isotopes": lines,
                        "rdb": VALENCE[symbol] - 2})
-    return result
+    return sorted(result, key=hill_order)
+
+
+def hill_order(element):
+    return {"C": (0, ""), "H": (1, "")}.get(element["symbol"], (2, element["symbol"]))
 
 
 def render(elements):
