@@ -18,10 +18,6 @@ inline constexpr int32_t kCapacity = 500;
 inline constexpr const char *kDefaultFiles[] = {"kw_elements.tbl", "kw_ele.tbl",
                                                 "QUOR_SYSTEM:KW_ELEMENTS.TBL"};
 
-// Room for the INI value that names the element file: an INI line gives at
-// most 1020 characters.
-inline constexpr size_t kConfiguredNameSize = 1024;
-
 // Finds records by label in constant time. A label (at most 8 bytes) is
 // packed into a 64-bit key, zero-padded, so that equal keys mean equal texts;
 // collisions are resolved by linear probing. Each key keeps the first record
@@ -46,7 +42,7 @@ struct ElementTable {
   bool present = false;
   FsElementRecord *records = nullptr;  // kCapacity records, malloc'ed
   int32_t count = 0;                   // -1 when the file filled the block
-  char configuredName[kConfiguredNameSize] = {};
+  char *configuredName = nullptr;      // the INI file's choice; malloc'ed
   char *recordedName = nullptr;        // lower-cased, from fsLoadElemTable; malloc'ed
   LabelIndex index;
 };

@@ -9,9 +9,13 @@
 
 #include "chemistry/chemistry.h"
 #include "frame/ascii.h"
+#include "ini/state.h"
 
 namespace fskit::chemistry {
 namespace {
+
+constexpr const char kIniParagraph[] = "Formula Files";
+constexpr const char kIniTopic[] = "elementFile";
 
 struct FileCloser {
   void operator()(std::FILE *file) const { std::fclose(file); }
@@ -49,6 +53,23 @@ bool isRecordedName(const char *path) {
   return *recorded == '\0';
 }
 
+// Asks the INI document for the element file. fsIniGetValue writes without a
+// bound, so the value is measured first: one set by fsIniSetValue can be
+// longer than any line of an INI file. Null when there is no value.
+char *configuredName(int32_t iniHandle) {
+  const ini::Slot *slot = ini::slotOf(iniHandle);
+  const char *value =
+      slot != nullptr ? slot->document->valueOf(kIniParagraph, kIniTopic) : nullptr;
+  char *name = static_cast<char *>(std::malloc(value != nullptr ? std::strlen(value) + 1 : 1));
+  char comment[2];
+  if (name == nullptr) return nullptr;
+  if (fsIniGetValue(iniHandle, kIniParagraph, kIniTopic, name, comment) == 0 || name[0] == '\0') {
+    std::free(name);
+    return nullptr;
+  }
+  return name;
+}
+
 bool holdsRecords(const ElementTable &table) { return table.present && table.count != 0; }
 
 }  // namespace
@@ -74,12 +95,12 @@ FSKIT_API int32_t fsInitElemTable(int32_t iniHandle, int32_t load) {
   releaseTable();
   // The name fsLoadElemTable recorded no longer describes the table.
   forgetRecordedName();
-  char comment[2];
-  fsIniGetValue(iniHandle, "Formula Files", "elementFile", table.configuredName, comment);
+  std::free(table.configuredName);
+  table.configuredName = configuredName(iniHandle);
   if (load == 0) return 1;
 
   File file;
-  if (table.configuredName[0] != '\0') file = openForReading(table.configuredName);
+  if (table.configuredName != nullptr) file = openForReading(table.configuredName);
   for (const char *name : kDefaultFiles)
     if (!file) file = openForReading(name);
   if (!file) {

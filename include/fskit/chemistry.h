@@ -11,7 +11,15 @@
  * "elementFile"), else from "kw_elements.tbl", "kw_ele.tbl" or
  * "QUOR_SYSTEM:KW_ELEMENTS.TBL" in the current directory. Problems are
  * reported through fsMessage(). The table and the parsers are meant for one
- * thread at a time. */
+ * thread at a time.
+ *
+ * Reading never writes past its records: lines are read in pieces of at most
+ * 131 characters (a longer line counts as several), fields are cut to 19
+ * characters, labels to 8 (no NUL then), symbols to 3. An isotope line before
+ * the first element line is skipped; missing fields read as 0. An element
+ * whose isotopes all differ from its reference mass number takes the exact
+ * mass of its first isotope. An element line that finds only one of the 500
+ * records free ends the reading as a full table does (count -1). */
 #ifndef FSKIT_CHEMISTRY_H
 #define FSKIT_CHEMISTRY_H
 
@@ -58,9 +66,9 @@ FSKIT_CHEMISTRY_ASSERT(offsetof(FsElementRecord, symbol) == 39, "symbol at 39");
 #undef FSKIT_CHEMISTRY_ASSERT
 
 /* Releases the table, reads the element file named in INI document
- * `iniHandle` ("Formula Files"/"elementFile", used whole up to 1023
- * characters), and when `load` is not 0 loads the first of that name,
- * "kw_elements.tbl", "kw_ele.tbl", "QUOR_SYSTEM:KW_ELEMENTS.TBL" that opens.
+ * `iniHandle` ("Formula Files"/"elementFile", of any length), and when `load`
+ * is not 0 loads the first of that name, "kw_elements.tbl", "kw_ele.tbl" and
+ * "QUOR_SYSTEM:KW_ELEMENTS.TBL" that opens.
  * 1 done (with `load` 0: no table present afterwards), 0 failed. */
 FSKIT_API int32_t fsInitElemTable(int32_t iniHandle, int32_t load);
 

@@ -127,6 +127,11 @@ TEST(ElementTable, FirstLookupLoadsTheConfiguredOrADefaultFile) {
   EXPECT_EQ(fsElementTableCount(), 0);
   EXPECT_EQ(fsFindElemInTbl("H"), 0);
   EXPECT_EQ(fsElementTableCount(), 2);
+  // A value longer than any INI line (set, not read) is taken whole; it does
+  // not open, so the defaults follow.
+  fsIniSetValue(1000, "Formula Files", "elementFile", std::string(3000, 'x').c_str(), "");
+  EXPECT_EQ(fsInitElemTable(1000, 1), 1);
+  EXPECT_EQ(fsElementTableCount(), 10);
 }
 
 TEST(ElementFile, LayoutRulesAndOverlongInput) {
