@@ -90,6 +90,8 @@ void lookup(benchmark::State &state, const char *label) {
 // Keeps each run's CPU time per iteration and prints the ratios at the end.
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
+  RatioReporter() : ConsoleReporter(OO_Tabular) {}
+
   void ReportRuns(const std::vector<Run> &runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run &run : runs)
