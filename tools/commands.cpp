@@ -10,6 +10,8 @@ int runPlatform(std::vector<std::string> &args);
 // -- ini
 int runIni(std::vector<std::string> &args);
 // -- chemistry
+int runFormula(std::vector<std::string> &args);
+int runElements(std::vector<std::string> &args);
 // -- numformat
 // -- datetime
 // -- sort
@@ -50,6 +52,25 @@ const std::vector<Command> &commands() {
        "example: fskit ini set app.ini \"Formula Files\" elementFile elements.tbl\n",
        runIni},
       // -- chemistry
+      {"formula", "masses and canonical form of molecular formulas",
+       "usage: fskit formula [--json] [--elements FILE | --ini FILE] FORMULA...\n"
+       "Prints for each formula its canonical form (element-table order), nominal,\n"
+       "monoisotopic and average mass and ring-plus-double-bond value, tab-separated\n"
+       "under a header line (--json: one JSON object per line). Blanks or \".\"\n"
+       "separate symbols (\"C5 13C H12 O6\"); a lower-case formula reads as upper case.\n"
+       "The element table is the shipped kw_elements.tbl unless --elements FILE, or\n"
+       "the INI file's \"elementFile\" in paragraph \"Formula Files\" (--ini FILE),\n"
+       "names another. An unknown symbol is reported with its position; exit status 1.\n"
+       "example: fskit formula C6H12O6 \"C5 13C H12 O6\"\n",
+       runFormula},
+      {"elements", "list the element table",
+       "usage: fskit elements [--elements FILE | --ini FILE]\n"
+       "Lists every record of the element table (elements, each followed by its\n"
+       "isotopes) with index, label, symbol, atomic number, nominal, monoisotopic\n"
+       "and average mass, abundance, rdbFactor and isotope shift, tab-separated.\n"
+       "The table is chosen as for 'fskit formula'.\n"
+       "example: fskit elements --elements data/kw_elements.tbl\n",
+       runElements},
       // -- numformat
       // -- datetime
       // -- sort

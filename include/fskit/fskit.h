@@ -10,6 +10,7 @@
 /* ini */
 #include <fskit/ini.h>
 /* chemistry */
+#include <fskit/chemistry.h>
 /* numformat */
 /* datetime */
 /* sort */
