@@ -11,6 +11,7 @@ int runPlatform(std::vector<std::string> &args);
 // -- chemistry
 // -- numformat
 // -- datetime
+int runDate(std::vector<std::string> &args);
 // -- sort
 // -- files
 // -- cmdline
@@ -35,6 +36,17 @@ const std::vector<Command> &commands() {
       // -- chemistry
       // -- numformat
       // -- datetime
+      {"date", "convert a date/time text between layouts",
+       "usage: fskit date [--in N] [--out N] [--sep S] [--now] [TEXT]\n"
+       "       fskit date --layouts\n"
+       "Reads TEXT in input layout N (0-12, default 6: yyyymmddhhmmss+zzzz) and\n"
+       "prints it in output layout N (0-10, default 4: the asctime text).\n"
+       "Without TEXT the current local time is converted. --sep gives the\n"
+       "separators (\"NONE\": fixed-width fields without any); --now fills what\n"
+       "the text lacks, or replaces a text that cannot be read, with the current\n"
+       "time. --layouts lists every layout with an example.\n"
+       "example: fskit date --in 2 --out 8 07-MAR-98\n",
+       runDate},
       // -- sort
       // -- files
       // -- cmdline

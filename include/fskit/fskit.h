@@ -11,6 +11,7 @@
 /* chemistry */
 /* numformat */
 /* datetime */
+#include <fskit/datetime.h>
 /* sort */
 /* files */
 /* cmdline */
