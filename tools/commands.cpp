@@ -14,6 +14,7 @@ int runPlatform(std::vector<std::string> &args);
 int runDate(std::vector<std::string> &args);
 // -- sort
 // -- files
+int runLs(std::vector<std::string> &args);
 // -- cmdline
 // -- util
 // -- end of declarations
@@ -49,6 +50,16 @@ const std::vector<Command> &commands() {
        runDate},
       // -- sort
       // -- files
+      {"ls", "list the files of a directory that match a pattern",
+       "usage: fskit ls DIRECTORY [NAME_PATTERN [EXT_PATTERN]]\n"
+       "Lists the names in DIRECTORY (\\ or / between directories) that match\n"
+       "NAME_PATTERN (default *) followed by EXT_PATTERN (default .*, which also\n"
+       "matches names without a dot); * is any run of characters, ? any one,\n"
+       "case counts. One line per name, tab-separated: name (up to the first\n"
+       "dot), extension, directory, drive. Names beginning with a dot are left\n"
+       "out; nothing is printed when nothing matches.\n"
+       "example: fskit ls data 'run*' .raw\n",
+       runLs},
       // -- cmdline
       // -- util
       // -- end of table

@@ -14,6 +14,7 @@
 #include <fskit/datetime.h>
 /* sort */
 /* files */
+#include <fskit/files.h>
 /* cmdline */
 /* util */
 #include <fskit/version.h>
