@@ -14,6 +14,11 @@ if(FSKIT_SANITIZE)
   target_link_options(fskit_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(FSKIT_FUZZ)
+  # Coverage instrumentation for the library code that the fuzz targets drive.
+  target_compile_options(fskit_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 set_property(GLOBAL PROPERTY FSKIT_OBJECT_LIBRARIES "")
 
 # fskit_family(<name> SOURCES <files...> [DEPENDS <families...>])

@@ -1,0 +1,26 @@
+// Allocation-failure injection for the fault tests. A fault test program is
+// linked with --wrap for malloc, calloc, realloc and operator new, so every
+// allocation that the library's objects make goes through a counter that can
+// be told to fail the k-th call.
+#pragma once
+
+#include <functional>
+
+namespace fskit::test {
+
+// From now on, fail the k-th allocation (1-based) and every one after it
+// until disarmed; k <= 0 disarms.
+void failAllocationFrom(long k);
+// Allocations counted since the last failAllocationFrom() call.
+long allocationsCounted();
+// True when an allocation has been refused since the last failAllocationFrom().
+bool allocationRefused();
+
+// For k = 1, 2, ... runs `call` with allocations failing from the k-th on,
+// then (with allocation working again) `check(k, refused)`, until a run of
+// `call` refuses nothing; returns the number of runs. Only `call` runs armed,
+// so the checks may allocate freely.
+long forEachAllocationFailure(const std::function<void()> &call,
+                              const std::function<void(long k, bool refused)> &check);
+
+}  // namespace fskit::test
