@@ -14,8 +14,10 @@ int runFormula(std::vector<std::string> &args);
 int runElements(std::vector<std::string> &args);
 // -- numformat
 // -- datetime
+int runDate(std::vector<std::string> &args);
 // -- sort
 // -- files
+int runLs(std::vector<std::string> &args);
 // -- cmdline
 int runCmdline(std::vector<std::string> &args);
 int runTags(std::vector<std::string> &args);
@@ -73,8 +75,29 @@ const std::vector<Command> &commands() {
        runElements},
       // -- numformat
       // -- datetime
+      {"date", "convert a date/time text between layouts",
+       "usage: fskit date [--in N] [--out N] [--sep S] [--now] [TEXT]\n"
+       "       fskit date --layouts\n"
+       "Reads TEXT in input layout N (0-12, default 6: yyyymmddhhmmss+zzzz) and\n"
+       "prints it in output layout N (0-10, default 4: the asctime text).\n"
+       "Without TEXT the current local time is converted. --sep gives the\n"
+       "separators (\"NONE\": fixed-width fields without any); --now fills what\n"
+       "the text lacks, or replaces a text that cannot be read, with the current\n"
+       "time. --layouts lists every layout with an example.\n"
+       "example: fskit date --in 2 --out 8 07-MAR-98\n",
+       runDate},
       // -- sort
       // -- files
+      {"ls", "list the files of a directory that match a pattern",
+       "usage: fskit ls DIRECTORY [NAME_PATTERN [EXT_PATTERN]]\n"
+       "Lists the names in DIRECTORY (\\ or / between directories) that match\n"
+       "NAME_PATTERN (default *) followed by EXT_PATTERN (default .*, which also\n"
+       "matches names without a dot); * is any run of characters, ? any one,\n"
+       "case counts. One line per name, tab-separated: name (up to the first\n"
+       "dot), extension, directory, drive. Names beginning with a dot are left\n"
+       "out; nothing is printed when nothing matches.\n"
+       "example: fskit ls data 'run*' .raw\n",
+       runLs},
       // -- cmdline
       {"cmdline", "show how a command line splits into arguments and qualifiers",
        "usage: fskit cmdline LINE...\n"

@@ -13,8 +13,10 @@
 #include <fskit/chemistry.h>
 /* numformat */
 /* datetime */
+#include <fskit/datetime.h>
 /* sort */
 /* files */
+#include <fskit/files.h>
 /* cmdline */
 #include <fskit/cmdline.h>
 /* util */
