@@ -9,6 +9,7 @@
 /* ini */
 /* chemistry */
 /* numformat */
+#include <fskit/numformat.h>
 /* datetime */
 /* sort */
 /* files */
