@@ -64,7 +64,11 @@ std::string decodeRecord(unsigned char *in) {
 template <typename T, auto convert>
 bool encodeFrom(std::string_view text, unsigned char *out) {
   T value;
-  if (!parseNumber(text, value)) return false;
+  if (!parseNumber(text, value)) {
+    double wide;  // a single out of range still shows how it saturates
+    if (!parseNumber(text, wide)) return false;
+    value = static_cast<T>(wide);
+  }
   convert(&value, out);
   return true;
 }
@@ -207,7 +211,8 @@ int decodeFile(const Format &format, const std::string &path) {
   }
   if (std::ferror(file.get())) return failure(kCommand, "cannot read " + path);
   if (leftOver != 0)
-    return failure(kCommand, path + ": " + std::to_string(leftOver) + " bytes at the end do not make a whole " +
+    return failure(kCommand, path + ": " + std::to_string(leftOver) +
+                                 (leftOver == 1 ? " byte" : " bytes") + " left at the end, not a whole " +
                                  std::string(format.name) + " value");
   return kOk;
 }
