@@ -29,6 +29,8 @@ TEST(NumberBytes, ExamplesUnderEveryNameWithDestinationAndInPlace) {
       {encodeVaxFloat, "00 00 00 80", "00 80 00 00", true},
       {encodeVaxFloat, "00 00 60 00", "40 01 00 00", true},
       {encodeVaxFloat, "00 00 10 00", "00 00 00 00", true},
+      {encodeVaxFloat, "00 00 20 00", "80 00 00 00", true},
+      {decodeVaxFloat, "80 00 00 00", "00 00 20 00", true},
       {decodeVaxFloat, "80 40 00 00", "00 00 80 3F", true},
       {decodeVaxFloat, "49 41 D0 0F", "D0 0F 49 40", true},
       {decodeVaxFloat, "FF 7F FF FF", "00 00 80 7F", true},

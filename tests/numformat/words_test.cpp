@@ -156,6 +156,11 @@ TEST(QuorRecord, ExamplesAndGeneratedMassWordsAtAnyAlignment) {
     std::memcpy(&back, record + 2, 4);
     EXPECT_EQ(back, word & ~0x18u) << std::hex << word;  // bits 3 and 4 are written as zero
   }
+  float intensity = 0;
+  uint8_t flags = 0;
+  decodeQuorMassInty(hexBytes("A0 57 00 80 E8 93").data(), nullptr, &intensity, &flags);
+  EXPECT_EQ(intensity, 1000.0f);
+  EXPECT_EQ(flags, 2);
   encodeQuorMassInty(nullptr, nullptr, nullptr, record);  // nothing to do, no crash
   decodeQuorMassInty(nullptr, nullptr, nullptr, nullptr);
 }
