@@ -25,7 +25,8 @@ FSKIT_API void decodeNovaFloat(void *source, void *destination) {
   uint32_t nova = loadBig<uint32_t>(source);
   double magnitude = double(nova & 0xFFFFFF) * novaScale(nova >> 24 & 0x7F, 24);
   float value = float(magnitude);  // nearest single; infinity beyond the range
-  storeHost(target(source, destination), nova >> 31 ? -value : value);
+  // The sign goes in as a bit: a branch on it would be a coin toss in real data.
+  storeHost(target(source, destination), std::bit_cast<uint32_t>(value) | (nova & 0x80000000u));
 }
 
 FSKIT_API void decodeNovaDouble(void *source, void *destination) {
@@ -34,7 +35,7 @@ FSKIT_API void decodeNovaDouble(void *source, void *destination) {
   // The 56-bit fraction rounds to nearest, ties to even, on conversion.
   double fraction = double(int64_t(nova & 0x00FFFFFFFFFFFFFFu));
   double value = fraction * novaScale(uint32_t(nova >> 56) & 0x7F, 56);
-  storeHost(target(source, destination), nova >> 63 ? -value : value);
+  storeHost(target(source, destination), std::bit_cast<uint64_t>(value) | (nova & uint64_t(1) << 63));
 }
 
 }  // extern "C"

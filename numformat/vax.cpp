@@ -28,8 +28,7 @@ constexpr uint64_t kDoubleExponentShift = uint64_t(894) << 52;
 // and back.
 constexpr uint32_t swapWords(uint32_t w) { return w << 16 | w >> 16; }
 constexpr uint64_t reverseWords(uint64_t w) {
-  w = w << 32 | w >> 32;
-  return (w & 0xFFFF0000FFFF0000u) >> 16 | (w & 0x0000FFFF0000FFFFu) << 16;
+  return uint64_t(swapWords(uint32_t(w))) << 32 | swapWords(uint32_t(w >> 32));
 }
 
 }  // namespace
@@ -42,7 +41,7 @@ FSKIT_API void encodeVaxFloat(void *source, void *destination) {
   uint32_t exponent = ieee >> 23 & 0xFF;
   uint32_t fraction = ieee & 0x7FFFFF;
   uint32_t magnitude;
-  if (exponent - 1 < 253)
+  if (exponent - 1 < 253) [[likely]]
     magnitude = (ieee & ~kSign32) + (2u << 23);
   else if (exponent != 0)
     magnitude = kVaxLargest32;  // 2^127 and more, infinities, NaNs
@@ -61,7 +60,7 @@ FSKIT_API void decodeVaxFloat(void *source, void *destination) {
   uint32_t magnitude = vax & ~kSign32;
   uint32_t exponent = magnitude >> 23;
   uint32_t ieee;
-  if (exponent > 2)
+  if (exponent > 2) [[likely]]
     ieee = magnitude == kVaxLargest32 ? kIeeeInfinity32 : magnitude - (2u << 23);
   else if (exponent == 0)
     ieee = 0;
@@ -75,7 +74,7 @@ FSKIT_API void encodeVaxDouble(void *source, void *destination) {
   uint64_t ieee = loadHost<uint64_t>(source);
   uint64_t exponent = ieee >> 52 & 0x7FF;
   uint64_t magnitude;
-  if (exponent - 895 < 255)
+  if (exponent - 895 < 255) [[likely]]
     magnitude = ((ieee & ~kSign64) - kDoubleExponentShift) << 3;
   else if (exponent >= 1150)
     magnitude = kVaxLargest64;  // 2^127 and more, infinities, NaNs
@@ -89,12 +88,10 @@ FSKIT_API void decodeVaxDouble(void *source, void *destination) {
   uint64_t vax = reverseWords(loadLittle<uint64_t>(source));
   uint64_t magnitude = vax & ~kSign64;
   uint64_t ieee;
-  if (magnitude == kVaxLargest64)
-    ieee = kIeeeInfinity64;
-  else if (magnitude == 0)
-    ieee = 0;
-  else  // the three lowest VAX fraction bits have no room in a double
-    ieee = (magnitude >> 3) + kDoubleExponentShift;
+  if (magnitude - 1 < kVaxLargest64 - 1) [[likely]]  // neither zero nor the largest
+    ieee = (magnitude >> 3) + kDoubleExponentShift;  // the 3 lowest fraction bits go
+  else
+    ieee = magnitude == 0 ? 0 : kIeeeInfinity64;
   storeHost(target(source, destination), (vax & kSign64) | ieee);
 }
 
