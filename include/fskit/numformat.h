@@ -63,7 +63,9 @@ FSKIT_API int validFloat(const void *value);
 FSKIT_API int validDouble(const void *value);
 
 /* Nova single (4 bytes) to IEEE single: (-1)^s x f / 2^24 x 16^(e-64),
- * rounded to the nearest single (beyond the range: infinity). */
+ * rounded to the nearest single (beyond the range: infinity). The Nova
+ * conversions round in the caller's floating-point rounding mode, which is
+ * to nearest unless the caller changed it. */
 FSKIT_API void decodeNovaFloat(void *source, void *destination);
 /* Nova double (8 bytes) to IEEE double: the 56-bit fraction rounded to the
  * nearest double, ties to even; never overflows. */
