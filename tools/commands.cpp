@@ -13,6 +13,7 @@ int runIni(std::vector<std::string> &args);
 int runFormula(std::vector<std::string> &args);
 int runElements(std::vector<std::string> &args);
 // -- numformat
+int runConvert(std::vector<std::string> &args);
 // -- datetime
 int runDate(std::vector<std::string> &args);
 // -- sort
@@ -74,6 +75,25 @@ const std::vector<Command> &commands() {
        "example: fskit elements --elements data/kw_elements.tbl\n",
        runElements},
       // -- numformat
+      {"convert", "foreign numbers (VAX, HP, Nova, INCOS, Quor) to text and back",
+       "usage: fskit convert FORMAT HEX...\n"
+       "       fskit convert --encode FORMAT NUMBER...\n"
+       "       fskit convert --file FILE --format FORMAT\n"
+       "Decodes values given as hexadecimal bytes in memory order (blanks between\n"
+       "bytes allowed), encodes numbers into such bytes, or prints every value of\n"
+       "a binary file, one per line. Formats and their sizes in bytes:\n"
+       "  vaxf 4, vaxd 8      DEC VAX F and D floating point\n"
+       "  hpshort 2, hplong 4 big-endian integers (decoded unsigned)\n"
+       "  hpdouble 8          two big-endian 32-bit halves, read as a double\n"
+       "  novaf 4, novad 8    Data General Nova floating point (decode only)\n"
+       "  incos 2             INCOS mass word (decode only)\n"
+       "  quorinty 2          Quor intensity word\n"
+       "  quorrec 6           Quor record, printed as MASS INTENSITY FLAGS;\n"
+       "                      encoded from MASS,INTENSITY[,FLAGS]\n"
+       "example: fskit convert vaxf \"80 40 00 00\"\n"
+       "         fskit convert --encode vaxd 3.141592653589793\n"
+       "         fskit convert --file spectrum.dat --format quorrec\n",
+       runConvert},
       // -- datetime
       {"date", "convert a date/time text between layouts",
        "usage: fskit date [--in N] [--out N] [--sep S] [--now] [TEXT]\n"

@@ -12,6 +12,7 @@
 /* chemistry */
 #include <fskit/chemistry.h>
 /* numformat */
+#include <fskit/numformat.h>
 /* datetime */
 #include <fskit/datetime.h>
 /* sort */
