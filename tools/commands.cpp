@@ -8,11 +8,17 @@ namespace fskit::tool {
 int runVersion(std::vector<std::string> &args);
 int runPlatform(std::vector<std::string> &args);
 // -- ini
+int runIni(std::vector<std::string> &args);
 // -- chemistry
+int runFormula(std::vector<std::string> &args);
+int runElements(std::vector<std::string> &args);
 // -- numformat
+int runConvert(std::vector<std::string> &args);
 // -- datetime
+int runDate(std::vector<std::string> &args);
 // -- sort
 // -- files
+int runLs(std::vector<std::string> &args);
 // -- cmdline
 int runCmdline(std::vector<std::string> &args);
 int runTags(std::vector<std::string> &args);
@@ -36,11 +42,82 @@ const std::vector<Command> &commands() {
        "example: fskit platform\n",
        runPlatform},
       // -- ini
+      {"ini", "read, set and list values of INI files",
+       "usage: fskit ini get FILE PARAGRAPH TOPIC\n"
+       "       fskit ini set FILE PARAGRAPH TOPIC VALUE [COMMENT]\n"
+       "       fskit ini list FILE\n"
+       "get prints the value of TOPIC in the first paragraph named PARAGRAPH.\n"
+       "set changes or adds the value (and the comment, when given) and writes the\n"
+       "file back, keeping its other lines, comments and order; a missing file is\n"
+       "created. list prints every value as PARAGRAPH, TOPIC and VALUE separated by\n"
+       "tabs, in file order; a paragraph's listing stops at its first blank or\n"
+       "comment line. Names are case-sensitive.\n"
+       "example: fskit ini set app.ini \"Formula Files\" elementFile elements.tbl\n",
+       runIni},
       // -- chemistry
+      {"formula", "masses and canonical form of molecular formulas",
+       "usage: fskit formula [--json] [--elements FILE | --ini FILE] FORMULA...\n"
+       "Prints for each formula its canonical form (element-table order), nominal,\n"
+       "monoisotopic and average mass and ring-plus-double-bond value, tab-separated\n"
+       "under a header line (--json: one JSON object per line). Blanks or \".\"\n"
+       "separate symbols (\"C5 13C H12 O6\"); a lower-case formula reads as upper case.\n"
+       "The element table is the shipped kw_elements.tbl unless --elements FILE, or\n"
+       "the INI file's \"elementFile\" in paragraph \"Formula Files\" (--ini FILE),\n"
+       "names another. An unknown symbol is reported with its position; exit status 1.\n"
+       "example: fskit formula C6H12O6 \"C5 13C H12 O6\"\n",
+       runFormula},
+      {"elements", "list the element table",
+       "usage: fskit elements [--elements FILE | --ini FILE]\n"
+       "Lists every record of the element table (elements, each followed by its\n"
+       "isotopes) with index, label, symbol, atomic number, nominal, monoisotopic\n"
+       "and average mass, abundance, rdbFactor and isotope shift, tab-separated.\n"
+       "The table is chosen as for 'fskit formula'.\n"
+       "example: fskit elements --elements data/kw_elements.tbl\n",
+       runElements},
       // -- numformat
+      {"convert", "foreign numbers (VAX, HP, Nova, INCOS, Quor) to text and back",
+       "usage: fskit convert FORMAT HEX...\n"
+       "       fskit convert --encode FORMAT NUMBER...\n"
+       "       fskit convert --file FILE --format FORMAT\n"
+       "Decodes values given as hexadecimal bytes in memory order (blanks between\n"
+       "bytes allowed), encodes numbers into such bytes, or prints every value of\n"
+       "a binary file, one per line. Formats and their sizes in bytes:\n"
+       "  vaxf 4, vaxd 8      DEC VAX F and D floating point\n"
+       "  hpshort 2, hplong 4 big-endian integers (decoded unsigned)\n"
+       "  hpdouble 8          two big-endian 32-bit halves, read as a double\n"
+       "  novaf 4, novad 8    Data General Nova floating point (decode only)\n"
+       "  incos 2             INCOS mass word (decode only)\n"
+       "  quorinty 2          Quor intensity word\n"
+       "  quorrec 6           Quor record, printed as MASS INTENSITY FLAGS;\n"
+       "                      encoded from MASS,INTENSITY[,FLAGS]\n"
+       "example: fskit convert vaxf \"80 40 00 00\"\n"
+       "         fskit convert --encode vaxd 3.141592653589793\n"
+       "         fskit convert --file spectrum.dat --format quorrec\n",
+       runConvert},
       // -- datetime
+      {"date", "convert a date/time text between layouts",
+       "usage: fskit date [--in N] [--out N] [--sep S] [--now] [TEXT]\n"
+       "       fskit date --layouts\n"
+       "Reads TEXT in input layout N (0-12, default 6: yyyymmddhhmmss+zzzz) and\n"
+       "prints it in output layout N (0-10, default 4: the asctime text).\n"
+       "Without TEXT the current local time is converted. --sep gives the\n"
+       "separators (\"NONE\": fixed-width fields without any); --now fills what\n"
+       "the text lacks, or replaces a text that cannot be read, with the current\n"
+       "time. --layouts lists every layout with an example.\n"
+       "example: fskit date --in 2 --out 8 07-MAR-98\n",
+       runDate},
       // -- sort
       // -- files
+      {"ls", "list the files of a directory that match a pattern",
+       "usage: fskit ls DIRECTORY [NAME_PATTERN [EXT_PATTERN]]\n"
+       "Lists the names in DIRECTORY (\\ or / between directories) that match\n"
+       "NAME_PATTERN (default *) followed by EXT_PATTERN (default .*, which also\n"
+       "matches names without a dot); * is any run of characters, ? any one,\n"
+       "case counts. One line per name, tab-separated: name (up to the first\n"
+       "dot), extension, directory, drive. Names beginning with a dot are left\n"
+       "out; nothing is printed when nothing matches.\n"
+       "example: fskit ls data 'run*' .raw\n",
+       runLs},
       // -- cmdline
       {"cmdline", "show how a command line splits into arguments and qualifiers",
        "usage: fskit cmdline LINE...\n"

@@ -8,11 +8,16 @@
 /* strings */
 #include <fskit/strings.h>
 /* ini */
+#include <fskit/ini.h>
 /* chemistry */
+#include <fskit/chemistry.h>
 /* numformat */
+#include <fskit/numformat.h>
 /* datetime */
+#include <fskit/datetime.h>
 /* sort */
 /* files */
+#include <fskit/files.h>
 /* cmdline */
 #include <fskit/cmdline.h>
 /* util */

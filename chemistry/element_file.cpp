@@ -1,0 +1,160 @@
+// Reading an element file into records.
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <string_view>
+
+#include <fskit/strings.h>
+
+#include "chemistry/chemistry.h"
+#include "frame/ascii.h"
+
+namespace fskit::chemistry {
+namespace {
+
+// Lines are read in pieces of at most 131 characters, so a longer line
+// reaches the reader as several.
+constexpr int kLineSize = 132;
+constexpr int32_t kMaxFields = 15;
+constexpr size_t kFieldSize = 20;  // 19 characters and a NUL
+
+// The fields of one line, each cut to 19 characters; missing ones are empty.
+class LineFields {
+ public:
+  explicit LineFields(const char *line) {
+    const char *starts[kMaxFields];
+    int32_t lengths[kMaxFields];
+    count_ = strqtoks(line, " \t\n", kMaxFields, starts, lengths);
+    if (count_ < 1) return;
+    column_ = starts[0] - line;
+    for (int32_t i = 0; i < count_; ++i) {
+      size_t length = std::min(size_t(lengths[i]), kFieldSize - 1);
+      std::memcpy(fields_[i], starts[i], length);
+      fields_[i][length] = '\0';
+    }
+    header_ = std::string_view(starts[0], size_t(lengths[0])) == "Element" ||
+              std::string_view(starts[0], size_t(lengths[0])) == "Atomic";
+  }
+
+  int32_t count() const { return count_; }
+  // Position of the first field: 0 or 1 starts an element, more an isotope.
+  ptrdiff_t column() const { return column_; }
+  bool isHeader() const { return header_; }
+  const char *operator[](int32_t i) const { return i < count_ ? fields_[i] : ""; }
+
+ private:
+  int32_t count_ = 0;
+  ptrdiff_t column_ = 0;
+  bool header_ = false;
+  char fields_[kMaxFields][kFieldSize];
+};
+
+// The leading integer of a text, as atoi reads it, in the low 32 bits.
+int32_t leadingInteger(const char *text) {
+  while (ascii::isSpace(*text)) ++text;
+  bool negative = *text == '-';
+  if (*text == '-' || *text == '+') ++text;
+  uint32_t value = 0;
+  for (; ascii::isDigit(*text); ++text) value = value * 10u + uint32_t(*text - '0');
+  return int32_t(negative ? 0u - value : value);
+}
+
+// The leading decimal number of a text, as atof reads it in the C locale.
+double leadingDecimal(const char *text) {
+  while (ascii::isSpace(*text)) ++text;
+  if (*text == '+' && text[1] != '-') ++text;
+  double value = 0.0;
+  std::from_chars(text, text + std::strlen(text), value);
+  return value;
+}
+
+// An isotope's mass number: the digits its label begins with.
+int32_t massNumberOf(const char (&label)[8]) {
+  int32_t value = 0;
+  for (size_t i = 0; i < sizeof label && ascii::isDigit(label[i]); ++i)
+    value = value * 10 + (label[i] - '0');
+  return value;
+}
+
+// Copies at most size - 1 characters and pads with NULs.
+template <size_t N>
+void copyText(char (&to)[N], const char *from, size_t size = N) {
+  std::memset(to, 0, N);
+  std::memcpy(to, from, strnlen(from, size - 1));
+}
+
+// The label field keeps 8 characters, without a NUL when it needs all 8.
+void copyLabel(char (&to)[8], const char *from) {
+  std::memset(to, 0, sizeof to);
+  std::memcpy(to, from, strnlen(from, sizeof to));
+}
+
+// Mass number, nominal mass and isotopeShift of an isotope record; d counts
+// from the element's reference mass number, and 0 is kept for elements.
+void placeIsotope(FsElementRecord &isotope, int32_t referenceMass) {
+  int32_t massNumber = massNumberOf(isotope.label);
+  int64_t d = int64_t(massNumber) - referenceMass;
+  isotope.nominalMass = int16_t(massNumber);
+  isotope.isotopeShift = int8_t(d >= 0 ? d + 1 : d);
+}
+
+void fillIsotope(FsElementRecord &isotope, const FsElementRecord &element,
+                 const char *label, const char *mass, const char *abundance) {
+  isotope = FsElementRecord{};
+  std::memcpy(isotope.symbol, element.symbol, sizeof isotope.symbol);
+  isotope.atomicNumber = element.atomicNumber;
+  isotope.auxValue = element.auxValue;
+  isotope.rdbFactor = element.rdbFactor;
+  copyLabel(isotope.label, label);
+  isotope.monoMass = leadingDecimal(mass);
+  isotope.averageMass = isotope.monoMass;
+  isotope.abundance = leadingDecimal(abundance);
+}
+
+}  // namespace
+
+int32_t readElementFile(std::FILE *file, FsElementRecord *records) {
+  char line[kLineSize];
+  int32_t count = 0;
+  int32_t element = -1;  // the current element's record
+  int32_t referenceMass = 0;
+  while (std::fgets(line, sizeof line, file) != nullptr) {
+    LineFields fields(line);
+    if (fields.count() < 1 || fields.isHeader()) continue;
+    if (fields.column() <= 1) {
+      // An element needs two records: itself and its first isotope.
+      if (count + 2 > kCapacity) return -1;
+      FsElementRecord &record = records[count];
+      record = FsElementRecord{};
+      copyText(record.symbol, fields[0]);
+      copyLabel(record.label, fields[0]);
+      record.atomicNumber = int16_t(leadingInteger(fields[1]));
+      record.averageMass = leadingDecimal(fields[2]);
+      referenceMass = leadingInteger(fields[3]);
+      record.nominalMass = int16_t(referenceMass);
+      record.abundance = 100.0;
+      record.auxValue = uint8_t(leadingInteger(fields[8]));
+      record.rdbFactor = int8_t(leadingInteger(fields[9]));
+      FsElementRecord &first = records[count + 1];
+      fillIsotope(first, record, fields[5], fields[6], fields[7]);
+      placeIsotope(first, referenceMass);
+      // Without an isotope of the reference mass number the first one's
+      // mass stands in; an isotope of that number replaces it.
+      record.monoMass = first.monoMass;
+      element = count;
+      count += 2;
+    } else {
+      if (element < 0) continue;  // no element to add the isotope to
+      FsElementRecord &isotope = records[count];
+      fillIsotope(isotope, records[element], fields[0], fields[1], fields[2]);
+      placeIsotope(isotope, referenceMass);
+      if (massNumberOf(isotope.label) == referenceMass)
+        records[element].monoMass = isotope.monoMass;
+      count += 1;
+    }
+    if (count >= kCapacity) return -1;
+  }
+  return count;
+}
+
+}  // namespace fskit::chemistry

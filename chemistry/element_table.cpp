@@ -1,0 +1,177 @@
+// The exported element-table functions: loading, lookup and record copies.
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include <fskit/frame.h>
+#include <fskit/ini.h>
+#include <fskit/strings.h>
+
+#include "chemistry/chemistry.h"
+#include "frame/ascii.h"
+#include "ini/state.h"
+
+namespace fskit::chemistry {
+namespace {
+
+constexpr const char kIniParagraph[] = "Formula Files";
+constexpr const char kIniTopic[] = "elementFile";
+
+struct FileCloser {
+  void operator()(std::FILE *file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+File openForReading(const char *name) { return File(std::fopen(name, "r")); }
+
+FsElementRecord *allocateRecords(const char *routine) {
+  auto *records =
+      static_cast<FsElementRecord *>(std::malloc(sizeof(FsElementRecord) * kCapacity));
+  if (records == nullptr) fsMessage(routine, 1, 0, "Unable to allocate element table.");
+  return records;
+}
+
+// Makes the records read from `file` the present table.
+void install(FsElementRecord *records, std::FILE *file) {
+  ElementTable &table = elementTable();
+  table.records = records;
+  table.count = readElementFile(file, records);
+  table.present = true;
+  if (table.count > 0) table.index.build(records, table.count);
+}
+
+void forgetRecordedName() {
+  std::free(elementTable().recordedName);
+  elementTable().recordedName = nullptr;
+}
+
+bool isRecordedName(const char *path) {
+  const char *recorded = elementTable().recordedName;
+  if (recorded == nullptr) return false;
+  for (; *path != '\0'; ++path, ++recorded)
+    if (ascii::toLower(*path) != *recorded) return false;
+  return *recorded == '\0';
+}
+
+// Asks the INI document for the element file. fsIniGetValue writes without a
+// bound, so the value is measured first: one set by fsIniSetValue can be
+// longer than any line of an INI file. Null when there is no value.
+char *configuredName(int32_t iniHandle) {
+  const ini::Slot *slot = ini::slotOf(iniHandle);
+  const char *value =
+      slot != nullptr ? slot->document->valueOf(kIniParagraph, kIniTopic) : nullptr;
+  char *name = static_cast<char *>(std::malloc(value != nullptr ? std::strlen(value) + 1 : 1));
+  char comment[2];
+  if (name == nullptr) return nullptr;
+  if (fsIniGetValue(iniHandle, kIniParagraph, kIniTopic, name, comment) == 0 || name[0] == '\0') {
+    std::free(name);
+    return nullptr;
+  }
+  return name;
+}
+
+bool holdsRecords(const ElementTable &table) { return table.present && table.count != 0; }
+
+}  // namespace
+
+int32_t findLabel(const char *name) {
+  ElementTable &table = elementTable();
+  if (!table.present && fsInitElemTable(1000, 1) == 0) return -1;
+  if (table.count < 1) {
+    fsMessage("findElemInTbl", 1, 0, "No element table present");
+    return -1;
+  }
+  return name != nullptr ? table.index.find(name) : -1;
+}
+
+}  // namespace fskit::chemistry
+
+using namespace fskit::chemistry;
+
+extern "C" {
+
+FSKIT_API int32_t fsInitElemTable(int32_t iniHandle, int32_t load) {
+  ElementTable &table = elementTable();
+  releaseTable();
+  // The name fsLoadElemTable recorded no longer describes the table.
+  forgetRecordedName();
+  std::free(table.configuredName);
+  table.configuredName = configuredName(iniHandle);
+  if (load == 0) return 1;
+
+  File file;
+  if (table.configuredName != nullptr) file = openForReading(table.configuredName);
+  for (const char *name : kDefaultFiles)
+    if (!file) file = openForReading(name);
+  if (!file) {
+    fsMessage("fsInitElemTable", 0, 0, "Failed to open element file %s", kDefaultFiles[0]);
+    return 0;
+  }
+  FsElementRecord *records = allocateRecords("fsInitElemTable");
+  if (records == nullptr) return 0;
+  install(records, file.get());
+  return 1;
+}
+
+FSKIT_API int32_t fsLoadElemTable(const char *path) {
+  ElementTable &table = elementTable();
+  if (path == nullptr) path = "";
+  if (table.present && isRecordedName(path)) return 1;
+  releaseTable();
+  FsElementRecord *records = allocateRecords("fsLoadElemTable");
+  if (records == nullptr) return 0;
+  File file = openForReading(path);
+  if (!file) {
+    std::free(records);
+    fsMessage("fsLoadElemTable", 0, 0, "Failed to open element file %s", path);
+    return 0;
+  }
+  install(records, file.get());
+  forgetRecordedName();
+  table.recordedName = strmalloc(path);
+  if (table.recordedName != nullptr) strlower(table.recordedName);
+  return 1;
+}
+
+FSKIT_API int32_t fsFindElemInTbl(const char *name) { return findLabel(name); }
+
+FSKIT_API int32_t fsFindElement(const char *name, FsElementRecord *record) {
+  const ElementTable &table = elementTable();
+  if (!holdsRecords(table)) {
+    fsMessage("fsFindElement", 1, 0, "No element table present");
+    return -1;
+  }
+  int32_t index = name != nullptr && table.count > 0 ? table.index.find(name) : -1;
+  if (index >= 0 && record != nullptr) *record = table.records[index];
+  return index;
+}
+
+FSKIT_API int32_t fsGetElementInfo(int32_t index, FsElementRecord *record) {
+  const ElementTable &table = elementTable();
+  if (!holdsRecords(table)) {
+    fsMessage("fsGetElementInfo", 1, 0, "No element table present");
+    return 0;
+  }
+  if (index < 0 || index >= table.count) {
+    fsMessage("fsGetElementInfo", 1, 0, "Index %d does not exist in element table", index);
+    return 0;
+  }
+  if (record == nullptr) return 0;
+  *record = table.records[index];
+  return 1;
+}
+
+FSKIT_API int32_t fsGetElemSymbol(int32_t index, char *symbol) {
+  const ElementTable &table = elementTable();
+  if (symbol == nullptr) return 0;
+  if (!table.present || index < 0 || index >= table.count) {
+    symbol[0] = '\0';
+    return 0;
+  }
+  std::memcpy(symbol, table.records[index].symbol, sizeof table.records[index].symbol);
+  return 1;
+}
+
+FSKIT_API int32_t fsElementTableCount(void) { return elementTable().count; }
+
+}  // extern "C"

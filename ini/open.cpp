@@ -1,0 +1,70 @@
+// Opening documents into slots and releasing them.
+#include <cstdio>
+
+#include <fskit/frame.h>
+#include <fskit/ini.h>
+
+#include "ini/state.h"
+
+namespace fskit::ini {
+namespace {
+
+// The lowest free slot, or null when all are in use.
+Slot *freeSlot() {
+  for (Slot &slot : iniState().slots)
+    if (slot.document == nullptr) return &slot;
+  return nullptr;
+}
+
+int32_t openSlot(const char *fileName, bool readFile) {
+  if (fileName == nullptr) return 0;
+  Slot *slot = freeSlot();
+  if (slot == nullptr) {
+    std::fprintf(stderr, "No more file handles available for %s\n", fileName);
+    return 0;
+  }
+  char *nameCopy = allocationAllowed() ? strmalloc(fileName) : nullptr;
+  if (nameCopy == nullptr) {
+    std::fprintf(stderr, "Out of memory for ini file %s\n", fileName);
+    return 0;
+  }
+  std::FILE *stream = nullptr;
+  if (readFile && (stream = std::fopen(fileName, "r")) == nullptr) {
+    std::free(nameCopy);
+    std::fprintf(stderr, "Error opening ini file %s\n", fileName);
+    return 0;
+  }
+  FsIniFile *document = FsIniFile::create(fileName);
+  if (document == nullptr) {
+    std::free(nameCopy);
+    if (stream != nullptr) std::fclose(stream);
+    std::fprintf(stderr, "Error allocating ini file %s\n", fileName);
+    return 0;
+  }
+  if (stream != nullptr) {
+    document->read(stream);
+    std::fclose(stream);
+  }
+  slot->document = document;
+  slot->fileName = nameCopy;
+  return kFirstHandle + int32_t(slot - iniState().slots);
+}
+
+}  // namespace
+}  // namespace fskit::ini
+
+extern "C" {
+
+FSKIT_API int32_t fsIniNewFile(const char *fileName) {
+  return fskit::ini::openSlot(fileName, false);
+}
+
+FSKIT_API int32_t fsIniReadFile(const char *fileName) {
+  return fskit::ini::openSlot(fileName, true);
+}
+
+FSKIT_API void fsIniReleaseFile(int32_t handle) {
+  if (fskit::ini::Slot *slot = fskit::ini::slotOf(handle)) fskit::ini::releaseSlot(*slot);
+}
+
+}  // extern "C"

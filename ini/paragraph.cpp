@@ -1,0 +1,67 @@
+// A paragraph: its header, its lines, and the lookups of topics within it.
+#include <cstring>
+
+#include "frame/ascii.h"
+#include "ini/document.h"
+
+namespace fskit::ini {
+
+void FsIniParagraph::clear() {
+  setText(name_, nullptr, Trim::kNone);
+  lines_.clear();
+}
+
+const char *FsIniParagraph::valueOf(const char *topic) const {
+  const FsIniLine *line = findLine(topic);
+  return line != nullptr ? line->value() : nullptr;
+}
+
+void FsIniParagraph::setValue(const char *topic, const char *text) {
+  if (FsIniLine *line = lines_.findOrAdd(topic)) line->setValue(text);
+}
+
+void FsIniParagraph::setComment(const char *topic, const char *text) {
+  if (FsIniLine *line = lines_.findOrAdd(topic)) line->setComment(text);
+}
+
+const char *FsIniParagraph::topicAt(int32_t index) const {
+  const FsIniLine *line = lines_.at(index);
+  return line != nullptr ? line->topic() : nullptr;
+}
+
+int FsIniParagraph::read(std::FILE *stream) {
+  clear();
+  if (stream == nullptr) return kFailed;
+  long start = std::ftell(stream);
+  char text[kLineBuffer];
+  char *p;
+  do {
+    if (std::fgets(text, kLineBuffer, stream) == nullptr) {
+      std::fseek(stream, start, SEEK_SET);
+      return kFailed;
+    }
+    p = text;
+    while (ascii::isSpace(*p)) ++p;
+  } while (*p == '\0');
+  // A header needs a name: "[" at the very end of the input or "[]" has none.
+  if (p[0] != '[' || p[1] == '\0' || p[1] == ']') {
+    std::fseek(stream, start, SEEK_SET);
+    return kFailed;
+  }
+  // Without a ']' the name runs to the end of the line, line feed included.
+  if (char *close = std::strchr(p + 1, ']')) *close = '\0';
+  setName(p + 1);
+  lines_.readAll(stream);
+  return kOk;
+}
+
+int FsIniParagraph::write(std::FILE *stream) const {
+  if (stream == nullptr) return kFailed;
+  // A paragraph without a name can never be looked up; writing it as "[]"
+  // would end the reading of the file there, so it is left out.
+  if (name_ == nullptr) return kOk;
+  if (!put(stream, "[") || !put(stream, name_) || !put(stream, "]\n")) return kFailed;
+  return lines_.writeAll(stream);
+}
+
+}  // namespace fskit::ini

@@ -1,0 +1,122 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/platform.h"
+
+namespace fskit::platform {
+namespace {
+
+// Part of the target's base name kept in the temporary name, short enough
+// that the temporary name fits where the target's fits.
+constexpr int kBaseNameKept = 200;
+constexpr int kNameAttempts = 100;
+
+char *copyOf(const char *text) {
+  size_t size = std::strlen(text) + 1;
+  char *copy = static_cast<char *>(std::malloc(size));
+  if (copy != nullptr) std::memcpy(copy, text, size);
+  return copy;
+}
+
+// Opens a new file beside `target` with a name nobody else uses, or -1.
+int createBeside(const char *target, mode_t mode, char *&temporary) {
+  const char *slash = std::strrchr(target, '/');
+  int directoryLength = slash == nullptr ? 1 : int(slash - target);  // 0: the root
+  const char *directory = slash == nullptr ? "." : target;
+  const char *base = slash == nullptr ? target : slash + 1;
+  size_t size = size_t(directoryLength) + kBaseNameKept + 64;
+  temporary = static_cast<char *>(std::malloc(size));
+  if (temporary == nullptr) return -1;
+  static unsigned counter = 0;
+  for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
+    std::snprintf(temporary, size, "%.*s/.%.*s.%ld-%u.tmp", directoryLength, directory,
+                  kBaseNameKept, base, long(getpid()), counter++);
+    int fd = open(temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (fd >= 0) return fd;
+    if (errno != EEXIST) break;
+  }
+  std::free(temporary);
+  temporary = nullptr;
+  return -1;
+}
+
+bool writableDirectoryOf(const char *target) {
+  const char *slash = std::strrchr(target, '/');
+  if (slash == nullptr) return access(".", W_OK | X_OK) == 0;
+  if (slash == target) return access("/", W_OK | X_OK) == 0;
+  char *directory = copyOf(target);
+  if (directory == nullptr) return false;
+  directory[slash - target] = '\0';
+  bool writable = access(directory, W_OK | X_OK) == 0;
+  std::free(directory);
+  return writable;
+}
+
+}  // namespace
+
+ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &fd) {
+  replacement = Replacement{};
+  fd = -1;
+  if (*path == '\0') return ReplaceStart::kNotReplaceable;  // let the open say why
+  struct stat link, status;
+  bool exists = lstat(path, &link) == 0;
+  if (!exists && errno != ENOENT) return ReplaceStart::kNotReplaceable;
+  if (exists) {
+    // A dangling link, a device, a FIFO or a read-only file is written in place.
+    if (stat(path, &status) != 0 || !S_ISREG(status.st_mode) || access(path, W_OK) != 0)
+      return ReplaceStart::kNotReplaceable;
+    replacement.target = S_ISLNK(link.st_mode) ? realpath(path, nullptr) : copyOf(path);
+  } else {
+    replacement.target = copyOf(path);
+  }
+  if (replacement.target == nullptr) return ReplaceStart::kFailed;
+  if (!writableDirectoryOf(replacement.target)) {
+    abandonReplacement(replacement);
+    return ReplaceStart::kNotReplaceable;
+  }
+  // A new file gets what the process's umask allows, as with fopen; an old
+  // one's bits are put on the replacement before anything is written to it.
+  fd = createBeside(replacement.target, exists ? S_IRUSR | S_IWUSR : 0666,
+                    replacement.temporary);
+  if (fd < 0) {
+    abandonReplacement(replacement);
+    return ReplaceStart::kFailed;
+  }
+  if (exists) {
+    if (fchown(fd, status.st_uid, status.st_gid) != 0) {
+      // Not allowed for others' files: the replacement keeps our ownership.
+    }
+    if (fchmod(fd, status.st_mode & 07777) != 0) {
+      close(fd);
+      fd = -1;
+      abandonReplacement(replacement);
+      return ReplaceStart::kFailed;
+    }
+  }
+  return ReplaceStart::kReady;
+}
+
+int commitReplacement(Replacement &replacement) {
+  int result = rename(replacement.temporary, replacement.target) == 0 ? 0 : -1;
+  if (result == 0) {
+    std::free(replacement.temporary);
+    replacement.temporary = nullptr;
+  }
+  abandonReplacement(replacement);
+  return result;
+}
+
+void abandonReplacement(Replacement &replacement) {
+  if (replacement.temporary != nullptr) unlink(replacement.temporary);
+  std::free(replacement.temporary);
+  std::free(replacement.target);
+  replacement = Replacement{};
+}
+
+}  // namespace fskit::platform

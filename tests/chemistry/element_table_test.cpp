@@ -1,0 +1,196 @@
+// The element table: reading the element file, loading rules, lookups and
+// the messages of each failure.
+#include <fskit/chemistry.h>
+#include <fskit/ini.h>
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <cstring>
+#include <string>
+
+#include "tests/chemistry/example_table.h"
+
+using namespace fskit::test;
+
+namespace {
+
+std::string label(const FsElementRecord &record) {
+  return std::string(record.label, strnlen(record.label, sizeof record.label));
+}
+
+std::string elementLines(int elements) {
+  std::string text;
+  for (int i = 0; i < elements; ++i) text += "C 6 12.011 12 - 12C 12.0 98.9 0 2\n";
+  return text;
+}
+
+}  // namespace
+
+TEST(ElementTable, ExampleFileGivesRecordsInFileOrder) {
+  TempDir dir;
+  loadTable(dir, kExampleTable);
+  ASSERT_EQ(fsElementTableCount(), 10);
+  struct Row {
+    const char *label, *symbol;
+    double mono, average, abundance;
+    int nominal, atomic, rdb, shift;
+  } rows[] = {
+      {"C", "C", 12.0, 12.011, 100.0, 12, 6, 2, 0},
+      {"12C", "C", 12.0, 12.0, 98.90, 12, 6, 2, 1},
+      {"13C", "C", 13.003355, 13.003355, 1.10, 13, 6, 2, 2},
+      {"H", "H", 1.007825, 1.008, 100.0, 1, 1, -1, 0},
+      {"1H", "H", 1.007825, 1.007825, 99.985, 1, 1, -1, 1},
+      {"2H", "H", 2.014102, 2.014102, 0.015, 2, 1, -1, 2},
+      {"O", "O", 15.994915, 15.999, 100.0, 16, 8, 0, 0},
+      {"16O", "O", 15.994915, 15.994915, 99.762, 16, 8, 0, 1},
+      {"17O", "O", 16.999131, 16.999131, 0.038, 17, 8, 0, 2},
+      {"18O", "O", 17.999159, 17.999159, 0.200, 18, 8, 0, 3},
+  };
+  for (int i = 0; i < 10; ++i) {
+    SCOPED_TRACE(i);
+    FsElementRecord record;
+    ASSERT_EQ(fsGetElementInfo(i, &record), 1);
+    EXPECT_EQ(label(record), rows[i].label);
+    EXPECT_STREQ(record.symbol, rows[i].symbol);
+    EXPECT_DOUBLE_EQ(record.monoMass, rows[i].mono);
+    EXPECT_DOUBLE_EQ(record.averageMass, rows[i].average);
+    EXPECT_DOUBLE_EQ(record.abundance, rows[i].abundance);
+    EXPECT_EQ(record.nominalMass, rows[i].nominal);
+    EXPECT_EQ(record.atomicNumber, rows[i].atomic);
+    EXPECT_EQ(record.auxValue, 0);
+    EXPECT_EQ(record.rdbFactor, rows[i].rdb);
+    EXPECT_EQ(record.isotopeShift, rows[i].shift);
+    EXPECT_EQ(fsFindElemInTbl(rows[i].label), i);
+  }
+  EXPECT_EQ(fsFindElemInTbl("o"), -1);
+  EXPECT_EQ(fsFindElemInTbl("C "), -1);
+  EXPECT_EQ(fsFindElemInTbl(""), -1);
+
+  FsElementRecord found, untouched;
+  std::memset(&untouched, 0x5a, sizeof untouched);
+  found = untouched;
+  EXPECT_EQ(fsFindElement("13C", &found), 2);
+  EXPECT_EQ(found.nominalMass, 13);
+  found = untouched;
+  EXPECT_EQ(fsFindElement("Xx", &found), -1);
+  EXPECT_EQ(std::memcmp(&found, &untouched, sizeof found), 0);
+
+  char symbol[4] = "###";
+  EXPECT_EQ(fsGetElemSymbol(8, symbol), 1);
+  EXPECT_STREQ(symbol, "O");
+  EXPECT_EQ(fsGetElemSymbol(10, symbol), 0);
+  EXPECT_STREQ(symbol, "");
+  EXPECT_EQ(captureStdout([] { EXPECT_EQ(fsGetElementInfo(10, nullptr), 0); }),
+            "fsGetElementInfo: Index 10 does not exist in element table\n");
+}
+
+TEST(ElementTable, LoadsByNameOnceAndReportsFailures) {
+  TempDir dir;
+  std::string path = loadTable(dir, kExampleTable);
+  // The same name in another case is not read again, whatever the file holds now.
+  writeFile(path, elementLines(1));
+  std::string upper = path;
+  for (char &c : upper) c = char(std::toupper(static_cast<unsigned char>(c)));
+  EXPECT_EQ(fsLoadElemTable(upper.c_str()), 1);
+  EXPECT_EQ(fsElementTableCount(), 10);
+  std::string other = loadTable(dir, elementLines(2), "other.tbl");
+  EXPECT_EQ(fsElementTableCount(), 4);
+  // fsInitElemTable forgets the recorded name: the next load reads again.
+  EXPECT_EQ(fsInitElemTable(0, 0), 1);
+  EXPECT_EQ(fsLoadElemTable(path.c_str()), 1);
+  EXPECT_EQ(fsElementTableCount(), 2);
+
+  std::string missing = dir.file("missing.tbl");
+  EXPECT_EQ(captureStdout([&] { EXPECT_EQ(fsLoadElemTable(missing.c_str()), 0); }),
+            "Failed to open element file " + missing + "\n");
+  EXPECT_EQ(fsElementTableCount(), 0);
+  EXPECT_EQ(captureStdout([] {
+              EXPECT_EQ(fsFindElement("C", nullptr), -1);
+              EXPECT_EQ(fsGetElementInfo(0, nullptr), 0);
+            }),
+            "fsFindElement: No element table present\n"
+            "fsGetElementInfo: No element table present\n");
+}
+
+TEST(ElementTable, FirstLookupLoadsTheConfiguredOrADefaultFile) {
+  TempDir dir;
+  ChangeDir inside(dir.path());
+  EXPECT_EQ(captureStdout([] { EXPECT_EQ(fsFindElemInTbl("C"), -1); }),
+            "Failed to open element file kw_elements.tbl\n");
+  writeFile("kw_ele.tbl", kExampleTable);
+  EXPECT_EQ(fsFindElemInTbl("O"), 6);
+
+  writeFile("chosen.tbl", "H 1 1.008 1 - 1H 1.007825 99.985 0 -1\n");
+  writeFile("fskit.ini", "[Formula Files]\nelementFile=chosen.tbl\n");
+  ASSERT_EQ(fsIniReadFile("fskit.ini"), 1000);
+  EXPECT_EQ(fsInitElemTable(1000, 0), 1);
+  EXPECT_EQ(fsElementTableCount(), 0);
+  EXPECT_EQ(fsFindElemInTbl("H"), 0);
+  EXPECT_EQ(fsElementTableCount(), 2);
+  // A value longer than any INI line (set, not read) is taken whole; it does
+  // not open, so the defaults follow.
+  fsIniSetValue(1000, "Formula Files", "elementFile", std::string(3000, 'x').c_str(), "");
+  EXPECT_EQ(fsInitElemTable(1000, 1), 1);
+  EXPECT_EQ(fsElementTableCount(), 10);
+}
+
+TEST(ElementFile, LayoutRulesAndOverlongInput) {
+  TempDir dir;
+  std::string longLine = "Zz 99 1.5 1 - 1Zz 1.25 100 7 3" + std::string(120, ' ') + "  2Zz 2.5 0\n";
+  loadTable(dir,
+            "  9Ab 9.0 1.0\n"                              // no element yet: skipped
+            "Element Z average\n"                          // header
+            "Atomic number\n"                              // header
+            "\n \t \n"
+            "\tNa 11 22.99 23 - 23Na 22.98977 100 0 -1\n"  // one tab: an element
+            " \t D 2.014102 0.015\n"                       // two delimiters: an isotope
+            "element 1 1 1 - 123456789Ab 1.0000000000000000000000005 100\n" +
+                longLine + "Na 1 1 1 - 1Na 1 1 0 0");      // no line end; label already used
+  struct Row {
+    const char *label;
+    int index, nominal, shift;
+    double mono;
+  } rows[] = {{"Na", 0, 23, 0, 22.98977}, {"23Na", 1, 23, 1, 22.98977},
+              {"D", 2, 0, -23, 2.014102}, {"element", 3, 1, 0, 1.0},
+              {"12345678", 4, int16_t(12345678), 0, 1.0},  // the label keeps 8 characters
+              {"Zz", 5, 1, 0, 1.25},      {"2Zz", 7, 2, 2, 2.5}};
+  EXPECT_EQ(fsElementTableCount(), 10);
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.label);
+    FsElementRecord record;
+    ASSERT_EQ(fsFindElement(row.label, &record), row.index);
+    EXPECT_EQ(record.nominalMass, row.nominal);
+    if (row.shift != 0) { EXPECT_EQ(record.isotopeShift, row.shift); }
+    EXPECT_DOUBLE_EQ(record.monoMass, row.mono);
+  }
+  FsElementRecord zz;
+  fsGetElementInfo(5, &zz);
+  EXPECT_EQ(zz.auxValue, 7);
+  EXPECT_EQ(zz.rdbFactor, 3);
+}
+
+TEST(ElementFile, FillingAllFiveHundredRecordsLeavesAnUnusableTable) {
+  TempDir dir;
+  loadTable(dir, "Element only\n\n");
+  EXPECT_EQ(fsElementTableCount(), 0);
+  EXPECT_EQ(captureStdout([] { EXPECT_EQ(fsFindElemInTbl("C"), -1); }),
+            "findElemInTbl: No element table present\n");
+
+  loadTable(dir, elementLines(249) + "  13C 13.003355 1.1\n", "499.tbl");
+  EXPECT_EQ(fsElementTableCount(), 499);
+  EXPECT_EQ(fsFindElemInTbl("13C"), 498);
+  EXPECT_EQ(fsFindElemInTbl("C"), 0);  // the first of 249 equal labels
+
+  for (const std::string &full : {elementLines(250), elementLines(249) + "  13C 13.0 1\n" +
+                                                         elementLines(1)}) {
+    loadTable(dir, full, "full" + std::to_string(full.size()) + ".tbl");
+    EXPECT_EQ(fsElementTableCount(), -1);
+    EXPECT_EQ(captureStdout([] {
+                EXPECT_EQ(fsFindElemInTbl("C"), -1);
+                EXPECT_EQ(fsFindElement("C", nullptr), -1);
+                EXPECT_EQ(fsGetElementInfo(0, nullptr), 0);
+              }),
+              "findElemInTbl: No element table present\n"
+              "fsGetElementInfo: Index 0 does not exist in element table\n");
+  }
+}

@@ -1,0 +1,202 @@
+// The formula parsers against the example element file (C, H and O with
+// isotopes at indexes 0 to 9).
+#include <fskit/chemistry.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "tests/chemistry/example_table.h"
+
+using namespace fskit::test;
+
+namespace {
+
+class Formula : public ::testing::Test {
+ protected:
+  void SetUp() override { loadTable(dir_, kExampleTable); }
+  TempDir dir_;
+};
+
+struct Parsed {
+  int32_t result = 0;
+  std::string text;
+  int32_t nominal = 0;
+  double mono = 0, average = 0, rdb = 0;
+  std::vector<std::string> symbols;
+  std::vector<int32_t> counts, atomic, shifts;
+};
+
+Parsed parse(const char *formula, int32_t dotAll = 0, int32_t maxTokens = 0) {
+  Parsed p;
+  char text[512] = "#", symbols[100][10];
+  int32_t counts[100], atomic[100], shifts[100];
+  p.result = fsTblParseMF(formula, 0, dotAll, text, &p.nominal, &p.mono, &p.average, &p.rdb,
+                          maxTokens, symbols, counts, atomic, shifts);
+  p.text = text;
+  for (int32_t i = 0; i < p.result; ++i) {
+    p.symbols.emplace_back(symbols[i]);
+    p.counts.push_back(counts[i]);
+    p.atomic.push_back(atomic[i]);
+    p.shifts.push_back(shifts[i]);
+  }
+  return p;
+}
+
+struct Ranged {
+  int32_t result = 0;
+  std::vector<std::string> symbols;
+  std::vector<int32_t> low, high, atomic, flags;
+};
+
+Ranged parseRange(const char *formula, int32_t maxTokens = 0) {
+  Ranged r;
+  char symbols[100][10];
+  int32_t low[100], high[100], atomic[100], shifts[100], flags[100];
+  r.result = fsTblParseMFRange(formula, 0, maxTokens, symbols, low, high, atomic, shifts, flags);
+  for (int32_t i = 0; i < r.result; ++i) {
+    r.symbols.emplace_back(symbols[i]);
+    r.low.push_back(low[i]);
+    r.high.push_back(high[i]);
+    r.atomic.push_back(atomic[i]);
+    r.flags.push_back(flags[i]);
+  }
+  return r;
+}
+
+using Strings = std::vector<std::string>;
+using Ints = std::vector<int32_t>;
+
+}  // namespace
+
+TEST_F(Formula, MergingParserSumsMassesAndWritesCanonicalText) {
+  struct Row {
+    const char *formula;
+    int32_t dotAll, result;
+    const char *text;
+    int32_t nominal;
+    double mono, average, rdb;
+  } rows[] = {
+      {"C6H12O6", 0, 3, "C6H12O6", 180, 180.06339, 180.156, 1.0},
+      {"CH3CH2OH", 0, 3, "C2H6O", 46, 46.041865, 46.069, 0.0},
+      {"C5 13C H12 O6", 0, 4, "C5.13CH12O6", 181, 181.066745, 181.148355, 1.0},
+      {"C6H12O6", 1, 3, "C6.H12.O6", 180, 180.06339, 180.156, 1.0},
+      {"c6h12o6", 0, 3, "C6H12O6", 180, 180.06339, 180.156, 1.0},
+      {"", 0, 0, "", 0, 0.0, 0.0, 1.0},
+      {"O6C6H12.", 0, 3, "C6H12O6", 180, 180.06339, 180.156, 1.0},  // trailing "." is harmless
+      {"C0H", 0, 2, "CH", 13, 13.007825, 13.019, 1.5},              // C0 counts 1
+      {"C1_5!H*2", 0, 2, "CH2", 14, 14.01565, 14.027, 1.0},         // marks and ranges ignored
+      {"C613C", 0, 1, "C614", 7368, 7368.0, 7374.754, 615.0},       // the count swallows 13
+      {"C6 13C", 0, 2, "C6.13C", 85, 85.003355, 85.069355, 8.0},
+      {"C\tO", 0, 2, "CO", 28, 27.994915, 28.01, 2.0},              // a tab does not separate
+      {"2HHO", 0, 3, "H.2HO", 19, 19.016842, 19.021102, 0.0},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.formula);
+    Parsed p = parse(row.formula, row.dotAll);
+    EXPECT_EQ(p.result, row.result);
+    EXPECT_EQ(p.text, row.text);
+    EXPECT_EQ(p.nominal, row.nominal);
+    EXPECT_NEAR(p.mono, row.mono, 1e-9);
+    EXPECT_NEAR(p.average, row.average, 1e-9);
+    EXPECT_DOUBLE_EQ(p.rdb, row.rdb);
+  }
+  Parsed glucose = parse("C5 13C H12 O6");
+  EXPECT_EQ(glucose.symbols, (Strings{"C", "13C", "H", "O"}));
+  EXPECT_EQ(glucose.counts, (Ints{5, 1, 12, 6}));
+  EXPECT_EQ(glucose.atomic, (Ints{6, 6, 1, 8}));
+  EXPECT_EQ(glucose.shifts, (Ints{0, 2, 0, 0}));
+  EXPECT_EQ(parse("CH3CH2OH").counts, (Ints{2, 6, 1}));
+  // At maxTokens distinct symbols the rest is not read.
+  EXPECT_EQ(parse("CHO", 0, 2).text, "CH");
+}
+
+TEST_F(Formula, UnknownSymbolsGiveMinusTheCharactersConsumed) {
+  struct Row {
+    const char *formula;
+    int32_t merging, ranged;
+    const char *message;  // of the range parser
+  } rows[] = {
+      {"(CH3)2CO", -2, -2, "<(C> is an invalid symbol"},
+      {"co2", -3, -3, "<Co> is an invalid symbol"},
+      {"CO2 ", -3, 2, nullptr},  // the blank separates: Co
+      {"C_5", -3, -3, "<C_> is an invalid symbol"},
+      {"C..5", -4, -4, "<5> is an invalid symbol"},
+      {"C1-10", -5, -5, "<-10> is an invalid symbol"},
+      {"C2.5", -4, -4, nullptr},
+      {"C+", -2, -2, nullptr},
+      {"Uuo", -2, -2, "<Uu> is an invalid symbol"},
+      {"HO\tNa\t", -6, -6, nullptr},  // a tab after a symbol is consumed
+      {"H Xy ", -4, -5, "<Xy> is an invalid symbol"},  // a blank only by the range parser
+      {"C2.", 1, -3, "<> is an invalid symbol"},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.formula);
+    Parsed p = parse(row.formula);
+    EXPECT_EQ(p.result, row.merging);
+    if (row.merging < 0) { EXPECT_EQ(p.text, ""); }
+    std::string out = captureStdout([&] { EXPECT_EQ(parseRange(row.formula).result, row.ranged); });
+    if (row.message != nullptr) {
+      EXPECT_EQ(out, std::string("fsTblParseMFRange: ") + row.message + "\n");
+    }
+  }
+  // Entries before the refused token are kept.
+  char symbols[100][10];
+  int32_t counts[100];
+  char text[64];
+  EXPECT_EQ(fsTblParseMF("H2OXy", 0, 0, text, nullptr, nullptr, nullptr, nullptr, 0, symbols,
+                         counts, nullptr, nullptr),
+            -5);
+  EXPECT_STREQ(symbols[1], "O");
+  EXPECT_EQ(counts[0], 2);
+}
+
+TEST_F(Formula, RangeParserKeepsEveryTokenWithRangesAndMarks) {
+  Ranged r = parseRange("C6_10H10..20!O*2");
+  EXPECT_EQ(r.result, 3);
+  EXPECT_EQ(r.symbols, (Strings{"C", "H", "O"}));
+  EXPECT_EQ(r.low, (Ints{6, 10, 2}));
+  EXPECT_EQ(r.high, (Ints{10, 20, 2}));
+  EXPECT_EQ(r.atomic, (Ints{6, 1, 8}));
+  EXPECT_EQ(r.flags, (Ints{0, 0, 3}));
+
+  // A count may follow a blank: "C 13C" is C13 and C.
+  Ranged swapped = parseRange("C10_6 C2.. C0 C 13C");
+  EXPECT_EQ(swapped.low, (Ints{6, 2, 1, 13, 1}));
+  EXPECT_EQ(swapped.high, (Ints{10, 2, 1, 13, 1}));
+  EXPECT_EQ(swapped.symbols, (Strings{"C", "C", "C", "C", "C"}));
+  EXPECT_EQ(parseRange("").result, 0);
+
+  EXPECT_EQ(captureStdout([] { EXPECT_EQ(parseRange("CH", 2).result, 0); }),
+            "fsTblParseMFRange: Exceeding number of tokens expected\n");
+  captureStdout([] {  // separated: Co
+    EXPECT_EQ(fsTblParseMFRange("CO", 1, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+              -2);
+  });
+}
+
+TEST_F(Formula, BadInputStaysWithinItsBounds) {
+  std::string longFormula;
+  for (int i = 0; i < 700; ++i) longFormula += "CH";
+  Parsed p = parse(longFormula.c_str());
+  EXPECT_EQ(p.result, 2);
+  EXPECT_EQ(p.text, "C700H700");
+
+  Parsed huge = parse("C99999999999H4");
+  EXPECT_EQ(huge.counts, (Ints{INT32_MAX, 4}));
+  EXPECT_EQ(huge.nominal, INT32_MAX);
+
+  char symbols[100][10];
+  int32_t low[100];
+  captureStdout([&] {
+    EXPECT_EQ(fsTblParseMFRange("H ((((((((((((C2", 0, 0, symbols, low, nullptr, nullptr,
+                                nullptr, nullptr),
+              -16);
+  });
+  EXPECT_STREQ(symbols[1], "(((((((((");
+  EXPECT_EQ(parse("H ((((((((((((C2").result, -16);
+  EXPECT_EQ(fsTblParseMF("C", 0, 0, nullptr, nullptr, nullptr, nullptr, nullptr, 0, nullptr,
+                         nullptr, nullptr, nullptr),
+            1);
+}

@@ -1,0 +1,50 @@
+// fskit formula and fskit elements.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/chemistry/example_table.h"
+
+using namespace fskit::test;
+
+TEST(ChemistryTool, FormulaUsesTheShippedTableFromAnyDirectory) {
+  TempDir empty;
+  auto result = runTool({"formula", "C6H12O6", "C5 13C H12 O6", "NA.CL"}, "", empty.path());
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.out,
+            "formula\tcanonical\tnominal\tmonoisotopic\taverage\trdb\n"
+            "C6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0\n"
+            "C5 13C H12 O6\tC5.13CH12O6\t181\t181.066743\t181.1484\t1.0\n"
+            "NA.CL\tClNa\t58\t57.958622\t58.4398\t0.0\n");
+  auto json = runTool({"formula", "--json", "H2O"}, "", empty.path());
+  EXPECT_EQ(json.out,
+            "{\"formula\":\"H2O\",\"canonical\":\"H2O\",\"nominal\":18,"
+            "\"monoisotopic\":18.010565,\"average\":18.0150,\"rdb\":0.0}\n");
+
+  auto bad = runTool({"formula", "H2O", "C6H5(CH3)"}, "", empty.path());
+  EXPECT_EQ(bad.status, 1);
+  EXPECT_EQ(bad.err, "fskit formula: unknown symbol '(C' at position 5 of 'C6H5(CH3)'\n");
+  EXPECT_EQ(runTool({"formula"}).status, 2);
+  EXPECT_EQ(runTool({"formula", "--elements"}).status, 2);
+}
+
+TEST(ChemistryTool, ElementFileFromOptionOrIniFile) {
+  TempDir dir;
+  writeFile(dir.file("example.tbl"), kExampleTable);
+  writeFile(dir.file("lab.ini"), "[Formula Files]\nelementFile=example.tbl\n");
+  auto listed = runTool({"elements", "--elements", "example.tbl"}, "", dir.path());
+  EXPECT_EQ(listed.status, 0) << listed.err;
+  for (const char *line : {"\n2\t13C\tC\t6\t13\t13.003355000\t13.003355000\t1.1\t2\t2\n",
+                           "\n3\tH\tH\t1\t1\t1.007825000\t1.008000000\t100\t-1\t0\n",
+                           "\n9\t18O\tO\t8\t18\t17.999159000\t17.999159000\t0.2\t0\t3\n"}) {
+    EXPECT_NE(listed.out.find(line), std::string::npos) << line;
+  }
+  auto viaIni = runTool({"formula", "--ini", "lab.ini", "C6H12O6"}, "", dir.path());
+  EXPECT_EQ(viaIni.out.substr(viaIni.out.find('\n') + 1),
+            "C6H12O6\tC6H12O6\t180\t180.063390\t180.1560\t1.0\n");
+  auto missing = runTool({"formula", "--elements", "none.tbl", "C"}, "", dir.path());
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err,
+            "Failed to open element file none.tbl\n"
+            "fskit formula: no element table could be loaded\n");
+}

@@ -1,0 +1,295 @@
+// The handle API: slots, lookups, setting, the walk, writing and its failures.
+#include <fskit/ini.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "ini/state.h"
+#include "tests/support/test_support.h"
+
+using fskit::test::captureStderr;
+using fskit::test::fileExists;
+using fskit::test::readFile;
+using fskit::test::TempDir;
+using fskit::test::writeFile;
+
+namespace {
+
+// Every value the walk delivers, as "paragraph|topic|value" lines.
+std::string walk(int32_t handle) {
+  std::string all;
+  char paragraph[1100], topic[1100], value[1100];
+  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
+    all += std::string(paragraph) + "|" + topic + "|" + value + "\n";
+  return all;
+}
+
+std::string valueOf(int32_t handle, const char *paragraph, const char *topic) {
+  char value[1100] = "junk", comment[1] = {'x'};
+  int32_t found = fsIniGetValue(handle, paragraph, topic, value, comment);
+  EXPECT_EQ(comment[0], '\0');
+  return found == 1 ? value : "<none:" + std::string(value) + ">";
+}
+
+}  // namespace
+
+TEST(IniApi, SlotTableGivesLowestFreeHandle) {
+  TempDir dir;
+  std::vector<int32_t> handles;
+  for (int i = 0; i < 10; ++i) handles.push_back(fsIniNewFile(dir.file("f").c_str()));
+  EXPECT_EQ(handles, (std::vector<int32_t>{1000, 1001, 1002, 1003, 1004, 1005, 1006, 1007,
+                                            1008, 1009}));
+  EXPECT_EQ(captureStderr([] { EXPECT_EQ(fsIniNewFile("eleventh.ini"), 0); }),
+            "No more file handles available for eleventh.ini\n");
+  EXPECT_EQ(captureStderr([] { EXPECT_EQ(fsIniReadFile("eleventh.ini"), 0); }),
+            "No more file handles available for eleventh.ini\n");
+  fsIniReleaseFile(1003);
+  fsIniReleaseFile(1007);
+  EXPECT_EQ(fsIniNewFile("x"), 1003);
+  EXPECT_EQ(fsIniNewFile("x"), 1007);
+  for (int32_t handle = 1000; handle < 1010; ++handle) fsIniReleaseFile(handle);
+
+  // Null names and bad handles are silent.
+  EXPECT_EQ(captureStderr([] {
+              EXPECT_EQ(fsIniNewFile(nullptr), 0);
+              EXPECT_EQ(fsIniReadFile(nullptr), 0);
+              for (int32_t bad : {0, 999, 1000, 1010, -1}) {
+                char value[8] = "junk", comment[8] = "junk";
+                EXPECT_EQ(fsIniGetValue(bad, "A", "x", value, comment), 0);
+                EXPECT_STREQ(value, "");
+                EXPECT_STREQ(comment, "");
+                EXPECT_EQ(fsIniSetValue(bad, "A", "x", "1", ""), 0);
+                EXPECT_EQ(fsIniNext(1, bad, value, value, value), 0);
+                EXPECT_EQ(fsIniWriteFile(bad), 0);
+                fsIniReleaseFile(bad);
+              }
+            }),
+            "");
+  EXPECT_EQ(captureStderr([] { EXPECT_EQ(fsIniReadFile("/no/such/file.ini"), 0); }),
+            "Error opening ini file /no/such/file.ini\n");
+}
+
+TEST(IniApi, GetSetAndWriteBack) {
+  TempDir dir;
+  std::string path = dir.file("a.ini");
+  writeFile(path, "[Formula Files]\nelementFile = elements.tbl ; the table\nempty =\n"
+                  "[Other]\nk = 1\n");
+  int32_t handle = fsIniReadFile(path.c_str());
+  ASSERT_EQ(handle, 1000);
+  EXPECT_EQ(valueOf(handle, "Formula Files", "elementFile"), "elements.tbl");
+  EXPECT_EQ(captureStderr([&] {
+              EXPECT_EQ(valueOf(handle, "formula files", "elementFile"), "<none:>");
+              EXPECT_EQ(valueOf(handle, "Formula Files", "empty"), "<none:>");
+              EXPECT_EQ(valueOf(handle, "Other", "k "), "<none:>");
+            }),
+            "Cannot find value for paragraph \"formula files\" topic \"elementFile\"\n"
+            "Cannot find value for paragraph \"Formula Files\" topic \"empty\"\n"
+            "Cannot find value for paragraph \"Other\" topic \"k \"\n");
+
+  EXPECT_EQ(fsIniSetValue(handle, "Other", "k", "2  ", ""), 1);        // trailing blanks go
+  // "new " is never found: the value and the comment each add a line "new".
+  EXPECT_EQ(fsIniSetValue(handle, "Other", "new ", "a;b", " why "), 1);
+  EXPECT_EQ(fsIniSetValue(handle, "Formula Files", "elementFile", "e2.tbl", ""), 1);  // comment kept
+  EXPECT_EQ(fsIniSetValue(handle, "New", "t", "   ", "note"), 1);  // blank value: none
+  EXPECT_EQ(valueOf(handle, "Other", "k"), "2");
+  EXPECT_EQ(valueOf(handle, "Other", "new"), "a;b");
+  EXPECT_EQ(fsIniWriteFile(handle), 1);
+  EXPECT_EQ(readFile(path),
+            "[Formula Files]\nelementFile = e2.tbl\t; the table\nempty = \n"
+            "[Other]\nk = 2\nnew = \"a;b\"\nnew = \t; why\n[New]\nt = \t; note\n");
+  // A successful write releases the handle.
+  EXPECT_EQ(captureStderr([&] { EXPECT_EQ(valueOf(handle, "Other", "k"), "<none:>"); }), "");
+  EXPECT_EQ(fsIniWriteFile(handle), 0);
+
+  // A new document replaces an existing file.
+  handle = fsIniNewFile(path.c_str());
+  ASSERT_EQ(handle, 1000);
+  EXPECT_EQ(walk(handle), "");
+  fsIniSetValue(handle, "P", "x", "1", "");
+  EXPECT_EQ(fsIniWriteFile(handle), 1);
+  EXPECT_EQ(readFile(path), "[P]\nx = 1\n");
+}
+
+TEST(IniApi, WalkQuirks) {
+  TempDir dir;
+  std::string path = dir.file("w.ini");
+  writeFile(path,
+            "[A]\na1 = 1\n; stops A's walk\na2 = 2\n"
+            "[B]\nb = 1\nb = 2\nnovalue =\nc = 3\n\nd = 4\n"
+            "[A]\nz = 9\n");
+  int32_t handle = fsIniReadFile(path.c_str());
+  std::string messages = captureStderr([&] {
+    EXPECT_EQ(walk(handle), "A|a1|1\nB|b|1\nB|b|1\nB|c|3\nA|a1|1\n");
+  });
+  EXPECT_EQ(messages, "Cannot find value for paragraph \"B\" topic \"novalue\"\n");
+  // After the end, further calls give 0 until a new start.
+  char p[64], t[64], v[64];
+  EXPECT_EQ(fsIniNext(0, handle, p, t, v), 0);
+  EXPECT_EQ(fsIniNext(1, handle, p, t, v), 1);
+  EXPECT_STREQ(p, "A");
+  // A new start happens before the handle is tested.
+  EXPECT_EQ(fsIniNext(1, 0, p, t, v), 0);
+  EXPECT_EQ(fsIniNext(0, handle, p, t, v), 1);
+  EXPECT_STREQ(t, "a1");
+  fsIniReleaseFile(handle);
+
+  writeFile(path, "; a comment first\n[A]\nx = 1\n");
+  handle = fsIniReadFile(path.c_str());
+  EXPECT_EQ(walk(handle), "");
+  fsIniReleaseFile(handle);
+}
+
+TEST(IniApi, WriteTargets) {
+  TempDir dir;
+  std::string path = dir.file("t.ini");
+  writeFile(path, "[A]\nx = 1\n");
+  chmod(path.c_str(), 0640);
+  std::string link = dir.file("link.ini");
+  ASSERT_EQ(symlink("t.ini", link.c_str()), 0);
+
+  // Through a symbolic link: the file it points to is replaced, with its
+  // permission bits, and the link stays a link.
+  int32_t handle = fsIniReadFile(link.c_str());
+  fsIniSetValue(handle, "A", "x", "2", "");
+  EXPECT_EQ(fsIniWriteFile(handle), 1);
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_EQ(readFile(path), "[A]\nx = 2\n");
+  struct stat status;
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0640u);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2);
+
+  // A device: written in place, the error found at the close keeps the handle.
+  handle = fsIniNewFile("/dev/full");
+  fsIniSetValue(handle, "A", "x", "1", "");
+  EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 0); }), "");
+  EXPECT_EQ(valueOf(handle, "A", "x"), "1");
+  fsIniReleaseFile(handle);
+
+  // Names that cannot be opened for writing keep their handles.
+  for (const std::string &name : {dir.file("no/such.ini"), std::string(), dir.path()}) {
+    handle = fsIniNewFile(name.c_str());
+    EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 0); }),
+              "Error opening ini file " + name + "\n");
+    fsIniReleaseFile(handle);
+  }
+}
+
+namespace {
+
+// A stream over the temporary file that takes `byteLimit` bytes and then
+// fails, as a full disk would; with `closeFails` its close fails too.
+long bytesAccepted, byteLimit;
+bool closeFails;
+
+std::FILE *failingStream(int fd) {
+  bytesAccepted = 0;
+  cookie_io_functions_t io{};
+  io.write = [](void *cookie, const char *data, size_t size) -> ssize_t {
+    if (bytesAccepted + long(size) > byteLimit) {
+      errno = ENOSPC;
+      return 0;
+    }
+    bytesAccepted += long(size);
+    return write(int(reinterpret_cast<intptr_t>(cookie)), data, size);
+  };
+  io.close = [](void *cookie) {
+    return close(int(reinterpret_cast<intptr_t>(cookie))) != 0 || closeFails ? -1 : 0;
+  };
+  return fopencookie(reinterpret_cast<void *>(intptr_t(fd)), "w", io);
+}
+
+}  // namespace
+
+TEST(IniApi, FailedWriteLeavesOldFile) {
+  TempDir dir;
+  std::string path = dir.file("keep.ini");
+  std::string old = "[A]\nx = 1\n";
+  writeFile(path, old);
+  int32_t handle = fsIniReadFile(path.c_str());
+  for (int i = 0; i < 2000; ++i)
+    fsIniSetValue(handle, "A", ("topic" + std::to_string(i)).c_str(), "value", "");
+  fskit::ini::testing::setTemporaryOpener(failingStream);
+  // Failing in the middle of the text, then only when the file is closed.
+  for (bool atClose : {false, true}) {
+    byteLimit = atClose ? 1L << 30 : 100;
+    closeFails = atClose;
+    EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 0); }), "");
+    EXPECT_EQ(readFile(path), old);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);
+    EXPECT_EQ(valueOf(handle, "A", "topic1999"), "value");
+  }
+  closeFails = false;
+  EXPECT_EQ(fsIniWriteFile(handle), 1);
+  EXPECT_EQ(bytesAccepted, long(readFile(path).size()));
+  EXPECT_EQ(readFile(path).substr(0, 30), "[A]\nx = 1\ntopic0 = value\ntopic");
+}
+
+TEST(IniApi, AllocationFailuresNeverCrash) {
+  TempDir dir;
+  std::string path = dir.file("m.ini");
+  std::string text, changed;
+  for (int i = 0; i < 30; ++i) {
+    std::string paragraph = "[P" + std::to_string(i % 20) + "]\n; c\nk = ";
+    text += paragraph + std::to_string(i) + "\n\n";
+    changed += paragraph + (i == 3 ? "new" : std::to_string(i)) + "\n\n";
+  }
+  writeFile(path, text);
+  EXPECT_EQ(captureStderr([&] {
+              fskit::ini::testing::failAllocationsAfter(0);
+              EXPECT_EQ(fsIniReadFile(path.c_str()), 0);
+              fskit::ini::testing::failAllocationsAfter(1);
+              EXPECT_EQ(fsIniNewFile(path.c_str()), 0);
+            }),
+            "Out of memory for ini file " + path + "\nError allocating ini file " + path + "\n");
+  // Memory running out anywhere while reading and setting leaves a document
+  // that still writes back; with enough memory it is the whole one.
+  // (Every rename over the file waits for the disk, so the steps are coarse.)
+  for (long allowed = 3; allowed < 600; allowed += 12) {
+    fskit::ini::testing::failAllocationsAfter(allowed);
+    int32_t handle = fsIniReadFile(path.c_str());
+    EXPECT_EQ(fsIniSetValue(handle, "P3", "k", "new", ""), 1);
+    fskit::ini::testing::failAllocationsAfter(-1);
+    ASSERT_EQ(fsIniWriteFile(handle), 1);
+    std::string written = readFile(path);
+    EXPECT_LE(written.size(), changed.size()) << allowed;
+    if (allowed == 591) {
+      EXPECT_EQ(written, changed);
+    }
+    writeFile(path, text);
+  }
+}
+
+TEST(IniApi, LargeFileKeepsFirstMatchesAndOrder) {
+  // 200,000 lines: every paragraph twice, every paragraph's t0 twice.
+  std::string text;
+  for (int pass = 0; pass < 2; ++pass)
+    for (int p = 0; p < 1000; ++p) {
+      std::string tag = std::to_string(pass) + "-" + std::to_string(p) + "-";
+      text += "[P " + std::to_string(p) + "]\n";
+      for (int t = 0; t < 98; ++t) text += "t" + std::to_string(t) + " = " + tag + std::to_string(t) + "\n";
+      text += "t0 = again\n";
+    }
+  TempDir dir;
+  std::string path = dir.file("big.ini");
+  writeFile(path, text);
+  int32_t handle = fsIniReadFile(path.c_str());
+  EXPECT_EQ(valueOf(handle, "P 5", "t7"), "0-5-7");
+  EXPECT_EQ(valueOf(handle, "P 999", "t0"), "0-999-0");
+  char p[64], t[64], v[64];
+  long delivered = 0;
+  for (int32_t first = 1; fsIniNext(first, handle, p, t, v) == 1; first = 0) ++delivered;
+  EXPECT_EQ(delivered, 2L * 1000 * 99);
+  EXPECT_EQ(std::string(p) + "|" + t + "|" + v, "P 999|t0|0-999-0");
+  fsIniSetValue(handle, "P 999", "t0", "changed", "");
+  ASSERT_EQ(fsIniWriteFile(handle), 1);
+  std::string changed = text;
+  size_t at = changed.find("t0 = 0-999-0");
+  changed.replace(at, 12, "t0 = changed");
+  EXPECT_EQ(readFile(path), changed);
+}
