@@ -46,12 +46,15 @@ int createBeside(const char *target, mode_t mode, char *&temporary) {
   return -1;
 }
 
-bool writableDirectoryOf(const char *target) {
+// 1 when the directory of `target` may be written, 0 when not, -1 when there
+// was no memory to name it (then nothing may be decided, least of all a
+// write in place).
+int writableDirectoryOf(const char *target) {
   const char *slash = std::strrchr(target, '/');
   if (slash == nullptr) return access(".", W_OK | X_OK) == 0;
   if (slash == target) return access("/", W_OK | X_OK) == 0;
   char *directory = copyOf(target);
-  if (directory == nullptr) return false;
+  if (directory == nullptr) return -1;
   directory[slash - target] = '\0';
   bool writable = access(directory, W_OK | X_OK) == 0;
   std::free(directory);
@@ -76,9 +79,9 @@ ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &f
     replacement.target = copyOf(path);
   }
   if (replacement.target == nullptr) return ReplaceStart::kFailed;
-  if (!writableDirectoryOf(replacement.target)) {
+  if (int writable = writableDirectoryOf(replacement.target); writable != 1) {
     abandonReplacement(replacement);
-    return ReplaceStart::kNotReplaceable;
+    return writable < 0 ? ReplaceStart::kFailed : ReplaceStart::kNotReplaceable;
   }
   // A new file gets what the process's umask allows, as with fopen; an old
   // one's bits are put on the replacement before anything is written to it.

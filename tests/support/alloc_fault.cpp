@@ -1,5 +1,7 @@
 #include "tests/support/alloc_fault.h"
 
+#include <unistd.h>
+
 #include <cstddef>
 #include <new>
 
@@ -11,6 +13,7 @@ void *__real__Znwm(size_t size);
 void *__real__Znam(size_t size);
 void *__real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t &);
 void *__real__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t &);
+char *__real_strdup(const char *text);
 }
 
 namespace {
@@ -62,6 +65,9 @@ void *__wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t &tag) {
   return refuseThisOne() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
 }
 
+// strdup allocates inside the C library, out of reach of the malloc wrapper.
+char *__wrap_strdup(const char *text) { return refuseThisOne() ? nullptr : __real_strdup(text); }
+
 }  // extern "C"
 
 namespace fskit::test {
@@ -82,6 +88,32 @@ long forEachAllocationFailure(const std::function<void()> &call,
     check(k, refused);
     if (!refused) return k;
   }
+}
+
+StderrCatcher::StderrCatcher() : catch_(std::tmpfile()) {}
+
+StderrCatcher::~StderrCatcher() {
+  if (saved_ != nullptr) stop();
+  if (catch_ != nullptr) std::fclose(catch_);
+}
+
+void StderrCatcher::start() {
+  if (catch_ == nullptr || saved_ != nullptr) return;
+  saved_ = stderr;
+  stderr = catch_;
+}
+
+std::string StderrCatcher::stop() {
+  std::string caught;
+  if (saved_ == nullptr) return caught;
+  stderr = saved_;
+  saved_ = nullptr;
+  std::fflush(catch_);
+  std::rewind(catch_);
+  for (int c; (c = std::getc(catch_)) != EOF;) caught += char(c);
+  std::rewind(catch_);
+  if (ftruncate(fileno(catch_), 0) != 0) caught += "<catch not emptied>";
+  return caught;
 }
 
 }  // namespace fskit::test

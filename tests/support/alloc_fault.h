@@ -1,10 +1,12 @@
 // Allocation-failure injection for the fault tests. A fault test program is
-// linked with --wrap for malloc, calloc, realloc and operator new, so every
+// linked with --wrap for malloc, calloc, realloc, strdup and operator new, so every
 // allocation that the library's objects make goes through a counter that can
 // be told to fail the k-th call.
 #pragma once
 
+#include <cstdio>
 #include <functional>
+#include <string>
 
 namespace fskit::test {
 
@@ -22,5 +24,23 @@ bool allocationRefused();
 // so the checks may allocate freely.
 long forEachAllocationFailure(const std::function<void()> &call,
                               const std::function<void(long k, bool refused)> &check);
+
+// Catches what the library prints on the standard error stream through
+// stdio while armed: start() and stop() only swap stream pointers, so unlike
+// captureStderr() they allocate nothing that the injector would count.
+class StderrCatcher {
+ public:
+  StderrCatcher();
+  ~StderrCatcher();
+  StderrCatcher(const StderrCatcher &) = delete;
+  StderrCatcher &operator=(const StderrCatcher &) = delete;
+  void start();
+  // Puts the standard error stream back; returns (and forgets) what was caught.
+  std::string stop();
+
+ private:
+  std::FILE *catch_;
+  std::FILE *saved_ = nullptr;
+};
 
 }  // namespace fskit::test

@@ -1,0 +1,76 @@
+// fsDateTime on any text in every input layout, into every output layout:
+// results fit 60 characters, the messages are the documented ones, and what
+// it writes as the asctime text (output 4) or as the stamp (output 6) reads
+// back through the same layout to the same text.
+// Input: the input layout, the output layout, an options byte (bit 0:
+// useNow; bits 1-2: separators null, "", "NONE" or the text before the
+// first NUL; bit 3: a null input), then the text.
+#include <fskit/datetime.h>
+
+#include <string>
+
+#include "fuzz/support/fuzz_support.h"
+
+using fskit::fuzz::Text;
+
+namespace {
+
+constexpr size_t kOutput = 61;  // enough for any input, as the header promises
+
+struct Converted {
+  int32_t result;
+  std::string output;  // "~" when not written at all
+  std::string err;
+};
+
+Converted convert(int32_t inLayout, const char *input, int32_t outLayout,
+                  const char *separators, int32_t useNow) {
+  Text output(kOutput, '~');
+  Converted out;
+  out.err = fskit::fuzz::caughtStderr(
+      [&] { out.result = fsDateTime(inLayout, input, outLayout, output.get(), separators, useNow); });
+  const bool untouched = std::string_view(output.get(), kOutput) == std::string(kOutput, '~');
+  FUZZ_CHECK(untouched || std::memchr(output.get(), '\0', kOutput) != nullptr);
+  out.output = untouched ? "~" : output.str();
+  return out;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+  std::string_view input(reinterpret_cast<const char *>(data), size);
+  const int32_t inLayout = fskit::fuzz::takeByte(input) % 14;  // 13: unsupported
+  const int32_t outLayout = fskit::fuzz::takeByte(input) % 12;  // 11: unsupported
+  const uint8_t options = fskit::fuzz::takeByte(input);
+  const int32_t useNow = options & 1;
+  std::string_view separatorBytes;
+  if ((options >> 1 & 3) == 3) std::tie(separatorBytes, input) = fskit::fuzz::splitAtNul(input, "");
+  const Text separatorText(separatorBytes), text(input);
+  const char *separators[] = {nullptr, "", "NONE", separatorText.get()};
+  const char *separator = separators[options >> 1 & 3];
+  const char *given = options & 8 ? nullptr : text.get();
+
+  const Converted first = convert(inLayout, given, outLayout, separator, useNow);
+  const std::string unreadable = "Unable to generate valid input date from: " + std::string(text.str()) + "\n";
+  if (first.err.ends_with(unreadable)) {
+    FUZZ_CHECK(first.result == 0 && first.output == "~" && useNow == 0);
+    return 0;
+  }
+  if (outLayout == 11) {
+    FUZZ_CHECK(first.result == 0 && first.output.empty() &&
+               first.err.ends_with("Unsupported date/time output format 11"));
+    return 0;
+  }
+  FUZZ_CHECK(first.result == 1 && first.output != "~" && first.output.size() <= kOutput - 1);
+  FUZZ_CHECK(first.err.empty() || first.err == "Unsupported date/time input format 13\n");
+
+  const Converted asc = convert(inLayout, given, 4, separator, useNow);
+  const Converted ascAgain = convert(4, asc.output.c_str(), 4, nullptr, 0);
+  FUZZ_CHECK(ascAgain.result == 1 && ascAgain.output == asc.output);
+  const Converted stamp = convert(inLayout, given, 6, separator, useNow);
+  if (stamp.output.size() == 19) {  // every field in its width
+    const Converted stampAgain = convert(6, stamp.output.c_str(), 6, nullptr, 0);
+    FUZZ_CHECK(stampAgain.result == 1 && stampAgain.output == stamp.output);
+  }
+  return 0;
+}

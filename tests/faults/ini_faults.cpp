@@ -1,0 +1,122 @@
+// The INI functions under allocation failure: a document keeps what was read
+// or set before memory ran out, and a file is replaced only when the whole
+// document could be written.
+#include <fskit/ini.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/alloc_fault.h"
+#include "tests/support/test_support.h"
+
+using fskit::test::forEachAllocationFailure;
+using fskit::test::readFile;
+using fskit::test::StderrCatcher;
+using fskit::test::TempDir;
+using fskit::test::writeFile;
+
+namespace {
+
+const std::string kText = "[A]\nx = 1\ny = 2\n; c\n[B]\nz = 3\n[A]\nw = 4\n";
+const std::string kWalk = "A|x|1;A|y|2;B|z|3;A|x|1;A|y|2;";  // a second A walks the first
+
+// "paragraph|topic|value;" for every value the walk delivers.
+std::string walk(int32_t handle) {
+  std::string all;
+  char paragraph[64], topic[64], value[64];
+  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
+    all += std::string(paragraph) + "|" + topic + "|" + value + ";";
+  return all;
+}
+
+}  // namespace
+
+TEST(IniFaults, OpeningKeepsWhatWasRead) {
+  TempDir dir;
+  const std::string path = dir.file("a.ini");
+  writeFile(path, kText);
+  for (bool read : {false, true}) {
+    int32_t handle = 0;
+    StderrCatcher err;
+    long runs = forEachAllocationFailure(
+        [&] {
+          err.start();
+          handle = read ? fsIniReadFile(path.c_str()) : fsIniNewFile(path.c_str());
+        },
+        [&](long k, bool refused) {
+          SCOPED_TRACE(k);
+          const std::string printed = err.stop();
+          if (handle == 0) {  // no memory for the name's copy or the document
+            EXPECT_TRUE(refused);
+            EXPECT_TRUE(printed == "Out of memory for ini file " + path + "\n" ||
+                        printed == "Error allocating ini file " + path + "\n") << printed;
+            return;
+          }
+          EXPECT_EQ(printed, "");
+          // Reading stops where memory ran out; what was read stays.
+          const std::string values = walk(handle);
+          EXPECT_EQ(values, read ? kWalk.substr(0, values.size()) : "");
+          if (!refused) {
+            EXPECT_EQ(values, read ? kWalk : "");
+          }
+          fsIniReleaseFile(handle);
+        });
+    EXPECT_GT(runs, read ? 20 : 3);
+  }
+}
+
+TEST(IniFaults, SettingKeepsTheRest) {
+  TempDir dir;
+  const std::string path = dir.file("a.ini");
+  writeFile(path, kText);
+  const int32_t handle = fsIniReadFile(path.c_str());
+  StderrCatcher lookups;  // a value lost to the failure is reported when looked up
+  auto valueOf = [&](const char *paragraph, const char *topic) {
+    char value[64];
+    lookups.start();
+    std::string found = fsIniGetValue(handle, paragraph, topic, value, nullptr) == 1 ? value : "-";
+    lookups.stop();
+    return found;
+  };
+  // A new paragraph, a new topic, and a new value for an existing topic:
+  // every other value stays, whatever memory there is. (The topic set is
+  // left without a value when the copy of the new one fails.)
+  const char *const changes[][3] = {{"C", "n", "5"}, {"B", "m", "6"}, {"A", "x", "7"}};
+  for (const auto &change : changes) {
+    int32_t result = 0;
+    forEachAllocationFailure(
+        [&] { result = fsIniSetValue(handle, change[0], change[1], change[2], "note"); },
+        [&](long, bool refused) {
+          EXPECT_EQ(result, 1);
+          EXPECT_EQ(valueOf("A", "y") + valueOf("B", "z"), "23");
+          if (!refused) {
+            EXPECT_EQ(valueOf(change[0], change[1]), change[2]);
+          }
+        });
+  }
+  EXPECT_EQ(valueOf("C", "n") + valueOf("B", "m") + valueOf("A", "x"), "567");
+}
+
+TEST(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
+  TempDir dir;
+  const std::string path = dir.file("a.ini");
+  writeFile(path, kText);
+  const int32_t handle = fsIniReadFile(path.c_str());
+  fsIniSetValue(handle, "A", "x", "7", "");
+  int32_t written = -1;
+  StderrCatcher err;
+  forEachAllocationFailure(
+      [&] {
+        err.start();
+        written = fsIniWriteFile(handle);
+      },
+      [&](long k, bool refused) {
+        SCOPED_TRACE(k);
+        EXPECT_EQ(written, refused ? 0 : 1);
+        EXPECT_EQ(readFile(path), refused ? kText : "[A]\nx = 7\ny = 2\n; c\n[B]\nz = 3\n[A]\nw = 4\n");
+        EXPECT_EQ(err.stop(), refused ? "Error opening ini file " + path + "\n" : "");
+        if (refused) {
+          EXPECT_EQ(walk(handle).substr(0, 6), "A|x|7;");  // the handle stays open
+        }
+      });
+}
