@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Builds the programs of examples/ against an installed fskit, once through
+# find_package and once through pkg-config, runs each in a directory of its
+# own and compares what it prints with examples/expected/NAME.out (standard
+# output) and NAME.err (standard error, empty when there is no such file).
+# usage: run_examples.sh PREFIX SOURCE_DIR WORK_DIR
+set -euo pipefail
+prefix=$1 source=$2 work=$3
+examples=$source/examples
+export LC_ALL=C
+
+cmake -S "$examples" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$work/cmake" >/dev/null
+
+pc=$(find "$prefix" -name fskit.pc | head -n 1)
+export PKG_CONFIG_PATH=$(dirname "$pc")
+libdir=$(pkg-config --variable=libdir fskit)
+elementfile=$(pkg-config --variable=elementfile fskit)
+[ -f "$elementfile" ] || { echo "FAIL: pkg-config's elementfile '$elementfile' is missing"; exit 1; }
+mkdir -p "$work/pkg-config"
+for program in "$examples"/*.c; do
+  name=$(basename "$program" .c)
+  cc -std=c11 -Wall -Wextra -Werror -o "$work/pkg-config/$name" "$program" \
+     $(pkg-config --cflags --libs fskit)
+done
+
+failed=0
+run() {  # run NAME STATUS ARGUMENTS...
+  local name=$1 status=$2; shift 2
+  local build
+  for build in cmake pkg-config; do
+    local dir=$work/run/$build-$name
+    mkdir -p "$dir"
+    local got=0
+    (cd "$dir" && LD_LIBRARY_PATH=$libdir "$work/$build/$name" "$@" >stdout 2>stderr) || got=$?
+    local expected_err=/dev/null
+    [ -f "$examples/expected/$name.err" ] && expected_err=$examples/expected/$name.err
+    if [ "$got" != "$status" ] ||
+       ! diff -u "$examples/expected/$name.out" "$dir/stdout" ||
+       ! diff -u "$expected_err" "$dir/stderr"; then
+      echo "FAIL $name ($build): status $got, expected $status"
+      failed=1
+    else
+      echo "ok $name ($build)"
+    fi
+  done
+}
+
+run ini_handles 0 settings.ini
+run formula_masses 1 "$elementfile" C6H12O6 c8h10n4o2 "C5 13C H12 O6" CH2Cl2 C6H5Xy
+run command_line 2 copy in.dat,out.dat /log=run.log /verb /co=3 /ver /x
+run messages_and_log 0
+exit $failed
