@@ -81,8 +81,8 @@ const std::vector<Command> &commands() {
        "Parses LINE (several words are joined with single blanks) and prints one\n"
        "line per part: \"argument<TAB>TEXT\" (with \"<TAB>,\" when a comma ended it),\n"
        "then \"qualifier<TAB>NAME\" or \"qualifier<TAB>NAME<TAB>VALUE\". When parsing\n"
-       "stops, the parser's message and the stop character go to standard error\n"
-       "and the status is 1.\n"
+       "stops, the parser's message goes to standard error and the status is 1.\n"
+       "Put -- before a LINE whose first word begins with --.\n"
        "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
        runCmdline},
       {"tags", "list a tag file or look a tag or label up in it",
