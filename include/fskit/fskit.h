@@ -12,9 +12,12 @@
 /* chemistry */
 #include <fskit/chemistry.h>
 /* numformat */
+#include <fskit/numformat.h>
 /* datetime */
+#include <fskit/datetime.h>
 /* sort */
 /* files */
+#include <fskit/files.h>
 /* cmdline */
 #include <fskit/cmdline.h>
 /* util */

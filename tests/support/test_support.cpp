@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -99,6 +100,11 @@ void writeFile(const std::string &path, const std::string &content) {
 bool fileExists(const std::string &path) {
   std::error_code ignored;
   return std::filesystem::exists(path, ignored);
+}
+
+void setTimeZone(const char *zone) {
+  setenv("TZ", zone, 1);
+  tzset();
 }
 
 ToolResult runTool(const std::vector<std::string> &args, const std::string &input,

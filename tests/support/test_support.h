@@ -58,6 +58,9 @@ std::string readFile(const std::string &path);
 void writeFile(const std::string &path, const std::string &content);
 bool fileExists(const std::string &path);
 
+// Sets TZ (for example "UTC0" or "EST5") and makes the C library take it up.
+void setTimeZone(const char *zone);
+
 struct ToolResult {
   int status = -1;  // exit status, or -1 when the tool did not exit normally
   std::string out;
