@@ -115,7 +115,8 @@ const std::vector<Command> &commands() {
        "matches names without a dot); * is any run of characters, ? any one,\n"
        "case counts. One line per name, tab-separated: name (up to the first\n"
        "dot), extension, directory, drive. Names beginning with a dot are left\n"
-       "out; nothing is printed when nothing matches.\n"
+       "out. Nothing matching prints nothing (status 0); a directory that cannot\n"
+       "be read is an error (status 1).\n"
        "example: fskit ls data 'run*' .raw\n",
        runLs},
       // -- cmdline

@@ -32,25 +32,32 @@ bool startsWith(std::string_view text, std::string_view prefix) {
   return text.substr(0, prefix.size()) == prefix;
 }
 
+// "usage: fskit x" and "       fskit x" both give "fskit x".
+std::string_view afterLabel(std::string_view line) {
+  size_t start = line.find_first_not_of(' ', line.find(' '));
+  return start == std::string_view::npos ? std::string_view() : line.substr(start);
+}
+
 // A help text is usage lines ("usage: ..." and lines indented under it), a
-// description, and example lines ("example: ..."). The description is left
-// to roff to fill; a line that starts with blanks keeps its own line.
+// description, and examples ("example: ..." and lines indented under it).
+// The description is left to roff to fill; a line that starts with blanks
+// keeps its own line.
 void writeCommand(std::ostream &out, const fskit::tool::Command &command) {
   std::string summary = roff(command.summary);
   if (!summary.empty() && summary[0] >= 'a' && summary[0] <= 'z') summary[0] = char(summary[0] - 32);
   out << ".SS " << roff(command.name) << "\n" << summary << ".\n.PP\n.nf\n";
   std::istringstream help(command.help);
   std::string line, description, examples;
-  bool inUsage = true;
+  enum { usage, text, example } part = usage;
   while (std::getline(help, line)) {
-    if (inUsage && startsWith(line, "usage: ")) {
-      out << ".B " << roff(line.substr(7)) << "\n";
-    } else if (inUsage && startsWith(line, " ")) {
-      out << ".B " << roff(line.substr(line.find_first_not_of(' '))) << "\n";
-    } else if (startsWith(line, "example: ")) {
-      examples += "\\fB" + roff(line.substr(9)) + "\\fR\n";
+    bool indented = startsWith(line, " ");
+    if (startsWith(line, "usage: ") || (part == usage && indented)) {
+      out << ".B " << roff(afterLabel(line)) << "\n";
+    } else if (startsWith(line, "example: ") || (part == example && indented)) {
+      part = example;
+      examples += "\\fB" + roff(afterLabel(line)) + "\\fR\n";
     } else {
-      inUsage = false;
+      part = text;
       description += roff(line) + "\n";
     }
   }
