@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Builds the programs of examples/ against an installed fskit, once through
 # find_package and once through pkg-config, runs each in a directory of its
-# own and compares what it prints with examples/expected/NAME.out (standard
-# output) and NAME.err (standard error, empty when there is no such file);
-# NAME.CASE.out and .err for a program run more than once.
+# own (holding copies of the data files made below) and compares what it
+# prints with examples/expected/NAME.out (standard output) and NAME.err
+# (standard error, empty when there is no such file); NAME.CASE.out and
+# NAME.CASE.err for a program run more than once.
 # usage: run_examples.sh PREFIX SOURCE_DIR WORK_DIR
 set -euo pipefail
 prefix=$1 source=$2 work=$3
@@ -25,6 +26,14 @@ for program in "$examples"/*.c; do
      $(pkg-config --cflags --libs fskit)
 done
 
+# VAX F words: 1.0, -2.5 and pi in single precision (fraction 0x490FDB), then
+# two stray bytes. Quor records from the format's worked examples: mass 1.0,
+# intensity 1.0, flags 0; 500.25, 1000.0, 2; 1234.5677490234375, 249984.0, 1.
+mkdir -p "$work/data"
+printf '\x80\x40\x00\x00\x20\xC1\x00\x00\x49\x41\xDB\x0F\x01\x02' >"$work/data/vaxf.dat"
+printf '\x00\x08\x00\x00\x00\x02\xA0\x57\x00\x80\xE8\x93\x42\x97\xA3\x48\x69\x56' \
+  >"$work/data/quor.dat"
+
 failed=0
 run() {  # run NAME[.CASE] STATUS ARGUMENTS...: expected/NAME[.CASE].out
   local name=$1 status=$2; shift 2
@@ -32,6 +41,7 @@ run() {  # run NAME[.CASE] STATUS ARGUMENTS...: expected/NAME[.CASE].out
   for build in cmake pkg-config; do
     local dir=$work/run/$build-$name
     mkdir -p "$dir"
+    cp -r "$work/data/." "$dir"
     local got=0
     (cd "$dir" && LD_LIBRARY_PATH=$libdir "$work/$build/$program" "$@" >stdout 2>stderr) || got=$?
     local expected_err=/dev/null
@@ -51,14 +61,6 @@ run ini_handles 0 settings.ini
 run formula_masses 1 "$elementfile" C6H12O6 c8h10n4o2 "C5 13C H12 O6" CH2Cl2 C6H5Xy
 run command_line 2 copy in.dat,out.dat /log=run.log /verb /co=3 /ver /x
 run messages_and_log 0
-
-# VAX F words: 1.0, -2.5 and pi in single precision (fraction 0x490FDB), then
-# two stray bytes. Quor records from the format's worked examples: mass 1.0,
-# intensity 1.0, flags 0; 500.25, 1000.0, 2; 1234.5677490234375, 249984.0, 1.
-mkdir -p "$work/data"
-printf '\x80\x40\x00\x00\x20\xC1\x00\x00\x49\x41\xDB\x0F\x01\x02' >"$work/data/vaxf.dat"
-printf '\x00\x08\x00\x00\x00\x02\xA0\x57\x00\x80\xE8\x93\x42\x97\xA3\x48\x69\x56' \
-  >"$work/data/quor.dat"
-run decode_words.vaxf 1 vaxf "$work/data/vaxf.dat"
-run decode_words.quor 0 quor "$work/data/quor.dat"
+run decode_words.vaxf 1 vaxf vaxf.dat
+run decode_words.quor 0 quor quor.dat
 exit $failed
