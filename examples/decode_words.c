@@ -10,32 +10,20 @@
 #include <stdio.h>
 #include <string.h>
 
-static int decodeVax(FILE *file) {
-  unsigned char word[4];
-  size_t got;
-  long n = 0;
-  while ((got = fread(word, 1, sizeof word, file)) == sizeof word) {
-    float value;
-    decodeVaxFloat(word, &value); /* a null destination would convert in place */
-    printf("%ld: %02X %02X %02X %02X = %.9g\n", ++n, word[0], word[1], word[2], word[3], value);
-  }
-  if (got != 0) printf("%zu bytes left over at the end\n", got);
-  return got == 0 ? 0 : 1;
+/* Prints one value of the file: a VAX F number (4 bytes) or a Quor record
+ * (6 bytes: intensity word, then mass word). */
+static void printVax(long n, unsigned char *word) {
+  float value;
+  decodeVaxFloat(word, &value); /* a null destination converts in place */
+  printf("%ld: %02X %02X %02X %02X = %.9g\n", n, word[0], word[1], word[2], word[3], value);
 }
 
-static int decodeQuor(FILE *file) {
-  unsigned char record[6];
-  size_t got;
-  long n = 0;
-  while ((got = fread(record, 1, sizeof record, file)) == sizeof record) {
-    double mass;
-    float intensity;
-    uint8_t flags;
-    decodeQuorMassInty(record, &mass, &intensity, &flags);
-    printf("%ld: mass %.6f intensity %.1f flags %u\n", ++n, mass, intensity, flags);
-  }
-  if (got != 0) printf("%zu bytes left over at the end\n", got);
-  return got == 0 ? 0 : 1;
+static void printQuor(long n, const unsigned char *record) {
+  double mass;
+  float intensity;
+  uint8_t flags;
+  decodeQuorMassInty(record, &mass, &intensity, &flags);
+  printf("%ld: mass %.6f intensity %.1f flags %u\n", n, mass, intensity, flags);
 }
 
 int main(int argc, char **argv) {
@@ -48,7 +36,16 @@ int main(int argc, char **argv) {
     perror(argv[2]);
     return 1;
   }
-  int status = strcmp(argv[1], "vaxf") == 0 ? decodeVax(file) : decodeQuor(file);
+  int vax = strcmp(argv[1], "vaxf") == 0;
+  size_t size = vax ? 4 : 6, got;
+  unsigned char bytes[6];
+  long n = 0;
+  while ((got = fread(bytes, 1, size, file)) == size) {
+    if (vax) printVax(++n, bytes);
+    else printQuor(++n, bytes);
+  }
+  if (got != 0) printf("%zu bytes left over at the end\n", got);
+  int status = got == 0 ? 0 : 1;
 
   /* The other way: a number encoded for the old system, and back. The
    * intensity keeps its top 11 fraction bits and the mass 23, without

@@ -20,6 +20,14 @@ static void printFile(const char *name) {
   fclose(file);
 }
 
+/* Writes the document and releases its handle. A failed write keeps the
+ * handle open (for a retry); this program gives up and releases it. */
+static int writeBack(int32_t handle) {
+  if (fsIniWriteFile(handle) == 1) return 1;
+  fsIniReleaseFile(handle);
+  return 0;
+}
+
 int main(int argc, char **argv) {
   if (argc != 2) {
     fprintf(stderr, "usage: ini_handles FILE\n");
@@ -33,11 +41,7 @@ int main(int argc, char **argv) {
   fsIniSetValue(handle, "Acquisition", "scanRate", "10", "scans per second");
   fsIniSetValue(handle, "Acquisition", "detector", "EM", "");
   fsIniSetValue(handle, "Formula Files", "elementFile", "kw_elements.tbl", "");
-  /* A successful write also releases the handle. */
-  if (fsIniWriteFile(handle) != 1) {
-    fsIniReleaseFile(handle);
-    return 1;
-  }
+  if (!writeBack(handle)) return 1;
   printf("written:\n");
   printFile(name);
 
@@ -56,10 +60,7 @@ int main(int argc, char **argv) {
   /* Change a value (its comment stays), add one to a new paragraph. */
   fsIniSetValue(handle, "Acquisition", "scanRate", "20", "");
   fsIniSetValue(handle, "Display", "colours", "on", "added later");
-  if (fsIniWriteFile(handle) != 1) {
-    fsIniReleaseFile(handle);
-    return 1;
-  }
+  if (!writeBack(handle)) return 1;
   printf("updated:\n");
   printFile(name);
 
