@@ -12,6 +12,7 @@ int runPlatform(std::vector<std::string> &args);
 // -- numformat
 // -- datetime
 // -- sort
+int runSort(std::vector<std::string> &args);
 // -- files
 // -- cmdline
 // -- util
@@ -36,6 +37,17 @@ const std::vector<Command> &commands() {
       // -- numformat
       // -- datetime
       // -- sort
+      {"sort", "sort the lines of a text file, in memory or through work files",
+       "usage: fskit sort INPUT OUTPUT [--prefix P] [--buffer BYTES] [--unique] [--count]\n"
+       "Sorts the lines of INPUT byte by byte into OUTPUT and prints the library's\n"
+       "progress lines. A file larger than the buffer (default: the whole file) is\n"
+       "sorted in chunks through work files named Psort_N.tmp (P is taken literally,\n"
+       "so a directory ends in '/'), which are removed afterwards.\n"
+       "  --unique  write equal lines once and drop empty lines\n"
+       "  --count   as --unique, each line followed by a blank and its count\n"
+       "Exit status 1 when no line was written (an error, or nothing to sort).\n"
+       "example: fskit sort names.txt sorted.txt --buffer 1000000 --prefix /tmp/\n",
+       runSort},
       // -- files
       // -- cmdline
       // -- util

@@ -11,6 +11,7 @@
 /* numformat */
 /* datetime */
 /* sort */
+#include <fskit/sort.h>
 /* files */
 /* cmdline */
 /* util */

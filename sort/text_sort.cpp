@@ -1,0 +1,91 @@
+// String and byte-block keys, sorted eight bytes at a time: each element
+// carries the next eight bytes of its key as one integer, so most comparisons
+// touch no key memory at all; only runs that tie on those bytes load the next
+// eight, run by run, until the keys end.
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <vector>
+
+#include "sort/sorting.h"
+
+namespace fskit::sort {
+namespace {
+
+struct Entry {
+  uint64_t cache;    // key bytes depth to depth + 7, big-endian, zero past the end
+  int32_t element;
+  uint32_t order;    // position before sorting: ties keep their order
+};
+
+struct Range {
+  size_t begin, end;
+  long depth;
+};
+
+template <bool Bytes> uint64_t keyBytes(const unsigned char *key, long depth, long length) {
+  uint64_t cache = 0;
+  long end = std::min(length, depth + 8);
+  int shift = 56;
+  for (long i = depth; i < end; ++i, shift -= 8) {
+    if (!Bytes && key[i] == 0) break;  // never read past a text's end
+    cache |= uint64_t(key[i]) << shift;
+  }
+  return cache;
+}
+
+template <bool Bytes> bool keyEnds(uint64_t cache, long depth, long length) {
+  if (depth >= length - 8) return true;
+  return !Bytes && (cache & 0xff) == 0;
+}
+
+template <bool Bytes, bool Descending>
+void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
+  std::vector<Range> pending{{0, n, 0}};
+  const unsigned char *keys = layout.data + layout.offset;
+  while (!pending.empty()) {
+    Range range = pending.back();
+    pending.pop_back();
+    Entry *first = entries + range.begin, *last = entries + range.end;
+    for (Entry *e = first; e != last; ++e)
+      e->cache = keyBytes<Bytes>(keys + long(e->element) * layout.stride, range.depth,
+                                 layout.length);
+    std::sort(first, last, [](const Entry &a, const Entry &b) {
+      if (a.cache != b.cache) return Descending ? a.cache > b.cache : a.cache < b.cache;
+      return a.order < b.order;
+    });
+    for (Entry *run = first; run != last;) {
+      Entry *next = run + 1;
+      while (next != last && next->cache == run->cache) ++next;
+      if (next - run > 1 && !keyEnds<Bytes>(run->cache, range.depth, layout.length))
+        pending.push_back({size_t(run - entries), size_t(next - entries), range.depth + 8});
+      run = next;
+    }
+  }
+}
+
+}  // namespace
+
+bool sortIndexText(int type, const KeyLayout &layout, int32_t *index, size_t n) {
+  Entry *entries = static_cast<Entry *>(std::malloc(n * sizeof(Entry)));
+  if (entries == nullptr) return false;
+  for (size_t i = 0; i < n; ++i) entries[i] = {0, index[i], uint32_t(i)};
+  bool sorted = true;
+  try {
+    bool bytes = keyKind(type) == KeyKind::Bytes;
+    if (bytes)
+      descending(type) ? sortEntries<true, true>(entries, n, layout)
+                       : sortEntries<true, false>(entries, n, layout);
+    else
+      descending(type) ? sortEntries<false, true>(entries, n, layout)
+                       : sortEntries<false, false>(entries, n, layout);
+  } catch (const std::bad_alloc &) {
+    sorted = false;
+  }
+  if (sorted)
+    for (size_t i = 0; i < n; ++i) index[i] = entries[i].element;
+  std::free(entries);
+  return sorted;
+}
+
+}  // namespace fskit::sort

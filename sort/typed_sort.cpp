@@ -1,0 +1,121 @@
+// fsSort and fsSortIndex. Both set the sort context as the comparators expect
+// it, then sort with code that knows the key's type (no call per comparison);
+// the comparators and the C library's qsort remain the way out when working
+// memory cannot be had.
+#include <cstdio>
+#include <cstdlib>
+#include <numeric>
+
+#include <fskit/sort.h>
+
+#include "sort/sorting.h"
+
+namespace fskit::sort {
+namespace {
+
+template <size_t Size>
+void permuteBySize(unsigned char *base, size_t size, int32_t *order, size_t n,
+                   unsigned char *spare) {
+  const size_t width = Size != 0 ? Size : size;
+  auto move = [width](unsigned char *to, const unsigned char *from) {
+    std::memcpy(to, from, Size != 0 ? Size : width);
+  };
+  // Follow each cycle of the permutation once, marking a filled position by
+  // making it name itself.
+  for (size_t start = 0; start < n; ++start) {
+    if (size_t(order[start]) == start) continue;
+    move(spare, base + start * width);
+    for (size_t to = start;;) {
+      size_t from = size_t(order[to]);
+      order[to] = int32_t(to);
+      if (from == start) {
+        move(base + to * width, spare);
+        break;
+      }
+      move(base + to * width, base + from * width);
+      to = from;
+    }
+  }
+}
+
+}  // namespace
+
+bool sortIndexByKey(int type, const KeyLayout &layout, int32_t *index, size_t n) {
+  return numeric(type) ? sortIndexNumeric(type, layout, index, n)
+                       : sortIndexText(type, layout, index, n);
+}
+
+void permuteElements(unsigned char *base, size_t size, int32_t *order, size_t n,
+                     unsigned char *spare) {
+  switch (size) {
+    case 2: return permuteBySize<2>(base, size, order, n, spare);
+    case 4: return permuteBySize<4>(base, size, order, n, spare);
+    case 8: return permuteBySize<8>(base, size, order, n, spare);
+    case 12: return permuteBySize<12>(base, size, order, n, spare);
+    case 16: return permuteBySize<16>(base, size, order, n, spare);
+    case 24: return permuteBySize<24>(base, size, order, n, spare);
+    case 32: return permuteBySize<32>(base, size, order, n, spare);
+    default: return permuteBySize<0>(base, size, order, n, spare);
+  }
+}
+
+}  // namespace fskit::sort
+
+using namespace fskit::sort;
+
+extern "C" {
+
+FSKIT_API void fsSort(int type, int offset, int size, int n, void *base) {
+  if (!validType(type)) {
+    std::fprintf(stderr, "fsSort: invalid sort type, constant value %d\n", type);
+    return;
+  }
+  SortContext &context = sortContext();
+  bool field = offset >= 1;
+  if (field) context.offset = offset;
+  context.size = size;
+  long keyOffset = field ? offset : 0;
+  if (n < 2 || size < 1 || base == nullptr || keyOffset + keySize(type) > size) return;
+  auto *elements = static_cast<unsigned char *>(base);
+  if (numeric(type) && keyOffset == 0 && size == keySize(type)) {
+    sortBareKeys(type, elements, size_t(n));
+    return;
+  }
+  // Sort the element numbers by key, then move every element once.
+  KeyLayout layout{elements, size, keyOffset, size - keyOffset};
+  auto *order = static_cast<int32_t *>(std::malloc(size_t(n) * sizeof(int32_t)));
+  auto *spare = static_cast<unsigned char *>(std::malloc(size_t(size)));
+  bool sorted = false;
+  if (order != nullptr && spare != nullptr) {
+    std::iota(order, order + n, 0);
+    sorted = sortIndexByKey(type, layout, order, size_t(n));
+    if (sorted) permuteElements(elements, size_t(size), order, size_t(n), spare);
+  }
+  std::free(order);
+  std::free(spare);
+  if (!sorted) std::qsort(base, size_t(n), size_t(size), comparator(type, field ? kElementField : kElement));
+}
+
+FSKIT_API void fsSortIndex(int type, int offset, int size, int n, const void *data,
+                           int32_t *index) {
+  if (!validType(type)) {
+    std::fprintf(stderr, "fsSortIndex: invalid sort type, constant value %d\n", type);
+    return;
+  }
+  SortContext &context = sortContext();
+  bool field = offset >= 1;
+  context.size = size;
+  if (field) context.offset = offset;
+  context.data = static_cast<const unsigned char *>(data);
+  if (n < 2 || data == nullptr || index == nullptr) return;
+  long keyOffset = field ? offset : 0;
+  long length = keyKind(type) == KeyKind::String ? kUnbounded
+                : size - keyOffset > 1         ? size - keyOffset
+                                               : 1;
+  long stride = keyKind(type) <= KeyKind::Uint8 ? 1 : size;
+  KeyLayout layout{context.data, stride, keyOffset, length};
+  if (!sortIndexByKey(type, layout, index, size_t(n)))
+    std::qsort(index, size_t(n), sizeof(int32_t), comparator(type, field ? kIndexedField : kIndexed));
+}
+
+}  // extern "C"
