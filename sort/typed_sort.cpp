@@ -4,6 +4,7 @@
 // memory cannot be had.
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <numeric>
 
 #include <fskit/sort.h>
@@ -35,6 +36,29 @@ void permuteBySize(unsigned char *base, size_t size, int32_t *order, size_t n,
       move(base + to * width, base + from * width);
       to = from;
     }
+  }
+}
+
+template <size_t Size>
+void gatherBySize(unsigned char *to, const unsigned char *from, size_t size,
+                  const int32_t *order, size_t n) {
+  const size_t width = Size != 0 ? Size : size;
+  for (size_t k = 0; k < n; ++k)
+    std::memcpy(to + k * width, from + size_t(order[k]) * width, Size != 0 ? Size : width);
+}
+
+// Copies element order[k] of `from` to position k of `to`.
+void gatherElements(unsigned char *to, const unsigned char *from, size_t size,
+                    const int32_t *order, size_t n) {
+  switch (size) {
+    case 2: return gatherBySize<2>(to, from, size, order, n);
+    case 4: return gatherBySize<4>(to, from, size, order, n);
+    case 8: return gatherBySize<8>(to, from, size, order, n);
+    case 12: return gatherBySize<12>(to, from, size, order, n);
+    case 16: return gatherBySize<16>(to, from, size, order, n);
+    case 24: return gatherBySize<24>(to, from, size, order, n);
+    case 32: return gatherBySize<32>(to, from, size, order, n);
+    default: return gatherBySize<0>(to, from, size, order, n);
   }
 }
 
@@ -81,18 +105,29 @@ FSKIT_API void fsSort(int type, int offset, int size, int n, void *base) {
     sortBareKeys(type, elements, size_t(n));
     return;
   }
-  // Sort the element numbers by key, then move every element once.
+  // Sort the element numbers by key, then move the elements: gathered into a
+  // copy when there is room for one (the reads are independent, so the
+  // memory system overlaps them), else along the permutation's cycles.
   KeyLayout layout{elements, size, keyOffset, size - keyOffset};
   auto *order = static_cast<int32_t *>(std::malloc(size_t(n) * sizeof(int32_t)));
-  auto *spare = static_cast<unsigned char *>(std::malloc(size_t(size)));
   bool sorted = false;
-  if (order != nullptr && spare != nullptr) {
+  if (order != nullptr) {
     std::iota(order, order + n, 0);
     sorted = sortIndexByKey(type, layout, order, size_t(n));
-    if (sorted) permuteElements(elements, size_t(size), order, size_t(n), spare);
+  }
+  if (sorted) {
+    if (auto *copy = static_cast<unsigned char *>(std::malloc(size_t(n) * size_t(size)))) {
+      gatherElements(copy, elements, size_t(size), order, size_t(n));
+      std::memcpy(elements, copy, size_t(n) * size_t(size));
+      std::free(copy);
+    } else if (auto *spare = static_cast<unsigned char *>(std::malloc(size_t(size)))) {
+      permuteElements(elements, size_t(size), order, size_t(n), spare);
+      std::free(spare);
+    } else {
+      sorted = false;
+    }
   }
   std::free(order);
-  std::free(spare);
   if (!sorted) std::qsort(base, size_t(n), size_t(size), comparator(type, field ? kElementField : kElement));
 }
 
