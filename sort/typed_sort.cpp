@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <numeric>
+#include <type_traits>
 
 #include <fskit/sort.h>
 
@@ -39,27 +40,28 @@ void permuteBySize(unsigned char *base, size_t size, int32_t *order, size_t n,
   }
 }
 
+// Calls body with the element size as a constant for the common sizes (the
+// moves then compile to plain loads and stores), with 0 for the others.
+template <class Body> void withElementSize(size_t size, Body body) {
+  switch (size) {
+    case 2: return body(std::integral_constant<size_t, 2>());
+    case 4: return body(std::integral_constant<size_t, 4>());
+    case 8: return body(std::integral_constant<size_t, 8>());
+    case 12: return body(std::integral_constant<size_t, 12>());
+    case 16: return body(std::integral_constant<size_t, 16>());
+    case 24: return body(std::integral_constant<size_t, 24>());
+    case 32: return body(std::integral_constant<size_t, 32>());
+    default: return body(std::integral_constant<size_t, 0>());
+  }
+}
+
+// Copies element order[k] of `from` to position k of `to`.
 template <size_t Size>
 void gatherBySize(unsigned char *to, const unsigned char *from, size_t size,
                   const int32_t *order, size_t n) {
   const size_t width = Size != 0 ? Size : size;
   for (size_t k = 0; k < n; ++k)
     std::memcpy(to + k * width, from + size_t(order[k]) * width, Size != 0 ? Size : width);
-}
-
-// Copies element order[k] of `from` to position k of `to`.
-void gatherElements(unsigned char *to, const unsigned char *from, size_t size,
-                    const int32_t *order, size_t n) {
-  switch (size) {
-    case 2: return gatherBySize<2>(to, from, size, order, n);
-    case 4: return gatherBySize<4>(to, from, size, order, n);
-    case 8: return gatherBySize<8>(to, from, size, order, n);
-    case 12: return gatherBySize<12>(to, from, size, order, n);
-    case 16: return gatherBySize<16>(to, from, size, order, n);
-    case 24: return gatherBySize<24>(to, from, size, order, n);
-    case 32: return gatherBySize<32>(to, from, size, order, n);
-    default: return gatherBySize<0>(to, from, size, order, n);
-  }
 }
 
 }  // namespace
@@ -71,16 +73,7 @@ bool sortIndexByKey(int type, const KeyLayout &layout, int32_t *index, size_t n)
 
 void permuteElements(unsigned char *base, size_t size, int32_t *order, size_t n,
                      unsigned char *spare) {
-  switch (size) {
-    case 2: return permuteBySize<2>(base, size, order, n, spare);
-    case 4: return permuteBySize<4>(base, size, order, n, spare);
-    case 8: return permuteBySize<8>(base, size, order, n, spare);
-    case 12: return permuteBySize<12>(base, size, order, n, spare);
-    case 16: return permuteBySize<16>(base, size, order, n, spare);
-    case 24: return permuteBySize<24>(base, size, order, n, spare);
-    case 32: return permuteBySize<32>(base, size, order, n, spare);
-    default: return permuteBySize<0>(base, size, order, n, spare);
-  }
+  withElementSize(size, [&](auto fixed) { permuteBySize<fixed()>(base, size, order, n, spare); });
 }
 
 }  // namespace fskit::sort
@@ -117,7 +110,9 @@ FSKIT_API void fsSort(int type, int offset, int size, int n, void *base) {
   }
   if (sorted) {
     if (auto *copy = static_cast<unsigned char *>(std::malloc(size_t(n) * size_t(size)))) {
-      gatherElements(copy, elements, size_t(size), order, size_t(n));
+      withElementSize(size_t(size), [&](auto fixed) {
+        gatherBySize<fixed()>(copy, elements, size_t(size), order, size_t(n));
+      });
       std::memcpy(elements, copy, size_t(n) * size_t(size));
       std::free(copy);
     } else if (auto *spare = static_cast<unsigned char *>(std::malloc(size_t(size)))) {
