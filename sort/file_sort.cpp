@@ -22,6 +22,7 @@ namespace {
 
 // Lines are found through 32-bit offsets into the buffer.
 constexpr long kLargestBuffer = 0x7fffffffL;
+constexpr long kAhead = 8;
 
 using Name = std::unique_ptr<char, decltype(&std::free)>;
 
@@ -124,11 +125,11 @@ class FileSort {
       std::printf("Indexing %ld records of %ld bytes ...\n", records, long(bytes));
       index_[0] = 0;
       long line = 0;
-      for (size_t at = 0; at < bytes; ++at)
-        if (buffer_[at] == '\n') {
-          buffer_[at] = '\0';
-          index_[++line] = int32_t(at + 1);
-        }
+      for (char *p = buffer_, *end = buffer_ + bytes;
+           (p = static_cast<char *>(std::memchr(p, '\n', size_t(end - p)))) != nullptr;) {
+        *p++ = '\0';
+        index_[++line] = int32_t(p - buffer_);
+      }
       std::printf("Sorting %ld records ...\n", records);
       fsSortIndex(FS_SORT_STRING, 0, 1, int(records), buffer_, index_);
       ChunkEnd end = writeChunk(records);
@@ -166,10 +167,16 @@ class FileSort {
   long writeLines(std::FILE *file, long records) {
     LineWriter out(file);
     long written = 0;
+    // The lines are read in sorted order, all over the buffer: ask for a
+    // later one now, so the misses overlap.
+    auto line = [this, records](long k) {
+      if (k + kAhead < records) __builtin_prefetch(buffer_ + index_[k + kAhead]);
+      return buffer_ + index_[k];
+    };
     if (!collapse_) {
       for (long k = 0; k < records; ++k) {
-        const char *line = buffer_ + index_[k];
-        out.line(line, std::strlen(line));
+        const char *text = line(k);
+        out.line(text, std::strlen(text));
       }
       written = records;
     } else {
@@ -183,14 +190,14 @@ class FileSort {
         ++written;
       };
       for (long k = 0; k < records; ++k) {
-        const char *line = buffer_ + index_[k];
-        size_t length = std::strlen(line);
-        if (length == heldLength && std::memcmp(line, held, length) == 0) {
+        const char *text = line(k);
+        size_t length = std::strlen(text);
+        if (length == heldLength && std::memcmp(text, held, length) == 0) {
           ++count;
           continue;
         }
         writeHeld();
-        held = line;
+        held = text;
         heldLength = length;
         count = 1;
       }

@@ -18,6 +18,8 @@ struct Entry {
   uint32_t order;    // position before sorting: ties keep their order
 };
 
+constexpr long kAhead = 8;
+
 struct Range {
   size_t begin, end;
   long depth;
@@ -47,9 +49,13 @@ void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
     Range range = pending.back();
     pending.pop_back();
     Entry *first = entries + range.begin, *last = entries + range.end;
-    for (Entry *e = first; e != last; ++e)
+    for (Entry *e = first; e != last; ++e) {
+      // Keys lie anywhere: ask for a later one now, so the misses overlap.
+      if (last - e > kAhead)
+        __builtin_prefetch(keys + long(e[kAhead].element) * layout.stride + range.depth);
       e->cache = keyBytes<Bytes>(keys + long(e->element) * layout.stride, range.depth,
                                  layout.length);
+    }
     std::sort(first, last, [](const Entry &a, const Entry &b) {
       if (a.cache != b.cache) return Descending ? a.cache > b.cache : a.cache < b.cache;
       return a.order < b.order;
