@@ -15,26 +15,28 @@
 namespace fskit::sort {
 namespace {
 
+// One element moved; a constant Size makes it a plain load and store.
+template <size_t Size> void moveElement(unsigned char *to, const unsigned char *from, size_t size) {
+  std::memcpy(to, from, Size != 0 ? Size : size);
+}
+
 template <size_t Size>
 void permuteBySize(unsigned char *base, size_t size, int32_t *order, size_t n,
                    unsigned char *spare) {
   const size_t width = Size != 0 ? Size : size;
-  auto move = [width](unsigned char *to, const unsigned char *from) {
-    std::memcpy(to, from, Size != 0 ? Size : width);
-  };
   // Follow each cycle of the permutation once, marking a filled position by
   // making it name itself.
   for (size_t start = 0; start < n; ++start) {
     if (size_t(order[start]) == start) continue;
-    move(spare, base + start * width);
+    moveElement<Size>(spare, base + start * width, width);
     for (size_t to = start;;) {
       size_t from = size_t(order[to]);
       order[to] = int32_t(to);
       if (from == start) {
-        move(base + to * width, spare);
+        moveElement<Size>(base + to * width, spare, width);
         break;
       }
-      move(base + to * width, base + from * width);
+      moveElement<Size>(base + to * width, base + from * width, width);
       to = from;
     }
   }
@@ -61,7 +63,7 @@ void gatherBySize(unsigned char *to, const unsigned char *from, size_t size,
                   const int32_t *order, size_t n) {
   const size_t width = Size != 0 ? Size : size;
   for (size_t k = 0; k < n; ++k)
-    std::memcpy(to + k * width, from + size_t(order[k]) * width, Size != 0 ? Size : width);
+    moveElement<Size>(to + k * width, from + size_t(order[k]) * width, width);
 }
 
 }  // namespace
