@@ -19,6 +19,7 @@ struct Entry {
 };
 
 constexpr long kAhead = 8;
+constexpr size_t kRadixRun = 1024;
 
 struct Range {
   size_t begin, end;
@@ -41,6 +42,45 @@ template <bool Bytes> bool keyEnds(uint64_t cache, long depth, long length) {
   return !Bytes && (cache & 0xff) == 0;
 }
 
+// Orders entries by cache, then by position. Large runs are first spread
+// into buckets by one byte of the cache in place (American flag sort), which
+// beats comparing; the comparison sort puts each bucket in its final order.
+template <bool Descending> void sortByCache(Entry *first, Entry *last, int shift) {
+  size_t n = size_t(last - first);
+  if (n < kRadixRun || shift < 0) {
+    std::sort(first, last, [](const Entry &a, const Entry &b) {
+      if (a.cache != b.cache) return Descending ? a.cache > b.cache : a.cache < b.cache;
+      return a.order < b.order;
+    });
+    return;
+  }
+  auto bucket = [shift](const Entry &e) {
+    unsigned byte = unsigned(e.cache >> shift) & 0xff;
+    return Descending ? 255 - byte : byte;
+  };
+  size_t next[256] = {}, end[256];
+  for (Entry *e = first; e != last; ++e) ++next[bucket(*e)];
+  size_t sum = 0;
+  for (int b = 0; b < 256; ++b) {
+    size_t size = next[b];
+    next[b] = sum;
+    end[b] = sum += size;
+  }
+  for (unsigned b = 0; b < 256; ++b) {
+    while (next[b] < end[b]) {
+      Entry carried = first[next[b]];
+      for (unsigned home = bucket(carried); home != b; home = bucket(carried))
+        std::swap(carried, first[next[home]++]);
+      first[next[b]++] = carried;
+    }
+  }
+  size_t begin = 0;
+  for (size_t bucketEnd : end) {
+    if (bucketEnd - begin > 1) sortByCache<Descending>(first + begin, first + bucketEnd, shift - 8);
+    begin = bucketEnd;
+  }
+}
+
 template <bool Bytes, bool Descending>
 void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
   std::vector<Range> pending{{0, n, 0}};
@@ -56,10 +96,7 @@ void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
       e->cache = keyBytes<Bytes>(keys + long(e->element) * layout.stride, range.depth,
                                  layout.length);
     }
-    std::sort(first, last, [](const Entry &a, const Entry &b) {
-      if (a.cache != b.cache) return Descending ? a.cache > b.cache : a.cache < b.cache;
-      return a.order < b.order;
-    });
+    sortByCache<Descending>(first, last, 56);
     for (Entry *run = first; run != last;) {
       Entry *next = run + 1;
       while (next != last && next->cache == run->cache) ++next;
