@@ -77,6 +77,9 @@ bool sortIndexText(int type, const KeyLayout &layout, int32_t *index, size_t n);
 
 // Sorts n numeric keys stored alone (element size = key size) in place.
 void sortBareKeys(int type, unsigned char *base, size_t n);
+// Sorts n records of 8, 12, 16, 24 or 32 bytes by the numeric key at
+// `offset`; false for other sizes or without working memory.
+bool sortRecords(int type, unsigned char *base, size_t size, long offset, size_t n);
 
 // Moves elements so that position k receives the element at order[k].
 // Overwrites `order`; `spare` holds one element.

@@ -100,6 +100,7 @@ FSKIT_API void fsSort(int type, int offset, int size, int n, void *base) {
     sortBareKeys(type, elements, size_t(n));
     return;
   }
+  if (numeric(type) && sortRecords(type, elements, size_t(size), keyOffset, size_t(n))) return;
   // Sort the element numbers by key, then move the elements: gathered into a
   // copy when there is room for one (the reads are independent, so the
   // memory system overlaps them), else along the permutation's cycles.

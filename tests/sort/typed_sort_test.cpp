@@ -98,7 +98,7 @@ TEST(TypedSort, EveryTypeOrdersAsItsComparatorLosingNothing) {
   for (int type = 1; type <= 20; ++type) {
     for (int n : {2, 9, 40, 3000}) {
       SCOPED_TRACE(testing::Message() << "type " << type << " n " << n);
-      const int size = 16, offset = 4;
+      const int size = type % 3 == 0 ? 20 : 16, offset = 4;  // 20: no radix on records
       long keyBytes = numeric(type) ? keySize(type) : 8;
       Bytes records = randomElements(type, size, n, random), before = records;
       // Records with the key at an offset.
