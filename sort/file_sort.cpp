@@ -58,7 +58,8 @@ class FileSort {
       size_ /= 2;
       if (size_ == 0) return noBuffer();
     }
-    in_ = std::fopen(input_, "r");
+    // A directory opens for reading here, but cannot be read as a file.
+    in_ = S_ISDIR(status.st_mode) ? nullptr : std::fopen(input_, "r");
     if (in_ == nullptr) return cannotOpenInput();
     inMemory_ = size_ == fileSize;
     std::printf(inMemory_ ? "Sorting file %s with %ld bytes, in memory %ld\n"
@@ -103,6 +104,10 @@ class FileSort {
   ChunkEnd sortChunks() {
     while (!std::feof(in_)) {
       size_t got = std::fread(buffer_, 1, size_t(size_), in_);
+      if (std::ferror(in_)) {
+        std::printf("Error reading input file\n");
+        return ChunkEnd::Failed;
+      }
       if (got == 0) break;
       size_t bytes = got;
       while (bytes > 0 && buffer_[bytes - 1] != '\n') --bytes;

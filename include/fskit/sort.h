@@ -36,55 +36,49 @@ enum {
 };
 
 /* Sorts n elements of `size` bytes at `base` in place by the key of sort type
- * `type`, found `offset` bytes into each element (offset 0 or negative: at the
- * start). A type outside 1-20 prints "fsSort: invalid sort type, constant
- * value %d" on standard error. Floats: NaNs order after every number (before,
- * descending), -0 equals +0. A string key ends at its NUL or at the element's
- * end; a byte key runs from the offset to the element's end. A key that would
- * reach past its element, n < 2 or size < 1 leave the array as it is. */
+ * `type`, `offset` bytes into each element (<= 0: at the start). NaNs order
+ * after every number (before, descending); -0 equals +0. A string key ends at
+ * its NUL or the element's end, a byte key runs to the element's end; a key
+ * reaching past its element, n < 2 or size < 1 leave the array as it is.
+ * A type outside 1-20 prints "fsSort: invalid sort type, constant value %d". */
 FSKIT_API void fsSort(int type, int offset, int size, int n, void *base);
 
-/* Sorts the n element numbers in `index` so that the elements they name are
- * in key order; the data do not move. Element k's key is at
- * data + k * size + offset (types 1-4: data + k + offset, whatever the size);
- * a string key runs to its NUL, a byte key over size bytes (size - offset with
- * an offset, at least one). Messages and float order as fsSort(). */
+/* Sorts the n element numbers in `index` by the keys they name, the data left
+ * in place: element k's key is at data + k * size + offset (types 1-4:
+ * data + k + offset). String keys run to their NUL, byte keys over
+ * size - offset bytes (at least one). Otherwise as fsSort(). */
 FSKIT_API void fsSortIndex(int type, int offset, int size, int n, const void *data,
                            int32_t *index);
 
-/* The library's quicksort: pivot in the last slot, so the order it gives equal
- * keys is fixed (it is not stable). Any comparison function is safe: the sort
- * never looks outside the n elements, keeps its stack to O(log n), returns at
- * once from a strictly ascending range and allocates nothing. Reentrant. */
+/* Quicksort with the caller's comparison, pivot in the last slot: the order it
+ * leaves equal keys in is fixed (not stable). Reentrant, allocates nothing,
+ * O(log n) stack, returns at once from a strictly ascending range, and never
+ * looks outside the array whatever the comparison answers. */
 FSKIT_API void fsQsort(void *base, uint32_t n, uint32_t size,
                        int (*compare)(const void *, const void *));
 
-/* Sorts m parallel arrays of n elements by the first, given as m pairs
- * (long size, void *array) after m. The keys are the first array's elements
- * (types 1-4: the bytes array + k); every array receives the same permutation.
- * Errors on standard error: "fsSortArrays: too many arrays (%ld) to sort"
- * (m > 50), "... invalid sort type, constant value %d", "... out of memory"
- * (also for n above 2^31 - 1); the arrays are then left as they are.
- * Elements of any size move; an array whose size is below 1 is not moved;
- * m < 1, n < 2 or a key array too narrow for its key type sort nothing. */
+/* Sorts m parallel arrays of n elements, given as m pairs (long size,
+ * void *array), by the first (types 1-4: keys are the bytes array + k); all
+ * get the same permutation. Errors on standard error, nothing moved:
+ * "fsSortArrays: too many arrays (%ld) to sort" (m > 50), "... invalid sort
+ * type, constant value %d", "... out of memory" (also n > 2^31 - 1).
+ * Elements of any size move; arrays of size < 1 stay; m < 1, n < 2 or a key
+ * array narrower than its key sort nothing. */
 FSKIT_API void fsSortArrays(int type, long n, long m, ...);
 
-/* Sorts the lines of the text file `input` into `output` and returns the
- * number of lines written, 0 on any failure. Progress and errors are printed on
- * standard output. Lines are ordered byte by byte as unsigned values, a line
- * that is a prefix of another first; a line is read up to its first NUL byte;
- * bytes after the last newline are dropped. keepDuplicates 0 writes equal lines
- * once and drops empty lines; withCounts then appends " <count>" (counts of a
- * line that falls into several chunks are not added up).
- * bufferSize <= 0 or above the file size: the file's size, at most 2^31 - 1
- * bytes. A larger file is sorted in chunks through work files named
- * "<prefix>sort_<n>.tmp" (the prefix taken literally, of any length), merged
- * 20 at a time in as many passes as needed ("Merging %d work files ..." for
- * each); lines of any length survive the merge. A line longer than the buffer
- * ends the chunk phase, and the lines after it are not sorted. Whatever
- * happens, no work file is left behind; a work file that cannot be read back
- * prints "Error reading work file %s", and memory that runs out during the
- * merge "Cannot create sort buffer". */
+/* Sorts the lines of file `input` into `output`: bytes as unsigned values, a
+ * line ending at its newline or first NUL, bytes after the last newline
+ * dropped. Returns the lines written, 0 on failure; progress and errors go
+ * to standard output. keepDuplicates 0: equal lines once, empty lines
+ * dropped; withCounts adds " <count>" (per chunk: not added up over chunks).
+ * The buffer: bufferSize, or the file's size when <= 0 or larger, at most
+ * 2^31 - 1 bytes; a larger file goes through work files "<prefix>sort_<n>.tmp",
+ * merged 20 at a time in passes ("Merging %d work files ..." each), lines of
+ * any length, none left behind. A line longer than the buffer ends the chunk
+ * phase. Also: a directory as input gives "Cannot open input file %s", a
+ * read error "Error reading input file", a work file that cannot be read
+ * back "Error reading work file %s", memory short in the merge "Cannot create
+ * sort buffer". */
 FSKIT_API long fsStrSort(const char *input, const char *output, const char *prefix,
                          long bufferSize, uint8_t keepDuplicates, uint8_t withCounts);
 

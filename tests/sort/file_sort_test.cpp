@@ -175,10 +175,12 @@ TEST(FileSort, FailuresPrintTheirTextAndLeaveNoWorkFile) {
     }
     EXPECT_EQ(workFilesLeft(dir), 0);
   }
-  std::string printed = fskit::test::captureStdout([&] {
-    EXPECT_EQ(fsStrSort(dir.file("absent").c_str(), dir.file("out").c_str(), "", 0, 1, 0), 0);
-  });
-  EXPECT_EQ(printed, "Cannot open input file " + dir.file("absent") + "\n");
+  for (std::string unreadable : {dir.file("absent"), dir.path()}) {
+    std::string printed = fskit::test::captureStdout([&] {
+      EXPECT_EQ(fsStrSort(unreadable.c_str(), dir.file("out").c_str(), "", 0, 1, 0), 0);
+    });
+    EXPECT_EQ(printed, "Cannot open input file " + unreadable + "\n");
+  }
   // A work file left by an earlier sort with the same prefix goes at the start.
   fskit::test::writeFile(dir.file("sort_7.tmp"), "old\n");
   sortFile(dir, "x\n", 0, true, false);
