@@ -17,6 +17,7 @@ int runConvert(std::vector<std::string> &args);
 // -- datetime
 int runDate(std::vector<std::string> &args);
 // -- sort
+int runSort(std::vector<std::string> &args);
 // -- files
 int runLs(std::vector<std::string> &args);
 // -- cmdline
@@ -107,6 +108,17 @@ const std::vector<Command> &commands() {
        "example: fskit date --in 2 --out 8 07-MAR-98\n",
        runDate},
       // -- sort
+      {"sort", "sort the lines of a text file, in memory or through work files",
+       "usage: fskit sort INPUT OUTPUT [--prefix P] [--buffer BYTES] [--unique] [--count]\n"
+       "Sorts the lines of INPUT byte by byte into OUTPUT and prints the library's\n"
+       "progress lines. A file larger than the buffer (default: the whole file) is\n"
+       "sorted in chunks through work files named Psort_N.tmp (P is taken literally,\n"
+       "so a directory ends in '/'), which are removed afterwards.\n"
+       "  --unique  write equal lines once and drop empty lines\n"
+       "  --count   as --unique, each line followed by a blank and its count\n"
+       "Exit status 1 when no line was written (an error, or nothing to sort).\n"
+       "example: fskit sort names.txt sorted.txt --buffer 1000000 --prefix /tmp/\n",
+       runSort},
       // -- files
       {"ls", "list the files of a directory that match a pattern",
        "usage: fskit ls DIRECTORY [NAME_PATTERN [EXT_PATTERN]]\n"
