@@ -33,6 +33,15 @@ mkdir -p "$work/data"
 printf '\x80\x40\x00\x00\x20\xC1\x00\x00\x49\x41\xDB\x0F\x01\x02' >"$work/data/vaxf.dat"
 printf '\x00\x08\x00\x00\x00\x02\xA0\x57\x00\x80\xE8\x93\x42\x97\xA3\x48\x69\x56' \
   >"$work/data/quor.dat"
+# 20000 lines of a sample's peak list, "NAME MASS", from a fixed linear
+# congruential sequence (small integers, so every awk computes the same), to
+# be sorted 32 KB at a time through work files under work/.
+awk 'BEGIN { split("caffeine glucose urea alanine glycine serine valine", names, " ")
+             x = 1
+             for (i = 0; i < 20000; i++) { x = (x * 75 + 74) % 65537
+                                           print names[x % 7 + 1], 100 + x % 300 } }' \
+  >"$work/data/peaks.txt"
+mkdir -p "$work/data/work"
 
 failed=0
 run() {  # run NAME[.CASE] STATUS ARGUMENTS...: expected/NAME[.CASE].out
@@ -63,4 +72,5 @@ run command_line 2 copy in.dat,out.dat /log=run.log /verb /co=3 /ver /x
 run messages_and_log 0
 run decode_words.vaxf 1 vaxf vaxf.dat
 run decode_words.quor 0 quor quor.dat
+run sort_text_file 0 peaks.txt sorted.txt 32768 work/
 exit $failed
