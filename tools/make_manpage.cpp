@@ -41,7 +41,7 @@ std::string_view afterLabel(std::string_view line) {
 // A help text is usage lines ("usage: ..." and lines indented under it), a
 // description, and examples ("example: ..." and lines indented under it).
 // The description is left to roff to fill; a line that starts with blanks
-// keeps its own line.
+// (an item of a list or table) keeps a line of its own.
 void writeCommand(std::ostream &out, const fskit::tool::Command &command) {
   std::string summary = roff(command.summary);
   if (!summary.empty() && summary[0] >= 'a' && summary[0] <= 'z') summary[0] = char(summary[0] - 32);
@@ -58,7 +58,7 @@ void writeCommand(std::ostream &out, const fskit::tool::Command &command) {
       examples += "\\fB" + roff(afterLabel(line)) + "\\fR\n";
     } else {
       part = text;
-      description += roff(line) + "\n";
+      description += roff(line) + (indented ? "\n.br\n" : "\n");
     }
   }
   out << ".fi\n.PP\n" << description;
