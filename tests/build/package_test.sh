@@ -20,9 +20,10 @@ grep -qx 'Package: fskit' <<<"$control" || { echo "FAIL: package name"; exit 1; 
 grep -q '^Depends: .*libc6' <<<"$control" || { echo "FAIL: no dependency on libc6"; exit 1; }
 
 contents=$(dpkg-deb --contents "$deb" | awk '{print $6}')
+lib='usr/lib(/[a-z0-9_-]+)?'  # usr/lib, or usr/lib/<multiarch> when configured for /usr
 for file in usr/bin/fskit usr/include/fskit/fskit.h usr/include/fskit/version.h \
-            usr/lib/libfskit.so usr/lib/libfskit.so.1 usr/lib/libfskit.a \
-            usr/lib/cmake/fskit/fskitConfig.cmake usr/lib/pkgconfig/fskit.pc \
+            $lib/libfskit.so $lib/libfskit.so.1 $lib/libfskit.a \
+            $lib/cmake/fskit/fskitConfig.cmake $lib/pkgconfig/fskit.pc \
             usr/share/fskit/kw_elements.tbl usr/share/man/man1/fskit.1; do
   grep -Eq "^\./$file( |$)" <<<"$contents" || { echo "FAIL: $file not in the package"; exit 1; }
 done
