@@ -93,7 +93,8 @@ int loadElementTable(const char *command, const TableChoice &choice) {
     loaded = fsInitElemTable(0, 1);
   }
   // The library has said why, unless it failed silently.
-  if (loaded == 0) return messagesShown > 0 ? kFailed : failure(command, "no element table could be loaded");
+  if (loaded == 0)
+    return messagesShown > 0 ? kFailed : failure(command, "no element table could be loaded");
   if (fsElementTableCount() < 1) return failure(command, "the element table holds no records");
   return kOk;
 }

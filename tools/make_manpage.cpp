@@ -44,7 +44,8 @@ std::string_view afterLabel(std::string_view line) {
 // (an item of a list or table) keeps a line of its own.
 void writeCommand(std::ostream &out, const fskit::tool::Command &command) {
   std::string summary = roff(command.summary);
-  if (!summary.empty() && summary[0] >= 'a' && summary[0] <= 'z') summary[0] = char(summary[0] - 32);
+  if (!summary.empty() && summary[0] >= 'a' && summary[0] <= 'z')
+    summary[0] = char(summary[0] - 'a' + 'A');
   out << ".SS " << roff(command.name) << "\n" << summary << ".\n.PP\n.nf\n";
   std::istringstream help(command.help);
   std::string line, description, examples;
