@@ -17,6 +17,7 @@ int runConvert(std::vector<std::string> &args);
 // -- datetime
 int runDate(std::vector<std::string> &args);
 // -- sort
+int runSort(std::vector<std::string> &args);
 // -- files
 int runLs(std::vector<std::string> &args);
 // -- cmdline
@@ -107,6 +108,17 @@ const std::vector<Command> &commands() {
        "example: fskit date --in 2 --out 8 07-MAR-98\n",
        runDate},
       // -- sort
+      {"sort", "sort the lines of a text file, in memory or through work files",
+       "usage: fskit sort INPUT OUTPUT [--prefix P] [--buffer BYTES] [--unique] [--count]\n"
+       "Sorts the lines of INPUT byte by byte into OUTPUT and prints the library's\n"
+       "progress lines. A file larger than the buffer (default: the whole file) is\n"
+       "sorted in chunks through work files named Psort_N.tmp (P is taken literally,\n"
+       "so a directory ends in '/'), which are removed afterwards.\n"
+       "  --unique  write equal lines once and drop empty lines\n"
+       "  --count   as --unique, each line followed by a blank and its count\n"
+       "Exit status 1 when no line was written (an error, or nothing to sort).\n"
+       "example: fskit sort names.txt sorted.txt --buffer 1000000 --prefix /tmp/\n",
+       runSort},
       // -- files
       {"ls", "list the files of a directory that match a pattern",
        "usage: fskit ls DIRECTORY [NAME_PATTERN [EXT_PATTERN]]\n"
@@ -115,7 +127,8 @@ const std::vector<Command> &commands() {
        "matches names without a dot); * is any run of characters, ? any one,\n"
        "case counts. One line per name, tab-separated: name (up to the first\n"
        "dot), extension, directory, drive. Names beginning with a dot are left\n"
-       "out; nothing is printed when nothing matches.\n"
+       "out. Nothing matching prints nothing (status 0); a directory that cannot\n"
+       "be read is an error (status 1).\n"
        "example: fskit ls data 'run*' .raw\n",
        runLs},
       // -- cmdline
@@ -124,8 +137,8 @@ const std::vector<Command> &commands() {
        "Parses LINE (several words are joined with single blanks) and prints one\n"
        "line per part: \"argument<TAB>TEXT\" (with \"<TAB>,\" when a comma ended it),\n"
        "then \"qualifier<TAB>NAME\" or \"qualifier<TAB>NAME<TAB>VALUE\". When parsing\n"
-       "stops, the parser's message and the stop character go to standard error\n"
-       "and the status is 1.\n"
+       "stops, the parser's message goes to standard error and the status is 1.\n"
+       "Put -- before a LINE whose first word begins with --.\n"
        "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
        runCmdline},
       {"tags", "list a tag file or look a tag or label up in it",

@@ -16,6 +16,7 @@
 /* datetime */
 #include <fskit/datetime.h>
 /* sort */
+#include <fskit/sort.h>
 /* files */
 #include <fskit/files.h>
 /* cmdline */
