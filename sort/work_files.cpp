@@ -1,6 +1,7 @@
 // The work files of the file sort: their names, the slots that hold the open
 // files, and the clean-up that closes and removes them, after every sort and
 // once more when the library is unloaded.
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -28,11 +29,14 @@ int cleanUpWorkFiles() {
     if (slot != nullptr) std::fclose(slot);
     slot = nullptr;
   }
+  // Names are built on the stack: the clean-up must also work when memory
+  // has run out. A name that does not fit PATH_MAX cannot name a file.
+  const char *prefix = files.prefix != nullptr ? files.prefix : "";
   long names = files.namesUsed > kFixedNames ? files.namesUsed : kFixedNames;
   for (long number = 0; number < names; ++number) {
-    char *name = workFileName(number);
-    if (name != nullptr) std::remove(name);
-    std::free(name);
+    char name[PATH_MAX];
+    int length = std::snprintf(name, sizeof name, "%ssort_%ld.tmp", prefix, number);
+    if (length > 0 && size_t(length) < sizeof name) std::remove(name);
   }
   files.namesUsed = 0;
   return 0;

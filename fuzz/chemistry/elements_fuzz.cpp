@@ -53,8 +53,12 @@ int32_t expectedCount(std::string_view file) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  char path[] = "/tmp/fskit-elements-XXXXXX";
+  char path[] = "/dev/shm/fskit-elements-XXXXXX";  // in memory: one file write per run
   int fd = mkstemp(path);
+  if (fd < 0) {
+    std::memcpy(path, "/tmp/fskit-elements-XXXXXX", sizeof "/tmp/fskit-elements-XXXXXX");
+    fd = mkstemp(path);
+  }
   FUZZ_CHECK(fd >= 0);
   close(fd);
   elementFile() = path;

@@ -64,22 +64,28 @@ inline uint8_t takeByte(std::string_view &input) {
   return byte;
 }
 
-// What `body` prints on the standard error stream through stdio, caught in
-// memory; the sanitizers' reports still reach the real stream (descriptor 2).
+// What `body` prints through stdio on `stream` (stdout or stderr), caught
+// in memory; the sanitizers' reports still reach descriptor 2.
 template <typename Body>
-std::string caughtStderr(Body body) {
+std::string caughtStream(std::FILE *&stream, Body body) {
   char *buffer = nullptr;
   size_t length = 0;
   std::FILE *memory = open_memstream(&buffer, &length);
   FUZZ_CHECK(memory != nullptr);
-  std::FILE *saved = ::stderr;
-  ::stderr = memory;
+  std::fflush(stream);
+  std::FILE *saved = stream;
+  stream = memory;
   body();
-  ::stderr = saved;
+  stream = saved;
   std::fclose(memory);
   std::string caught(buffer, length);
   std::free(buffer);
   return caught;
+}
+
+template <typename Body>
+std::string caughtStderr(Body body) {
+  return caughtStream(::stderr, body);
 }
 
 }  // namespace fskit::fuzz

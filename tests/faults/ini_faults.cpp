@@ -11,7 +11,7 @@
 
 using fskit::test::forEachAllocationFailure;
 using fskit::test::readFile;
-using fskit::test::StderrCatcher;
+using fskit::test::StreamCatcher;
 using fskit::test::TempDir;
 using fskit::test::writeFile;
 
@@ -37,7 +37,7 @@ TEST(IniFaults, OpeningKeepsWhatWasRead) {
   writeFile(path, kText);
   for (bool read : {false, true}) {
     int32_t handle = 0;
-    StderrCatcher err;
+    StreamCatcher err(stderr);
     long runs = forEachAllocationFailure(
         [&] {
           err.start();
@@ -70,7 +70,7 @@ TEST(IniFaults, SettingKeepsTheRest) {
   const std::string path = dir.file("a.ini");
   writeFile(path, kText);
   const int32_t handle = fsIniReadFile(path.c_str());
-  StderrCatcher lookups;  // a value lost to the failure is reported when looked up
+  StreamCatcher lookups(stderr);  // a value lost to the failure is reported when looked up
   auto valueOf = [&](const char *paragraph, const char *topic) {
     char value[64];
     lookups.start();
@@ -104,7 +104,7 @@ TEST(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
   const int32_t handle = fsIniReadFile(path.c_str());
   fsIniSetValue(handle, "A", "x", "7", "");
   int32_t written = -1;
-  StderrCatcher err;
+  StreamCatcher err(stderr);
   forEachAllocationFailure(
       [&] {
         err.start();

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <climits>
 #include <cstddef>
 #include <new>
 
@@ -19,7 +20,8 @@ char *__real_strdup(const char *text);
 namespace {
 
 struct Injector {
-  long failFrom = 0;
+  long failFrom = 0;  // 0: disarmed
+  long failTo = 0;    // the last allocation to fail
   long counted = 0;
   bool refused = false;
 };
@@ -28,7 +30,8 @@ constinit Injector injector;
 // Counts one allocation; true when it is to fail.
 bool refuseThisOne() {
   if (injector.failFrom <= 0) return false;
-  if (++injector.counted < injector.failFrom) return false;
+  ++injector.counted;
+  if (injector.counted < injector.failFrom || injector.counted > injector.failTo) return false;
   injector.refused = true;
   return true;
 }
@@ -72,16 +75,20 @@ char *__wrap_strdup(const char *text) { return refuseThisOne() ? nullptr : __rea
 
 namespace fskit::test {
 
-void failAllocationFrom(long k) { injector = Injector{k, 0, false}; }
+void failAllocationFrom(long k) { injector = Injector{k, LONG_MAX, 0, false}; }
+
+void failOnlyAllocation(long k) { injector = Injector{k, k, 0, false}; }
 
 long allocationsCounted() { return injector.counted; }
 
 bool allocationRefused() { return injector.refused; }
 
-long forEachAllocationFailure(const std::function<void()> &call,
-                              const std::function<void(long k, bool refused)> &check) {
+namespace {
+
+long forEachFailure(void (*arm)(long), const std::function<void()> &call,
+                    const std::function<void(long k, bool refused)> &check) {
   for (long k = 1;; ++k) {
-    failAllocationFrom(k);
+    arm(k);
     call();
     bool refused = allocationRefused();
     failAllocationFrom(0);
@@ -90,23 +97,36 @@ long forEachAllocationFailure(const std::function<void()> &call,
   }
 }
 
-StderrCatcher::StderrCatcher() : catch_(std::tmpfile()) {}
+}  // namespace
 
-StderrCatcher::~StderrCatcher() {
+long forEachAllocationFailure(const std::function<void()> &call,
+                              const std::function<void(long k, bool refused)> &check) {
+  return forEachFailure(failAllocationFrom, call, check);
+}
+
+long forEachSingleAllocationFailure(const std::function<void()> &call,
+                                    const std::function<void(long k, bool refused)> &check) {
+  return forEachFailure(failOnlyAllocation, call, check);
+}
+
+StreamCatcher::StreamCatcher(std::FILE *&stream) : stream_(stream), catch_(std::tmpfile()) {}
+
+StreamCatcher::~StreamCatcher() {
   if (saved_ != nullptr) stop();
   if (catch_ != nullptr) std::fclose(catch_);
 }
 
-void StderrCatcher::start() {
+void StreamCatcher::start() {
   if (catch_ == nullptr || saved_ != nullptr) return;
-  saved_ = stderr;
-  stderr = catch_;
+  std::fflush(stream_);
+  saved_ = stream_;
+  stream_ = catch_;
 }
 
-std::string StderrCatcher::stop() {
+std::string StreamCatcher::stop() {
   std::string caught;
   if (saved_ == nullptr) return caught;
-  stderr = saved_;
+  stream_ = saved_;
   saved_ = nullptr;
   std::fflush(catch_);
   std::rewind(catch_);

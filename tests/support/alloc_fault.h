@@ -13,6 +13,8 @@ namespace fskit::test {
 // From now on, fail the k-th allocation (1-based) and every one after it
 // until disarmed; k <= 0 disarms.
 void failAllocationFrom(long k);
+// From now on, fail the k-th allocation only: a retry after it succeeds.
+void failOnlyAllocation(long k);
 // Allocations counted since the last failAllocationFrom() call.
 long allocationsCounted();
 // True when an allocation has been refused since the last failAllocationFrom().
@@ -24,21 +26,26 @@ bool allocationRefused();
 // so the checks may allocate freely.
 long forEachAllocationFailure(const std::function<void()> &call,
                               const std::function<void(long k, bool refused)> &check);
+// The same with only the k-th allocation failing in run k, for the paths
+// that retry or fall back after a failure.
+long forEachSingleAllocationFailure(const std::function<void()> &call,
+                                    const std::function<void(long k, bool refused)> &check);
 
-// Catches what the library prints on the standard error stream through
-// stdio while armed: start() and stop() only swap stream pointers, so unlike
-// captureStderr() they allocate nothing that the injector would count.
-class StderrCatcher {
+// Catches what the library prints through stdio on `stream` (stdout or
+// stderr) while armed: start() and stop() only swap stream pointers, so
+// unlike captureStdout() they allocate nothing that the injector would count.
+class StreamCatcher {
  public:
-  StderrCatcher();
-  ~StderrCatcher();
-  StderrCatcher(const StderrCatcher &) = delete;
-  StderrCatcher &operator=(const StderrCatcher &) = delete;
+  explicit StreamCatcher(std::FILE *&stream);
+  ~StreamCatcher();
+  StreamCatcher(const StreamCatcher &) = delete;
+  StreamCatcher &operator=(const StreamCatcher &) = delete;
   void start();
-  // Puts the standard error stream back; returns (and forgets) what was caught.
+  // Puts the stream back; returns (and forgets) what was caught.
   std::string stop();
 
  private:
+  std::FILE *&stream_;
   std::FILE *catch_;
   std::FILE *saved_ = nullptr;
 };

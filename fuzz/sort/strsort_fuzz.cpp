@@ -1,0 +1,143 @@
+// fsStrSort on any small file with small buffers, in memory, in chunks and
+// through merge passes: the output holds exactly the lines the chunks read
+// (in order, unless a line holds a byte below the line feed, which the merge
+// compares differently), collapsed as asked, and no work file is left.
+// Input: the buffer byte (0: the whole file), the mode byte (bit 0: keep
+// duplicates, bit 1: counts), then the file.
+#include <fskit/sort.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "fuzz/support/fuzz_support.h"
+
+namespace {
+
+std::string &workDirectory() {
+  static std::string path;
+  return path;
+}
+
+void removeWorkDirectory() { std::filesystem::remove_all(workDirectory()); }
+
+std::string file(const char *name) { return workDirectory() + "/" + name; }
+
+// The lines of each chunk as the chunk phase reads them: pieces of at most
+// `buffer` bytes cut after their last line feed; a piece without one ends
+// the reading. A line ends at its line feed or first NUL.
+std::vector<std::vector<std::string>> chunksOf(std::string_view text, size_t buffer) {
+  std::vector<std::vector<std::string>> chunks;
+  for (size_t at = 0; at < text.size();) {
+    std::string_view piece = text.substr(at, buffer);
+    size_t last = piece.rfind('\n');
+    if (last == std::string_view::npos) break;
+    std::vector<std::string> lines;
+    for (size_t begin = 0, end; begin <= last; begin = end + 1) {
+      end = piece.find('\n', begin);
+      std::string_view line = piece.substr(begin, end - begin);
+      lines.emplace_back(line.substr(0, line.find('\0')));
+    }
+    chunks.push_back(std::move(lines));
+    at += last + 1;
+  }
+  return chunks;
+}
+
+std::vector<std::string> linesOf(const std::string &text) {
+  std::vector<std::string> lines;
+  for (size_t begin = 0, end; (end = text.find('\n', begin)) != std::string::npos; begin = end + 1)
+    lines.push_back(text.substr(begin, end - begin));
+  return lines;
+}
+
+bool holdsLowBytes(const std::string &line) {
+  return std::any_of(line.begin(), line.end(), [](char c) { return c > 0 && c < '\n'; });
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***) {
+  char path[] = "/dev/shm/fskit-strsort-XXXXXX";
+  char fallback[] = "/tmp/fskit-strsort-XXXXXX";
+  const char *made = mkdtemp(path);
+  if (made == nullptr) made = mkdtemp(fallback);
+  FUZZ_CHECK(made != nullptr);
+  workDirectory() = made;
+  std::atexit(removeWorkDirectory);
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+  std::string_view input(reinterpret_cast<const char *>(data), size);
+  const uint8_t bufferByte = fskit::fuzz::takeByte(input), mode = fskit::fuzz::takeByte(input);
+  const bool keep = mode & 1, counts = mode & 2;
+  // At most about 40 chunks: more than one merge pass, at a bearable cost.
+  const long buffer = bufferByte == 0 ? 0 : std::max<long>(bufferByte, long(input.size() / 40) + 1);
+  {
+    std::FILE *out = std::fopen(file("in").c_str(), "wb");
+    FUZZ_CHECK(out != nullptr && std::fwrite(input.data(), 1, input.size(), out) == input.size());
+    std::fclose(out);
+  }
+  std::filesystem::remove(file("out"));
+  long result = -1;
+  const std::string printed = fskit::fuzz::caughtStream(::stdout, [&] {
+    result = fsStrSort(file("in").c_str(), file("out").c_str(), (workDirectory() + "/").c_str(),
+                       buffer, keep, counts);
+  });
+  for (const auto &entry : std::filesystem::directory_iterator(workDirectory()))
+    FUZZ_CHECK(entry.path().filename().string().rfind("sort_", 0) != 0);  // no work file left
+  FUZZ_CHECK(printed.ends_with("\n" + std::to_string(result) + " records written\n"));
+  if (input.empty()) {
+    FUZZ_CHECK(result == 0 && !std::filesystem::exists(file("out")));
+    return 0;
+  }
+
+  const auto chunks = chunksOf(input, buffer == 0 ? input.size() : size_t(buffer));
+  std::string written;
+  if (std::FILE *in = std::fopen(file("out").c_str(), "rb")) {
+    for (int c; (c = std::getc(in)) != EOF;) written += char(c);
+    std::fclose(in);
+  }
+  const std::vector<std::string> lines = linesOf(written);
+  FUZZ_CHECK(long(lines.size()) == result && (written.empty() || written.back() == '\n'));
+  std::vector<std::string> all;
+  for (const auto &chunk : chunks) all.insert(all.end(), chunk.begin(), chunk.end());
+  std::sort(all.begin(), all.end());
+  const bool ordered = std::none_of(all.begin(), all.end(), holdsLowBytes);
+  if (keep) {
+    std::vector<std::string> sorted = lines;
+    std::sort(sorted.begin(), sorted.end());
+    FUZZ_CHECK(sorted == all && (!ordered || lines == all));
+    return 0;
+  }
+  // Collapsed: every distinct non-empty line, with its count per chunk.
+  std::set<std::string> distinct(all.begin(), all.end()), found;
+  distinct.erase("");
+  for (const std::string &line : lines) {
+    std::string text = line;
+    if (counts) {
+      const size_t blank = line.rfind(' ');
+      FUZZ_CHECK(blank != std::string::npos && std::atol(line.c_str() + blank + 1) >= 1);
+      text = line.substr(0, blank);
+    }
+    FUZZ_CHECK(!text.empty());
+    found.insert(text);
+  }
+  FUZZ_CHECK(found == distinct);
+  if (chunks.size() == 1 && ordered) {  // one chunk: exactly the distinct lines in order
+    std::map<std::string, long> occurrences;
+    for (const std::string &line : chunks[0]) ++occurrences[line];
+    std::vector<std::string> expected;
+    for (const auto &[line, count] : occurrences)
+      if (!line.empty()) expected.push_back(counts ? line + " " + std::to_string(count) : line);
+    FUZZ_CHECK(lines == expected);
+  }
+  return 0;
+}
