@@ -32,15 +32,8 @@ void read(FsIniFile &document, const std::string &text) {
 }
 
 std::string written(const FsIniFile &document) {
-  char *buffer = nullptr;
-  size_t length = 0;
-  std::FILE *stream = open_memstream(&buffer, &length);
-  FUZZ_CHECK(stream != nullptr);
-  FUZZ_CHECK(document.write(stream) == fskit::ini::kOk);
-  std::fclose(stream);
-  std::string text(buffer, length);
-  std::free(buffer);
-  return text;
+  return fskit::fuzz::writtenTo(
+      [&](std::FILE *stream) { FUZZ_CHECK(document.write(stream) == fskit::ini::kOk); });
 }
 
 // The lookups give the first item of each name, as a scan in order would.

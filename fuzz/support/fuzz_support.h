@@ -64,23 +64,31 @@ inline uint8_t takeByte(std::string_view &input) {
   return byte;
 }
 
-// What `body` prints through stdio on `stream` (stdout or stderr), caught
-// in memory; the sanitizers' reports still reach descriptor 2.
-template <typename Body>
-std::string caughtStream(std::FILE *&stream, Body body) {
+// What `write` writes on the stream it is given, caught in memory.
+template <typename Write>
+std::string writtenTo(Write write) {
   char *buffer = nullptr;
   size_t length = 0;
   std::FILE *memory = open_memstream(&buffer, &length);
   FUZZ_CHECK(memory != nullptr);
-  std::fflush(stream);
-  std::FILE *saved = stream;
-  stream = memory;
-  body();
-  stream = saved;
+  write(memory);
   std::fclose(memory);
-  std::string caught(buffer, length);
+  std::string text(buffer, length);
   std::free(buffer);
-  return caught;
+  return text;
+}
+
+// What `body` prints through stdio on `stream` (stdout or stderr), caught
+// in memory; the sanitizers' reports still reach descriptor 2.
+template <typename Body>
+std::string caughtStream(std::FILE *&stream, Body body) {
+  std::fflush(stream);
+  return writtenTo([&](std::FILE *memory) {
+    std::FILE *saved = stream;
+    stream = memory;
+    body();
+    stream = saved;
+  });
 }
 
 template <typename Body>

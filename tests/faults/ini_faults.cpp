@@ -120,3 +120,25 @@ TEST(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
         }
       });
 }
+
+TEST(IniFaults, LookupsWithoutMemoryForTheirIndexScan) {
+  // Long lists get a hash index on their first lookup; without memory for it
+  // the lookup scans, and finds the same first match.
+  TempDir dir;
+  const std::string path = dir.file("long.ini");
+  std::string text;
+  for (int p = 0; p < 20; ++p) {
+    text += "[P" + std::to_string(p) + "]\n";
+    for (int t = 0; t < 40; ++t) text += "t" + std::to_string(t) + " = " + std::to_string(p * 100 + t) + "\n";
+  }
+  writeFile(path, text + "[P19]\nt39 = second\n");
+  const int32_t handle = fsIniReadFile(path.c_str());
+  char value[16] = "";
+  int32_t found = 0;
+  long runs = forEachAllocationFailure([&] { found = fsIniGetValue(handle, "P19", "t39", value, nullptr); },
+                                       [&](long, bool) {
+                                         EXPECT_EQ(found, 1);
+                                         EXPECT_STREQ(value, "1939");
+                                       });
+  EXPECT_GE(runs, 3);  // the index of the paragraphs, then of the lines
+}
