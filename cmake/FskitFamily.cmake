@@ -49,3 +49,13 @@ function(fskit_family name)
   endforeach()
   set_property(GLOBAL APPEND PROPERTY FSKIT_OBJECT_LIBRARIES ${target})
 endfunction()
+
+# Adds <current folder>/<family> for every family that has a CMakeLists.txt
+# there (tests, benchmarks and fuzz targets are kept per family).
+macro(fskit_add_family_subdirectories)
+  foreach(family IN LISTS FSKIT_FAMILIES)
+    if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${family}/CMakeLists.txt)
+      add_subdirectory(${family})
+    endif()
+  endforeach()
+endmacro()

@@ -6,6 +6,8 @@
 
 #include <sys/stat.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 
 namespace fskit::platform {
@@ -71,5 +73,57 @@ ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &f
 int commitReplacement(Replacement &replacement);
 // Removes the temporary file; the target stays as it was.
 void abandonReplacement(Replacement &replacement);
+
+// Directory services. Every path and pattern given to them may use `\` as
+// well as `/` to separate directories: on Windows both are the system's own,
+// and the paths go to it as they are.
+
+#if !defined(_WIN32)
+// Room for a path of the host (PATH_MAX) with its terminator.
+inline constexpr size_t kHostPathSize = 4096;
+// Copies `path` into `hostPath` with every `\` turned into `/`; false, with
+// errno ENAMETOOLONG, when it does not fit in kHostPathSize bytes (EINVAL for
+// a null path).
+bool toHostPath(const char *path, char (&hostPath)[kHostPathSize]);
+#endif
+
+// The record a directory search fills, laid out byte for byte as the original
+// platform's (318 bytes, cFileName at offset 44). Only cFileName is filled
+// (on Windows: every field, as the system fills its own record).
+struct __attribute__((packed)) FindData {
+  uint32_t dwFileAttributes;
+  uint32_t ftCreationTime[2];
+  uint32_t ftLastAccessTime[2];
+  uint32_t ftLastWriteTime[2];
+  uint32_t nFileSizeHigh;
+  uint32_t nFileSizeLow;
+  uint32_t dwReserved0;
+  uint32_t dwReserved1;
+  char cFileName[260];
+  char cAlternateFileName[14];
+};
+static_assert(sizeof(FindData) == 318 && offsetof(FindData, cFileName) == 44);
+
+// A search handle; kNoSearch (all bits set) when nothing matched or the search
+// could not be made.
+using SearchHandle = intptr_t;
+inline constexpr SearchHandle kNoSearch = -1;
+
+// Starts a search for the names that the last component of `pattern` matches
+// in the directory the rest names (the current one when there is none). The
+// last component is matched case-sensitively: `*` any run of characters, `?`
+// any one, and a final ".*" also matches a name without a dot (on Windows:
+// by FindFirstFileA's rules, without regard to case). On success the first
+// name is in data->cFileName.
+SearchHandle FindFirstFileSA(const char *pattern, FindData *data);
+// Puts the next matching name in data->cFileName: non-zero, or 0 at the end.
+int FindNextFileSA(SearchHandle search, FindData *data);
+// Ends a search started by FindFirstFileSA. 0 for kNoSearch, else non-zero.
+int FindCloseS(SearchHandle search);
+
+// Creates (removes) a directory: 0, or -1 with errno set. _mkdirS sets EEXIST
+// only when a directory of that name exists (ENOTDIR when it is another file).
+int _mkdirS(const char *path);
+int _rmdirS(const char *path);
 
 }  // namespace fskit::platform

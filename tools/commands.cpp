@@ -13,9 +13,13 @@ int runIni(std::vector<std::string> &args);
 int runFormula(std::vector<std::string> &args);
 int runElements(std::vector<std::string> &args);
 // -- numformat
+int runConvert(std::vector<std::string> &args);
 // -- datetime
+int runDate(std::vector<std::string> &args);
 // -- sort
+int runSort(std::vector<std::string> &args);
 // -- files
+int runLs(std::vector<std::string> &args);
 // -- cmdline
 int runCmdline(std::vector<std::string> &args);
 int runTags(std::vector<std::string> &args);
@@ -72,9 +76,60 @@ const std::vector<Command> &commands() {
        "example: fskit elements --elements data/kw_elements.tbl\n",
        runElements},
       // -- numformat
+      {"convert", "foreign numbers (VAX, HP, Nova, INCOS, Quor) to text and back",
+       "usage: fskit convert FORMAT HEX...\n"
+       "       fskit convert --encode FORMAT NUMBER...\n"
+       "       fskit convert --file FILE --format FORMAT\n"
+       "Decodes values given as hexadecimal bytes in memory order (blanks between\n"
+       "bytes allowed), encodes numbers into such bytes, or prints every value of\n"
+       "a binary file, one per line. Formats and their sizes in bytes:\n"
+       "  vaxf 4, vaxd 8      DEC VAX F and D floating point\n"
+       "  hpshort 2, hplong 4 big-endian integers (decoded unsigned)\n"
+       "  hpdouble 8          two big-endian 32-bit halves, read as a double\n"
+       "  novaf 4, novad 8    Data General Nova floating point (decode only)\n"
+       "  incos 2             INCOS mass word (decode only)\n"
+       "  quorinty 2          Quor intensity word\n"
+       "  quorrec 6           Quor record, printed as MASS INTENSITY FLAGS;\n"
+       "                      encoded from MASS,INTENSITY[,FLAGS]\n"
+       "example: fskit convert vaxf \"80 40 00 00\"\n"
+       "         fskit convert --encode vaxd 3.141592653589793\n"
+       "         fskit convert --file spectrum.dat --format quorrec\n",
+       runConvert},
       // -- datetime
+      {"date", "convert a date/time text between layouts",
+       "usage: fskit date [--in N] [--out N] [--sep S] [--now] [TEXT]\n"
+       "       fskit date --layouts\n"
+       "Reads TEXT in input layout N (0-12, default 6: yyyymmddhhmmss+zzzz) and\n"
+       "prints it in output layout N (0-10, default 4: the asctime text).\n"
+       "Without TEXT the current local time is converted. --sep gives the\n"
+       "separators (\"NONE\": fixed-width fields without any); --now fills what\n"
+       "the text lacks, or replaces a text that cannot be read, with the current\n"
+       "time. --layouts lists every layout with an example.\n"
+       "example: fskit date --in 2 --out 8 07-MAR-98\n",
+       runDate},
       // -- sort
+      {"sort", "sort the lines of a text file, in memory or through work files",
+       "usage: fskit sort INPUT OUTPUT [--prefix P] [--buffer BYTES] [--unique] [--count]\n"
+       "Sorts the lines of INPUT byte by byte into OUTPUT and prints the library's\n"
+       "progress lines. A file larger than the buffer (default: the whole file) is\n"
+       "sorted in chunks through work files named Psort_N.tmp (P is taken literally,\n"
+       "so a directory ends in '/'), which are removed afterwards.\n"
+       "  --unique  write equal lines once and drop empty lines\n"
+       "  --count   as --unique, each line followed by a blank and its count\n"
+       "Exit status 1 when no line was written (an error, or nothing to sort).\n"
+       "example: fskit sort names.txt sorted.txt --buffer 1000000 --prefix /tmp/\n",
+       runSort},
       // -- files
+      {"ls", "list the files of a directory that match a pattern",
+       "usage: fskit ls DIRECTORY [NAME_PATTERN [EXT_PATTERN]]\n"
+       "Lists the names in DIRECTORY (\\ or / between directories) that match\n"
+       "NAME_PATTERN (default *) followed by EXT_PATTERN (default .*, which also\n"
+       "matches names without a dot); * is any run of characters, ? any one,\n"
+       "case counts. One line per name, tab-separated: name (up to the first\n"
+       "dot), extension, directory, drive. Names beginning with a dot are left\n"
+       "out; nothing is printed when nothing matches.\n"
+       "example: fskit ls data 'run*' .raw\n",
+       runLs},
       // -- cmdline
       {"cmdline", "show how a command line splits into arguments and qualifiers",
        "usage: fskit cmdline LINE...\n"

@@ -12,9 +12,13 @@
 /* chemistry */
 #include <fskit/chemistry.h>
 /* numformat */
+#include <fskit/numformat.h>
 /* datetime */
+#include <fskit/datetime.h>
 /* sort */
+#include <fskit/sort.h>
 /* files */
+#include <fskit/files.h>
 /* cmdline */
 #include <fskit/cmdline.h>
 /* util */

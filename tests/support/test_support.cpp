@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -158,6 +160,16 @@ size_t blockSize(void *block) {
   return _msize(block);
 #else
   return malloc_usable_size(block);
+#endif
+}
+
+void setTimeZone(const char *zone) {
+#if defined(_WIN32)
+  _putenv_s("TZ", zone);
+  _tzset();
+#else
+  setenv("TZ", zone, 1);
+  tzset();
 #endif
 }
 

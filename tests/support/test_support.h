@@ -74,6 +74,9 @@ std::string writtenTo(const std::function<void(std::FILE *)> &write);
 // The usable size of a block from malloc (at least what was asked for).
 size_t blockSize(void *block);
 
+// Sets TZ (for example "UTC0" or "EST5") and makes the C library take it up.
+void setTimeZone(const char *zone);
+
 struct ToolResult {
   int status = -1;  // exit status, or -1 when the tool did not exit normally
   std::string out;

@@ -1,0 +1,133 @@
+// fsSort and fsSortIndex on 10 million keys against what a caller would use
+// instead: the C library's qsort with an equivalent comparison function, and
+// std::sort on the bare key type.
+#include <fskit/sort.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "bench/sort/ratios.h"
+
+namespace {
+
+constexpr size_t kCount = 10'000'000;
+
+struct Record {  // 16 bytes, the key at offset 4
+  int32_t id;
+  int32_t key;
+  int64_t payload;
+};
+
+std::vector<int32_t> int32Keys;
+std::vector<double> doubleKeys;
+std::vector<Record> records;
+const int32_t *indexedInt32;
+const double *indexedDouble;
+
+template <class T> int compareValues(T a, T b) { return a > b ? 1 : a < b ? -1 : 0; }
+int compareInt32(const void *a, const void *b) {
+  return compareValues(*static_cast<const int32_t *>(a), *static_cast<const int32_t *>(b));
+}
+int compareDouble(const void *a, const void *b) {
+  return compareValues(*static_cast<const double *>(a), *static_cast<const double *>(b));
+}
+int compareRecord(const void *a, const void *b) {
+  return compareValues(static_cast<const Record *>(a)->key, static_cast<const Record *>(b)->key);
+}
+int compareIndexedInt32(const void *a, const void *b) {
+  return compareValues(indexedInt32[*static_cast<const int32_t *>(a)],
+                       indexedInt32[*static_cast<const int32_t *>(b)]);
+}
+int compareIndexedDouble(const void *a, const void *b) {
+  return compareValues(indexedDouble[*static_cast<const int32_t *>(a)],
+                       indexedDouble[*static_cast<const int32_t *>(b)]);
+}
+
+// Each iteration sorts a fresh copy of `input`; the copy is not timed.
+template <class T>
+void registerSort(const std::string &name, const std::vector<T> &input,
+                  std::function<void(std::vector<T> &)> sort) {
+  benchmark::RegisterBenchmark(name.c_str(), [&input, sort](benchmark::State &state) {
+    std::vector<T> work;
+    for (auto _ : state) {
+      state.PauseTiming();
+      work = input;
+      state.ResumeTiming();
+      sort(work);
+      benchmark::DoNotOptimize(work.data());
+    }
+  })->Unit(benchmark::kMillisecond)->Iterations(3);
+}
+
+std::vector<int32_t> identity() {
+  std::vector<int32_t> index(kCount);
+  std::iota(index.begin(), index.end(), 0);
+  return index;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  std::mt19937_64 random(1);
+  int32Keys.resize(kCount);
+  doubleKeys.resize(kCount);
+  records.resize(kCount);
+  std::uniform_real_distribution<double> real(-1e6, 1e6);
+  for (size_t k = 0; k < kCount; ++k) {
+    int32Keys[k] = int32_t(random());
+    doubleKeys[k] = real(random);
+    records[k] = {int32_t(k), int32_t(random()), int64_t(k)};
+  }
+  indexedInt32 = int32Keys.data();
+  indexedDouble = doubleKeys.data();
+  static const std::vector<int32_t> index = identity();
+  const int n = int(kCount);
+
+  using I = std::vector<int32_t>;
+  using D = std::vector<double>;
+  using R = std::vector<Record>;
+  registerSort<int32_t>("int32/fsSort", int32Keys, [n](I &v) { fsSort(FS_SORT_LONG, 0, 4, n, v.data()); });
+  registerSort<int32_t>("int32/qsort", int32Keys, [](I &v) { std::qsort(v.data(), v.size(), 4, compareInt32); });
+  registerSort<int32_t>("int32/std::sort", int32Keys, [](I &v) { std::sort(v.begin(), v.end()); });
+  registerSort<double>("double/fsSort", doubleKeys, [n](D &v) { fsSort(FS_SORT_DOUBLE, 0, 8, n, v.data()); });
+  registerSort<double>("double/qsort", doubleKeys, [](D &v) { std::qsort(v.data(), v.size(), 8, compareDouble); });
+  registerSort<double>("double/std::sort", doubleKeys, [](D &v) { std::sort(v.begin(), v.end()); });
+  registerSort<Record>("record16/fsSort", records, [n](R &v) { fsSort(FS_SORT_LONG, 4, 16, n, v.data()); });
+  registerSort<Record>("record16/qsort", records, [](R &v) { std::qsort(v.data(), v.size(), 16, compareRecord); });
+  registerSort<Record>("record16/std::sort", records, [](R &v) {
+    std::sort(v.begin(), v.end(), [](const Record &a, const Record &b) { return a.key < b.key; });
+  });
+  registerSort<int32_t>("index_int32/fsSortIndex", index, [n](I &v) {
+    fsSortIndex(FS_SORT_LONG, 0, 4, n, indexedInt32, v.data());
+  });
+  registerSort<int32_t>("index_int32/qsort", index, [](I &v) {
+    std::qsort(v.data(), v.size(), 4, compareIndexedInt32);
+  });
+  registerSort<int32_t>("index_double/fsSortIndex", index, [n](I &v) {
+    fsSortIndex(FS_SORT_DOUBLE, 0, 8, n, indexedDouble, v.data());
+  });
+  registerSort<int32_t>("index_double/qsort", index, [](I &v) {
+    std::qsort(v.data(), v.size(), 4, compareIndexedDouble);
+  });
+
+  // std::sort on the bare keys is the reference for records and index sorts too.
+  return fskit::bench::runWithRatios(argc, argv, {
+      {"int32/fsSort", "int32/qsort"},
+      {"int32/fsSort", "int32/std::sort"},
+      {"double/fsSort", "double/qsort"},
+      {"double/fsSort", "double/std::sort"},
+      {"record16/fsSort", "record16/qsort"},
+      {"record16/fsSort", "int32/std::sort"},
+      {"record16/fsSort", "record16/std::sort"},
+      {"index_int32/fsSortIndex", "index_int32/qsort"},
+      {"index_int32/fsSortIndex", "int32/std::sort"},
+      {"index_double/fsSortIndex", "index_double/qsort"},
+      {"index_double/fsSortIndex", "double/std::sort"},
+  });
+}

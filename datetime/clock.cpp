@@ -1,0 +1,51 @@
+// The current local time, and local times as seconds since 1970. These use the
+// C runtime's shared localtime and asctime buffers, as callers of the original
+// library expect (fsNowAscTime hands out the asctime buffer itself).
+#include <cstring>
+#include <ctime>
+
+#include <fskit/datetime.h>
+
+#include "datetime/date_record.h"
+
+namespace fskit::datetime {
+
+bool dateTimeNow(DateRecord &record, int32_t &centuryBase) {
+  record = DateRecord{};
+  centuryBase = 0;
+  std::time_t now = std::time(nullptr);
+  const std::tm *local = std::localtime(&now);
+  if (now == static_cast<std::time_t>(-1) || local == nullptr) return false;
+  record.year = local->tm_year + 1900;
+  record.month = local->tm_mon + 1;
+  record.day = local->tm_mday;
+  record.hour = local->tm_hour;
+  record.minute = local->tm_min;
+  record.second = local->tm_sec;
+  centuryBase = record.year - record.year % 100;
+  return true;
+}
+
+std::time_t dateTimeToSeconds(const DateRecord &record) {
+  std::tm local{};
+  local.tm_year = record.year < 1901 ? record.year : record.year - 1900;
+  local.tm_mon = record.month - 1;
+  local.tm_mday = record.day;
+  local.tm_hour = record.hour;
+  local.tm_min = record.minute;
+  local.tm_sec = record.second;
+  local.tm_isdst = 0;
+  return std::mktime(&local);
+}
+
+}  // namespace fskit::datetime
+
+extern "C" FSKIT_API char *fsNowAscTime(void) {
+  static char noTime[1] = {};
+  std::time_t now = std::time(nullptr);
+  const std::tm *local = std::localtime(&now);
+  char *text = local != nullptr ? std::asctime(local) : nullptr;
+  if (text == nullptr) return noTime;
+  if (char *lineEnd = std::strchr(text, '\n')) *lineEnd = '\0';
+  return text;
+}

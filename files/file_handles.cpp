@@ -1,0 +1,70 @@
+// Opening and closing files with printable error texts, existence and size.
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+
+#include <fskit/files.h>
+#include <fskit/frame.h>
+
+#include "platform/platform.h"
+
+namespace {
+
+void writeError(char *errText, int error, const char *text) {
+  if (errText != nullptr) std::sprintf(errText, "%d %s", error, text);
+}
+
+void writeError(char *errText, int error) { writeError(errText, error, std::strerror(error)); }
+
+}  // namespace
+
+extern "C" {
+
+FSKIT_API int32_t fsFileExists(const char *path) {
+  struct stat status;
+  return path != nullptr && fskit::platform::_stat(path, &status) == 0 ? 1 : 0;
+}
+
+FSKIT_API int32_t fsFileOpen(const char *path, const char *mode, FsFile *file, char *errText) {
+  if (file == nullptr) return 0;
+  errno = EINVAL;
+  file->stream = path != nullptr && mode != nullptr ? std::fopen(path, mode) : nullptr;
+  if (file->stream == nullptr) {
+    int error = errno;
+    fsFree(&file->name);
+    writeError(errText, error);
+    return 0;
+  }
+  file->name = strrealloc(file->name, path);
+  if (file->name == nullptr) {
+    std::fclose(file->stream);
+    file->stream = nullptr;
+    writeError(errText, ENOMEM, "Not enough memory");
+    return 0;
+  }
+  file->user = 0;
+  return 1;
+}
+
+FSKIT_API int32_t fsFileClose(FsFile *file, char *errText) {
+  if (file == nullptr) return 0;
+  int32_t closed = 0;
+  if (file->stream != nullptr) {
+    closed = std::fclose(file->stream) == 0 ? 1 : 0;
+    if (!closed) writeError(errText, errno);
+  }
+  fsFree(&file->name);
+  *file = FsFile{};
+  return closed;
+}
+
+FSKIT_API int32_t fsFileSize(FILE *stream) {
+  if (stream == nullptr) return -1;
+  std::fseek(stream, 0, SEEK_END);
+  long size = std::ftell(stream);
+  std::fseek(stream, 0, SEEK_SET);
+  return size > INT32_MAX ? -1 : static_cast<int32_t>(size);
+}
+
+}  // extern "C"

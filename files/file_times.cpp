@@ -1,0 +1,26 @@
+// The modification time of a file as the stamp yyyymmddhhmmss+0000.
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include <fskit/datetime.h>
+#include <fskit/files.h>
+
+#include "platform/platform.h"
+
+extern "C" FSKIT_API int32_t fsLastModified(const char *path, char *text, double *value) {
+  if (text != nullptr) text[0] = '\0';
+  if (value != nullptr) *value = 0.0;
+  struct stat status;
+  if (path == nullptr || fskit::platform::_stat(path, &status) != 0) return 0;
+  // Through the asctime text, as the date/time conversion reads it.
+  const std::tm *local = std::localtime(&status.st_mtime);
+  const char *modified = local != nullptr ? std::asctime(local) : nullptr;
+  char stamp[64];
+  if (modified == nullptr || fsDateTime(4, modified, 6, stamp, "", 0) == 0) return 0;
+  if (text != nullptr) std::strcpy(text, stamp);
+  // The number is the fourteen digits before the zone's sign.
+  if (char *plus = std::strchr(stamp, '+')) *plus = '\0';
+  if (value != nullptr) *value = std::strtod(stamp, nullptr);
+  return 1;
+}

@@ -1,0 +1,142 @@
+// Internals shared by the sort family: sort types, the comparator table and
+// the sort context, the key-ordered sorts behind fsSort and fsSortIndex, and
+// the work-file state of the file sort.
+#pragma once
+
+#include <climits>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+namespace fskit::sort {
+
+// What a key is, by sort type: the types come in pairs, ascending then
+// descending, in the order of the kinds below.
+enum class KeyKind { Int8, Uint8, Int16, Uint16, Int32, Uint32, Float, Double, String, Bytes };
+
+constexpr bool validType(int type) { return type >= 1 && type <= 20; }
+constexpr KeyKind keyKind(int type) { return KeyKind((type - 1) / 2); }
+constexpr bool descending(int type) { return type % 2 == 0; }
+constexpr bool numeric(int type) { return keyKind(type) < KeyKind::String; }
+// Bytes a numeric key occupies; string and byte keys take at least one.
+constexpr long keySize(int type) {
+  constexpr long sizes[] = {1, 1, 2, 2, 4, 4, 4, 8, 1, 1};
+  return sizes[int(keyKind(type))];
+}
+
+// The C type of a numeric key kind.
+template <KeyKind K> struct KeyTypeOf;
+template <> struct KeyTypeOf<KeyKind::Int8> { using type = int8_t; };
+template <> struct KeyTypeOf<KeyKind::Uint8> { using type = uint8_t; };
+template <> struct KeyTypeOf<KeyKind::Int16> { using type = int16_t; };
+template <> struct KeyTypeOf<KeyKind::Uint16> { using type = uint16_t; };
+template <> struct KeyTypeOf<KeyKind::Int32> { using type = int32_t; };
+template <> struct KeyTypeOf<KeyKind::Uint32> { using type = uint32_t; };
+template <> struct KeyTypeOf<KeyKind::Float> { using type = float; };
+template <> struct KeyTypeOf<KeyKind::Double> { using type = double; };
+template <KeyKind K> using KeyType = typename KeyTypeOf<K>::type;
+
+// Keys are read byte-wise: callers' elements need not be aligned.
+template <class T> inline T loadKey(const unsigned char *p) {
+  T value;
+  std::memcpy(&value, p, sizeof value);
+  return value;
+}
+
+// The comparators read the key offset, the data of an index sort and the
+// element size from here, because qsort hands them only two pointers. Each
+// sorting call sets what it needs; nothing is reset afterwards.
+struct SortContext {
+  long offset = 0;
+  const unsigned char *data = nullptr;
+  long size = 0;
+};
+SortContext &sortContext();
+
+using Comparator = int (*)(const void *, const void *);
+enum ComparatorVariant { kElement, kElementField, kIndexed, kIndexedField };
+// One of the 80 comparators: four per sort type, in the order of the variants.
+Comparator comparator(int type, ComparatorVariant variant);
+
+// Where the keys of an index sort lie: element k's key starts at
+// data + k * stride + offset. `length` bounds string keys (they also end at
+// their NUL) and is the length of byte keys.
+struct KeyLayout {
+  const unsigned char *data;
+  long stride;
+  long offset;
+  long length;
+};
+inline constexpr long kUnbounded = LONG_MAX;
+
+// Put the element numbers in `index` into key order, equal keys keeping their
+// order. False, with the index untouched, when working memory is not to be had.
+bool sortIndexByKey(int type, const KeyLayout &layout, int32_t *index, size_t n);
+bool sortIndexNumeric(int type, const KeyLayout &layout, int32_t *index, size_t n);
+bool sortIndexText(int type, const KeyLayout &layout, int32_t *index, size_t n);
+
+// Sorts n numeric keys stored alone (element size = key size) in place.
+void sortBareKeys(int type, unsigned char *base, size_t n);
+// Sorts n records of 8, 12, 16, 24 or 32 bytes by the numeric key at
+// `offset`; false for other sizes or without working memory.
+bool sortRecords(int type, unsigned char *base, size_t size, long offset, size_t n);
+
+// Moves elements so that position k receives the element at order[k].
+// Overwrites `order`; `spare` holds one element.
+void permuteElements(unsigned char *base, size_t size, int32_t *order, size_t n,
+                     unsigned char *spare);
+
+// Work files of the file sort: the files open at the moment (work files and
+// the output) and the prefix and count of the names in use, which the
+// clean-up needs. At most kMergeWidth work files are merged at once.
+inline constexpr int kMergeWidth = 20;
+inline constexpr int kWorkSlots = kMergeWidth + 1;
+struct WorkFiles {
+  std::FILE *slots[kWorkSlots] = {};
+  char *prefix = nullptr;
+  long namesUsed = 0;
+};
+WorkFiles &workFiles();
+
+// Closes what an earlier sort left open, takes a copy of `prefix`, removes
+// old work files and registers the clean-up for unload. False without memory.
+bool startWorkFiles(const char *prefix);
+// Closes every open file and removes the work files "<prefix>sort_<n>.tmp"
+// for n from 0 to 19 and every further number in use.
+int cleanUpWorkFiles();
+// The name of work file `number`; null without memory (free it with free()).
+char *workFileName(long number);
+// Opens a file and keeps it in a free slot; null when it cannot be opened.
+std::FILE *openInSlot(const char *name, const char *mode);
+// Closes a file opened by openInSlot(); false when a write failed on the way.
+bool closeSlot(std::FILE *file);
+
+// Lines written through a large buffer of our own; the first failed write
+// is remembered and ends the writing.
+class LineWriter {
+ public:
+  explicit LineWriter(std::FILE *file);  // may throw std::bad_alloc
+  ~LineWriter();
+  LineWriter(const LineWriter &) = delete;
+  LineWriter &operator=(const LineWriter &) = delete;
+  void line(const char *text, size_t length);
+  void countedLine(const char *text, size_t length, long count);  // "text count"
+  bool finish();  // writes what is buffered; false if any write failed
+
+ private:
+  void put(const char *bytes, size_t length);
+  std::FILE *file_;
+  char *buffer_;
+  size_t used_ = 0;
+  bool failed_ = false;
+};
+
+// Merges the sorted work files `numbers` into `out`. Returns the lines
+// written; -1 when a write failed, -2 when work file `*unreadable` could not
+// be read. With `collapse`, equal lines are written once; with `counted`,
+// lines end in " <count>", which orders after the text. May throw bad_alloc.
+long mergeWorkFiles(const long *numbers, int count, std::FILE *out, bool collapse,
+                    bool counted, long *unreadable);
+
+}  // namespace fskit::sort

@@ -1,0 +1,192 @@
+// fsDateTime: every input and output layout, separators, useNow and messages.
+#include <fskit/datetime.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <ctime>
+#include <string>
+
+#include "tests/support/test_support.h"
+
+using fskit::test::captureStderr;
+
+namespace {
+
+struct Converted {
+  int32_t result = -1;
+  std::string text, err;
+};
+
+// The output buffer starts as "#", so an untouched output shows as "#".
+Converted convert(int32_t in, const char *input, int32_t out, const char *separators = nullptr,
+                  int32_t useNow = 0) {
+  Converted c;
+  char buffer[128] = "#";
+  c.err = captureStderr([&] { c.result = fsDateTime(in, input, out, buffer, separators, useNow); });
+  c.text = buffer;
+  return c;
+}
+
+std::string localNow(const char *format) {
+  std::time_t now = std::time(nullptr);
+  char text[64];
+  std::strftime(text, sizeof text, format, std::localtime(&now));
+  return text;
+}
+
+// `got` is the current time in `format`, read before or after it was made,
+// so a second (or midnight) passing in between does no harm.
+template <typename Body>
+void expectNow(const char *format, Body body) {
+  std::string before = localNow(format), got = body(), after = localNow(format);
+  EXPECT_TRUE(got == before || got == after) << got << " is not " << before;
+}
+
+// A two-digit year of the current century, in full.
+std::string inCentury(int yy) {
+  int year = std::stoi(localNow("%Y"));
+  return std::to_string(year - year % 100 + yy);
+}
+
+const char *const kSample = "19980307140509+0000";
+
+}  // namespace
+
+TEST(DateTime, WritesTheRecordInEveryOutputLayout) {
+  fskit::test::setTimeZone("UTC0");
+  const char *expected[] = {" 3/07/98", "98-03-07", " 7-MAR-98", " 7-MAR-1998",
+                            "Sat Mar 07 14:05:09 1998", "14:05:09", kSample,
+                            " 7-MAR-98 14:05:09", " 7-MAR-1998 14:05:09",
+                            "889279509",  // date -u -d "1998-03-07 14:05:09" +%s
+                            "Sat Mar 07 1998 02:05:09 PM"};
+  for (int out = 0; out <= 10; ++out) {
+    Converted c = convert(6, kSample, out);
+    EXPECT_EQ(c.result, 1);
+    EXPECT_EQ(c.text, expected[out]) << "layout " << out;
+    EXPECT_EQ(c.err, "");
+  }
+  fskit::test::setTimeZone("EST5");  // seconds count the date as local time
+  EXPECT_EQ(convert(6, kSample, 9).text, std::to_string(889279509 + 5 * 3600));
+}
+
+TEST(DateTime, ReadsEveryInputLayout) {
+  fskit::test::setTimeZone("UTC0");
+  struct Case { int in; const char *input, *separators; std::string stamp; };
+  const std::string day98 = inCentury(98) + "0307000000+0000", time98 = inCentury(98) + "0307140509+0000";
+  const Case cases[] = {
+      {0, "3/7/98", nullptr, day98},  {0, "03-07-1998", "", "19980307000000+0000"},
+      {0, "3.7.98", "x", day98},      {0, "030798", "NONE", day98},
+      {1, "98-3-7", nullptr, day98},  {1, "980307", "NONE", day98},
+      {2, " 7/mar/98", nullptr, day98}, {2, "07MAR98", "NONE", day98},
+      {3, "7-mar-1998", nullptr, "19980307000000+0000"}, {3, "07MAR1998", "NONE", "19980307000000+0000"},
+      {4, "Sat Mar  7 14:05:09 1998", "NONE", kSample},
+      {5, "14:05:09", nullptr, inCentury(0) + "0000140509+0000"},
+      {5, "140509", "NONE", inCentury(0) + "0000140509+0000"},
+      {6, "19980307140509+0130", nullptr, "19980307140509+0130"},
+      {7, "07-MAR-98 14:05:09", nullptr, time98}, {7, "07MAR98 140509", "NONE", time98},
+      {8, "07-mar-1998 14.5.9", nullptr, kSample}, {8, "07MAR1998 140509", "NONE", kSample},
+      {9, "889279509", nullptr, kSample},
+      {10, "Sat Mar 07 98 02:05:09 pm", nullptr, time98},
+      {11, "07 Mar 98  02:05 AM", nullptr, inCentury(98) + "0307020500+0000"},
+  };
+  for (const Case &c : cases) {
+    Converted got = convert(c.in, c.input, 6, c.separators);
+    EXPECT_EQ(got.text + got.err, c.stamp) << c.in << " " << c.input;
+  }
+}
+
+TEST(DateTime, YearsMonthNamesAndTheTwelveHourClock) {
+  fskit::test::setTimeZone("UTC0");
+  EXPECT_EQ(convert(0, "3/7/98", 3).text, " 7-MAR-" + inCentury(98));
+  EXPECT_EQ(convert(0, "3/7/98", 9).text, "889228800");  // 1998-03-07 UTC
+  // Names are printed as typed; a name that matches no month is month 0.
+  EXPECT_EQ(convert(4, "sat mar 7 1:2:3 1998", 4).text, "sat mar 07 01:02:03 1998");
+  EXPECT_EQ(convert(2, "07-Xyz-98", 2).text, " 7-----98");
+  EXPECT_EQ(convert(0, "0/7/1998", 4).text, "Sun --- 07 00:00:00 1998");
+  // 12 PM reads as hour 24 and prints as 12 PM again; hour 12 prints as AM.
+  EXPECT_EQ(convert(10, "Sat Mar 07 98 12:30:00 PM", 10).text, "Sat Mar 07 98 12:30:00 PM");
+  EXPECT_EQ(convert(10, "Sat Mar 07 98 12:30:00 AM", 10).text, "Sat Mar 07 98 12:30:00 AM");
+  EXPECT_EQ(convert(6, "19980307000000+0000", 10).text, "Sat Mar 07 1998 00:00:00 AM");
+  EXPECT_EQ(convert(1, "2026-11-18", 4).text, "Wed Nov 18 00:00:00 2026");
+}
+
+TEST(DateTime, Separators) {
+  struct Case { int out; const char *separators, *text; };
+  const Case cases[] = {
+      {7, "/.", " 7/MAR/98 14.05.09"}, {7, "/", " 7/MAR/98 14:05:09"},
+      {8, "NONE", " 7MAR1998 140509"}, {5, "NONE", "140509"},
+      {0, "abcdef", " 3abcd07abcd98"}, {1, "none", "98none03none07"},
+  };
+  for (const Case &c : cases)
+    EXPECT_EQ(convert(6, kSample, c.out, c.separators).text, c.text) << c.separators;
+}
+
+TEST(DateTime, CurrentTimeFillsWhatTheInputLacks) {
+  expectNow("%Y%m%d140509+0000", [] { return convert(5, "14:05:09", 6, "", 1).text; });
+  expectNow("19980307%H%M%S+0000", [] { return convert(1, "1998/3/7", 6, "", 1).text; });
+  EXPECT_EQ(convert(5, "14:05:09", 0).text, " 0/00/00");  // no date: 0-0-0 is valid
+  // A null input is the current time whatever the layout, even an unknown one;
+  // an unreadable input with useNow is replaced without a word, its names dropped.
+  struct Case { int in; const char *input; int useNow; };
+  for (Case c : {Case{99, nullptr, 0}, Case{12, "x", 1}, Case{4, "Xyz Mar 7 1:2", 1}})
+    expectNow("%a %b %d %H:%M:%S %Y", [c] {
+      Converted got = convert(c.in, c.input, 4, nullptr, c.useNow);
+      return got.text + got.err;
+    });
+}
+
+TEST(DateTime, FailuresAreReportedOnStandardError) {
+  struct Case { int in; const char *input; int out; const char *text, *err; };
+  const Case cases[] = {
+      {12, "3/7/98", 0, "#", "Unable to generate valid input date from: 3/7/98\n"},
+      {0, "3/7", 0, "#", "Unable to generate valid input date from: 3/7\n"},
+      {0, "13/7/98", 0, "#", "Unable to generate valid input date from: 13/7/98\n"},
+      {9, "soon", 0, "#", "Unable to generate valid input date from: soon\n"},
+      {13, "3/7/98", 0, "#",
+       "Unsupported date/time input format 13\nUnable to generate valid input date from: 3/7/98\n"},
+      {0, "3/7/98", 11, "", "Unsupported date/time output format 11"},
+  };
+  for (const Case &c : cases) {
+    Converted got = convert(c.in, c.input, c.out);
+    EXPECT_EQ(std::to_string(got.result) + got.text + got.err, std::string("0") + c.text + c.err);
+  }
+  Converted replaced = convert(13, "3/7/98", 5, nullptr, 1);
+  EXPECT_EQ(std::to_string(replaced.result) + replaced.err, "1Unsupported date/time input format 13\n");
+  EXPECT_EQ(fsDateTime(0, "3/7/98", 0, nullptr, nullptr, 0), 0);
+}
+
+TEST(DateTime, NoInputWritesPastItsBoundsOrTheLongestOutput) {
+  Converted widest = convert(4, "Sat Mar 07 -2147483648:-2147483648:-2147483648 2147483647", 10);
+  EXPECT_EQ(widest.text.substr(3), " Mar 07 2147483647 -2147483648:-2147483648:-2147483648 AM");
+  const std::string strange[] = {
+      std::string(5000, '9'), "Wednesday September 2147483647 99999999:-9:99999999 2147483647",
+      "07-" + std::string(300, 'M') + "-98", "07 Mar 98  99:99 " + std::string(80, 'P'),
+      "\xff\x80 \x01", "%s%n%d%c", ""};
+  captureStderr([&] {
+    for (const std::string &input : strange)
+      for (int in = 0; in <= 12; ++in)
+        for (int out = 0; out <= 10; ++out)
+          for (const char *separators : {"", "NONE", "wxyz"}) {
+            char buffer[61 + 8];
+            std::memset(buffer, '#', sizeof buffer);
+            fsDateTime(in, input.c_str(), out, buffer, separators, 0);
+            ASSERT_EQ(std::string(buffer + 61, 8), "########") << in << " " << out;
+            ASSERT_TRUE(buffer[0] == '#' || std::strlen(buffer) <= 60);
+          }
+  });
+}
+
+TEST(DateCommand, ConvertsListsLayoutsAndReportsErrors) {
+  using fskit::test::runTool;
+  EXPECT_EQ(runTool({"date", "--in", "2", "--out", "7", "--sep", "NONE", "07MAR98"}).out,
+            " 7MAR98 000000\n");
+  EXPECT_EQ(runTool({"date", "--in", "5", "--out", "5", "--now", "1:2:3"}).out, "01:02:03\n");
+  EXPECT_EQ(runTool({"date", "--out", "6"}).out.size(), 20u);
+  auto layouts = runTool({"date", "--layouts"}).out;
+  EXPECT_NE(layouts.find("in 6\t19980307140509+0000"), std::string::npos) << layouts;
+  EXPECT_NE(layouts.find("out 4\tSat Mar 07 14:05:09 1998\n"), std::string::npos);
+  auto unreadable = runTool({"date", "--in", "0", "tomorrow"});
+  EXPECT_EQ(std::to_string(unreadable.status) + unreadable.err,
+            "1Unable to generate valid input date from: tomorrow\n");
+  EXPECT_EQ(runTool({"date", "--out", "11"}).status + runTool({"date", "a", "b"}).status, 4);
+}

@@ -1,0 +1,304 @@
+// The converters: the published examples under every exported name, values
+// checked against their definitions (long double or exact arithmetic) over
+// generated bit patterns, sweeps of every 16-bit word, and round trips.
+#include <fskit/numformat.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cfenv>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Convert = void (*)(void *, void *);
+
+std::vector<unsigned char> hexBytes(const std::string &text) {
+  std::vector<unsigned char> bytes;
+  for (size_t at = 0; at + 1 < text.size(); at += 3)
+    bytes.push_back(static_cast<unsigned char>(std::stoul(text.substr(at, 2), nullptr, 16)));
+  return bytes;
+}
+
+// `from` converts to `to` in a destination (the source kept, nothing written
+// past the result), then over the source with a null destination (or, where
+// there is no in-place form, leaves the source alone); a null source is ignored.
+void expectConversion(Convert convert, const char *from, const char *to, bool inPlace = true) {
+  SCOPED_TRACE(std::string(from) + " -> " + to);
+  auto source = hexBytes(from), expected = hexBytes(to), kept = source;
+  std::vector<unsigned char> out(expected.size() + 1, 0xEE);
+  convert(source.data(), out.data());
+  EXPECT_EQ(source, kept);
+  EXPECT_EQ(std::vector(out.begin(), out.end() - 1), expected);
+  EXPECT_EQ(out.back(), 0xEE);
+  convert(source.data(), nullptr);
+  EXPECT_EQ(source, inPlace ? expected : kept);
+  convert(nullptr, out.data());
+}
+
+template <typename T>
+T decoded(Convert convert, const char *bytes) {
+  auto in = hexBytes(bytes);
+  T out;
+  convert(in.data(), &out);
+  return out;
+}
+
+// The value a VAX word stands for, from the fields of the stored bytes.
+long double vaxFloatValue(uint32_t w) {
+  uint32_t e = w >> 7 & 0xFF, f = (w & 0x7F) << 16 | w >> 16;
+  long double v = e == 0 ? 0.0L : std::ldexp(static_cast<long double>((1u << 23) + f), int(e) - 152);
+  return w & 0x8000 ? -v : v;
+}
+long double vaxDoubleValue(uint64_t d) {
+  uint64_t d0 = d & 0xFFFFFFFF, d1 = d >> 32;
+  uint64_t e = d0 >> 7 & 0xFF;
+  uint64_t f = (d0 & 0x7F) << 48 | (d0 >> 16) << 32 | (d1 & 0xFFFF) << 16 | d1 >> 16;
+  long double v = std::ldexp(static_cast<long double>((uint64_t(1) << 55) + f), int(e) - 184);
+  return d0 & 0x8000 ? -v : v;
+}
+
+template <typename Word>
+Word through(Convert convert, Word in) {
+  Word out;
+  convert(&in, &out);
+  return out;
+}
+
+}  // namespace
+
+TEST(NumberBytes, PublishedExamplesUnderEveryName) {
+  const char *single[][2] = {  // IEEE, VAX F; both ways
+      {"00 00 80 3F", "80 40 00 00"}, {"00 00 20 C0", "20 C1 00 00"},
+      {"00 00 C8 42", "C8 43 00 00"}, {"D0 0F 49 40", "49 41 D0 0F"},
+      {"00 00 80 7F", "FF 7F FF FF"}, {"00 00 00 80", "00 80 00 00"},
+      {"00 00 60 00", "40 01 00 00"}, {"00 00 20 00", "80 00 00 00"}};
+  for (auto [ieee, vax] : single) {
+    expectConversion(encodeVaxFloat, ieee, vax);
+    expectConversion(decodeVaxFloat, vax, ieee);
+  }
+  expectConversion(encodeVaxFloat, "00 00 10 00", "00 00 00 00");
+  expectConversion(decodeVaxFloat, "00 80 12 34", "00 00 00 80");
+  const char *twice[][2] = {  // IEEE, VAX D; both ways
+      {"00 00 00 00 00 00 F0 3F", "80 40 00 00 00 00 00 00"},
+      {"00 00 00 00 00 00 04 C0", "20 C1 00 00 00 00 00 00"},
+      {"18 2D 44 54 FB 21 09 40", "49 41 DA 0F 21 A2 C0 68"},
+      {"00 00 00 00 00 00 F0 FF", "FF FF FF FF FF FF FF FF"},
+      {"00 00 00 00 00 00 00 80", "00 80 00 00 00 00 00 00"}};
+  for (auto [ieee, vax] : twice) {
+    expectConversion(encodeVaxDouble, ieee, vax);
+    expectConversion(decodeVaxDouble, vax, ieee);
+  }
+  expectConversion(decodeVaxDouble, "00 00 00 00 00 00 08 00", "01 00 00 00 00 00 E0 37");
+
+  for (Convert swap : {decodeHpShort, encodeHpShort, decodeNovaUshort})
+    expectConversion(swap, "12 34", "34 12");
+  for (Convert swap : {decodeHpLong, encodeHpLong, decodeNovaUlong})
+    expectConversion(swap, "12 34 56 78", "78 56 34 12");
+  expectConversion(encodeHpDouble, "01 02 03 04 05 06 07 08", "04 03 02 01 08 07 06 05");
+  expectConversion([](void *s, void *d) { decodeHpDouble(s, d); }, "01 02 03 04 05 06 07 08",
+                   "04 03 02 01 08 07 06 05", false);
+  for (Convert copy : {+[](void *s, void *d) { decodeIeeeFloat(s, d); },
+                       +[](void *s, void *d) { encodeIeeeFloat(s, d); }})
+    expectConversion(copy, "01 02 03 04", "01 02 03 04", false);
+  for (Convert copy : {+[](void *s, void *d) { decodeIeeeDouble(s, d); },
+                       +[](void *s, void *d) { encodeIeeeDouble(s, d); }})
+    expectConversion(copy, "01 02 03 04 05 06 07 08", "01 02 03 04 05 06 07 08", false);
+  EXPECT_EQ(validFloat(nullptr), 1);
+  EXPECT_EQ(validDouble(nullptr), 1);
+}
+
+TEST(VaxFloat, AgreesWithTheValueDefinitionOverGeneratedPatterns) {
+  std::fesetround(FE_TOWARDZERO);  // the decoder truncates; so does this reference
+  std::mt19937 random(2024);
+  for (uint32_t exponent = 0; exponent < 256; ++exponent)
+    for (int i = 0; i < 4000; ++i) {
+      uint32_t fraction = i == 0 ? 0 : i == 1 ? 0x7FFFFF : random() >> 9;
+      if (exponent == 0 && i < 1000) fraction >>= i % 24;  // every denormal size
+      uint32_t ieee = (random() & 0x80000000u) | exponent << 23 | fraction;
+      float x = std::bit_cast<float>(ieee);
+      uint32_t vax = through(encodeVaxFloat, ieee);
+      if (exponent >= 254)
+        EXPECT_EQ(vax, 0xFFFF7FFFu | (ieee >> 16 & 0x8000)) << std::hex << ieee;
+      else if (std::fabs(x) < 0x1p-128f)
+        EXPECT_EQ(vax, ieee >> 16 & 0x8000) << std::hex << ieee;
+      else
+        EXPECT_EQ(vaxFloatValue(vax), x) << std::hex << ieee;
+
+      uint32_t word = random();
+      float expected = static_cast<float>(vaxFloatValue(word));
+      if ((word | 0x8000) == 0xFFFFFFFF) expected = std::copysign(INFINITY, expected);
+      EXPECT_EQ(through(decodeVaxFloat, word), std::bit_cast<uint32_t>(expected)) << std::hex << word;
+
+      // Back exactly, but for the largest such value: its VAX word means infinity.
+      if (exponent >= 1 && exponent <= 253 && (ieee & 0x7FFFFFFF) != 0x7EFFFFFF) {
+        EXPECT_EQ(through(decodeVaxFloat, vax), ieee) << std::hex << ieee;
+      }
+    }
+  std::fesetround(FE_TONEAREST);
+}
+
+TEST(VaxDouble, AgreesWithTheValueDefinitionOverGeneratedPatterns) {
+  std::fesetround(FE_TOWARDZERO);
+  std::mt19937_64 random(7);
+  for (uint64_t exponent = 0; exponent < 2048; exponent += 1 + exponent % 3)
+    for (int i = 0; i < 300; ++i) {
+      uint64_t ieee = (random() & uint64_t(1) << 63) | exponent << 52 | random() >> 12;
+      double x = std::bit_cast<double>(ieee);
+      uint64_t vax = through(encodeVaxDouble, ieee), sign = ieee >> 48 & 0x8000;
+      if (exponent >= 1150)
+        EXPECT_EQ(vax, 0xFFFFFFFFFFFF7FFFu | sign) << std::hex << ieee;
+      else if (exponent <= 894)
+        EXPECT_EQ(vax, sign) << std::hex << ieee;
+      else {
+        EXPECT_EQ(vaxDoubleValue(vax), x) << std::hex << ieee;
+        EXPECT_EQ(through(decodeVaxDouble, vax), ieee);
+      }
+
+      uint64_t word = random() & ~uint64_t(0xFF80);  // every exponent, low ones first
+      word |= uint64_t(i % 256) << 7;
+      double expected = static_cast<double>(vaxDoubleValue(word));
+      EXPECT_EQ(through(decodeVaxDouble, word), std::bit_cast<uint64_t>(expected)) << std::hex << word;
+      if (i % 256 != 0) {  // back to VAX: only the three lowest fraction bits go
+        uint64_t back = through(encodeVaxDouble, through(decodeVaxDouble, word));
+        EXPECT_EQ(back, word & ~(uint64_t(7) << 48)) << std::hex << word;
+      }
+    }
+  std::fesetround(FE_TONEAREST);
+}
+
+TEST(InstrumentWords, PublishedExamplesAndWhereResultsGo) {
+  EXPECT_EQ(decoded<float>(decodeNovaFloat, "41 10 00 00"), 1.0f);
+  EXPECT_EQ(decoded<float>(decodeNovaFloat, "C1 28 00 00"), -2.5f);
+  EXPECT_EQ(decoded<float>(decodeNovaFloat, "42 64 00 00"), 100.0f);
+  EXPECT_TRUE(std::signbit(decoded<float>(decodeNovaFloat, "C5 00 00 00")));  // -0.0
+  EXPECT_EQ(decoded<double>(decodeNovaDouble, "41 10 00 00 00 00 00 00"), 1.0);
+  EXPECT_EQ(decoded<double>(decodeNovaDouble, "41 32 43 F6 A8 88 5A 30"), 3.141592653589793);
+  auto incos = [](void *s, void *d) { decodeIncosMagMass(s, d); };
+  EXPECT_EQ(decoded<float>(incos, "00 01"), 1.0f);
+  EXPECT_EQ(decoded<float>(incos, "FF 1F"), 31.99609375f);
+  EXPECT_EQ(decoded<float>(incos, "00 20"), 32.015625f);
+  EXPECT_EQ(decoded<float>(incos, "00 E0"), 2049.0f);
+  EXPECT_EQ(decoded<float>(incos, "FF FF"), 4096.75f);
+  EXPECT_EQ(decoded<float>(decodeQuorInty, "00 08"), 1.0f);
+  EXPECT_EQ(decoded<float>(decodeQuorInty, "A0 57"), 1000.0f);
+  EXPECT_EQ(decoded<float>(decodeQuorInty, "00 00"), 0.5f);
+  EXPECT_EQ(decoded<float>(decodeQuorInty, "33 15"), 3.2998046875f);
+
+  // In place: a float over the Quor word's four bytes, the Quor word over the
+  // float's first two; the INCOS word has no room and is left alone.
+  unsigned char place[4] = {0xA0, 0x57, 0x34, 0x12};
+  decodeQuorInty(place, nullptr);
+  EXPECT_EQ(std::bit_cast<float>(place), 1000.0f);
+  encodeQuorInty(place, nullptr);
+  EXPECT_EQ(std::vector(place, place + 4), hexBytes("A0 57 7A 44"));  // 1000.0f's top half kept
+  decodeIncosMagMass(place, nullptr);
+  EXPECT_EQ(std::vector(place, place + 4), hexBytes("A0 57 7A 44"));
+}
+
+TEST(NovaFloatingPoint, RoundsTheDefinedValueToNearest) {
+  std::mt19937_64 random(11);
+  for (int i = 0; i < 200000; ++i) {
+    uint64_t word = random();
+    unsigned char bytes[8];
+    for (int b = 0; b < 8; ++b) bytes[b] = uint8_t(word >> (56 - 8 * b));
+    // f / 2^bits x 16^(e-64), exact in long double (64 significant bits).
+    auto value = [word](uint64_t f, int bits) {
+      long double v = std::ldexp(static_cast<long double>(f), 4 * (int(word >> 56 & 0x7F) - 64) - bits);
+      return word >> 63 ? -v : v;
+    };
+    float single;
+    double twice;
+    decodeNovaFloat(bytes, &single);
+    decodeNovaDouble(bytes, &twice);
+    EXPECT_EQ(std::bit_cast<uint32_t>(single),
+              std::bit_cast<uint32_t>(static_cast<float>(value(word >> 32 & 0xFFFFFF, 24))));
+    EXPECT_EQ(std::bit_cast<uint64_t>(twice),
+              std::bit_cast<uint64_t>(static_cast<double>(value(word & 0xFFFFFFFFFFFFFFu, 56))));
+  }
+}
+
+TEST(SixteenBitWords, EveryIncosAndQuorIntensityWord) {
+  for (uint32_t w = 0; w < 65536; ++w) {
+    uint16_t word = uint16_t(w);
+    uint32_t e = w >> 13, m = w & 0x1FFF;
+    float incos;
+    decodeIncosMagMass(&word, &incos);
+    EXPECT_EQ(incos, e == 0 ? m / 256.0 : (m + 8196) * std::pow(2.0, e - 9.0)) << w;
+
+    float intensity;
+    decodeQuorInty(&word, &intensity);
+    EXPECT_EQ(intensity, std::ldexp(2048.0 + (w & 0x7FF), int(w >> 11) - 12)) << w;
+    uint16_t back = 0;
+    encodeQuorInty(&intensity, &back);
+    EXPECT_EQ(back, word);
+  }
+  // Truncation, no sign, saturation at both ends of the range.
+  std::pair<float, uint16_t> encodings[] = {
+      {3.3f, 0x1533},   {-5.0f, 0x1A00},   {5.0f, 0x1A00},      {0.0f, 0},
+      {0.4999f, 0},     {-1e-40f, 0},      {0x1p31f, 0xFFFF},   {INFINITY, 0xFFFF},
+      {NAN, 0xFFFF},    {2146959360.0f, 0xFFFF}, {2146959232.0f, 0xFFFE}};
+  for (auto [value, word] : encodings) {
+    uint16_t out = 0x5555;
+    encodeQuorInty(&value, &out);
+    EXPECT_EQ(out, word) << value;
+  }
+}
+
+TEST(QuorRecord, ExamplesAndGeneratedMassWordsAtAnyAlignment) {
+  struct Case {  // what is encoded, the record, what it decodes to
+    double mass;
+    float intensity;
+    uint8_t flags;
+    const char *record;
+    double mass2;
+    float intensity2;
+  } cases[] = {
+      {1.0, 1.0f, 0, "00 08 00 00 00 02", 1.0, 1.0f},
+      {500.25, 1000.0f, 2, "A0 57 00 80 E8 93", 500.25, 1000.0f},
+      {500.25, 1000.0f, 6, "A0 57 00 80 E8 93", 500.25, 1000.0f},
+      {1234.5678, 250000.0f, 1, "42 97 A3 48 69 56", 1234.5677490234375, 249984.0f},
+      {0.0, 0.0f, 3, "00 00 00 00 00 C0", 0.5, 0.5f},
+      {-0x1p40, 1.0f, 0, "00 08 E7 FF FF 3F", 0x1p31 - 0x1p7, 1.0f},
+  };
+  unsigned char buffer[7];
+  unsigned char *record = buffer + 1;  // the mass word lands at an odd address
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.record);
+    encodeQuorMassInty(&c.mass, &c.intensity, &c.flags, record);
+    EXPECT_EQ(std::vector(record, record + 6), hexBytes(c.record));
+    double mass = 0;
+    float intensity = 0;
+    uint8_t flags = 9;
+    decodeQuorMassInty(record, &mass, &intensity, &flags);
+    EXPECT_EQ(mass, c.mass2);
+    EXPECT_EQ(intensity, c.intensity2);
+    EXPECT_EQ(flags, c.flags & 3);
+  }
+
+  std::mt19937 random(5);
+  for (int i = 0; i < 100000; ++i) {
+    uint32_t word = random();
+    std::memcpy(record + 2, &word, 4);
+    double mass;
+    decodeQuorMassInty(record, &mass, nullptr, nullptr);
+    uint32_t fraction = (word >> 5 & 0xFFFFF) << 3 | (word & 7);
+    EXPECT_EQ(mass, std::ldexp(double((1u << 23) | fraction), int(word >> 25 & 31) - 24));
+    float intensity = 1.0f;
+    uint8_t flags = uint8_t(word >> 30);
+    encodeQuorMassInty(&mass, &intensity, &flags, record);
+    uint32_t back;
+    std::memcpy(&back, record + 2, 4);
+    EXPECT_EQ(back, word & ~0x18u) << std::hex << word;  // bits 3 and 4 are written as zero
+  }
+  float intensity = 0;
+  uint8_t flags = 0;
+  decodeQuorMassInty(hexBytes("A0 57 00 80 E8 93").data(), nullptr, &intensity, &flags);
+  EXPECT_EQ(intensity, 1000.0f);
+  EXPECT_EQ(flags, 2);
+  encodeQuorMassInty(nullptr, nullptr, nullptr, record);  // nothing to do, no crash
+  decodeQuorMassInty(nullptr, nullptr, nullptr, nullptr);
+}

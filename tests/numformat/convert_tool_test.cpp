@@ -1,0 +1,60 @@
+// fskit convert: values on the command line both ways, a whole file, and the
+// usage errors.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/test_support.h"
+
+using fskit::test::runTool;
+
+TEST(ConvertTool, DecodesAndEncodesEveryFormat) {
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"vaxf", "80 40 00 00", "20C10000", "FF7FFFFF"}, "1\n-2.5\ninf\n"},
+      {{"vaxd", "49 41 DA 0F 21 A2 C0 68"}, "3.141592653589793\n"},
+      {{"hpshort", "12 34"}, "4660\n"},
+      {{"hplong", "FF FF FF FE"}, "4294967294\n"},
+      {{"hpdouble", "00 00 00 00 3F F0 00 00"}, "1\n"},
+      {{"novaf", "C1 28 00 00"}, "-2.5\n"},
+      {{"novad", "41 32 43 F6 A8 88 5A 30"}, "3.141592653589793\n"},
+      {{"incos", "00 20"}, "32.015625\n"},
+      {{"quorinty", "a0 57"}, "1000\n"},
+      {{"quorrec", "42 97 A3 48 69 56"}, "1234.5677490234375 249984 1\n"},
+      {{"--encode", "vaxd", "3.141592653589793"}, "49 41 DA 0F 21 A2 C0 68\n"},
+      {{"--encode", "vaxf", "-0", "1e39"}, "00 80 00 00\nFF 7F FF FF\n"},
+      {{"--encode", "hpshort", "-1", "65535"}, "FF FF\nFF FF\n"},
+      {{"--encode", "hplong", "305419896"}, "12 34 56 78\n"},
+      {{"--encode", "hpdouble", "1"}, "00 00 00 00 3F F0 00 00\n"},
+      {{"--encode", "quorinty", "3.3"}, "33 15\n"},
+      {{"--encode", "quorrec", "1234.5678,250000,1", "1,1"}, "42 97 A3 48 69 56\n00 08 00 00 00 02\n"},
+  };
+  for (auto [args, out] : cases) {
+    args.insert(args.begin(), "convert");
+    auto result = runTool(args);
+    EXPECT_EQ(result.status, 0) << args[1] << result.err;
+    EXPECT_EQ(result.out, out) << args[1];
+  }
+}
+
+TEST(ConvertTool, DumpsAFileAndReportsWhatDoesNotFit) {
+  fskit::test::TempDir dir;
+  std::string path = dir.file("spectrum.dat");
+  fskit::test::writeFile(path, std::string("\x00\x08\x00\x00\x00\x02\xA0\x57\x00\x80\xE8\x93\x01", 13));
+  auto result = runTool({"convert", "--file", path, "--format", "quorrec"});
+  EXPECT_EQ(result.out, "1 1 0\n500.25 1000 2\n");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "fskit convert: " + path + ": 1 byte left at the end, not a whole quorrec value\n");
+  EXPECT_EQ(runTool({"convert", "--file", dir.file("none"), "--format", "vaxf"}).status, 1);
+
+  for (std::vector<std::string> args : std::vector<std::vector<std::string>>{
+           {"vaxf"}, {"nosuch", "00"}, {"vaxf", "80 40 00"}, {"vaxf", "8040000G"},
+           {"--encode", "novaf", "1"}, {"--encode", "hpshort", "65536"},
+           {"--encode", "quorrec", "1,1,4"}, {"--file", path}, {"--bogus"}}) {
+    args.insert(args.begin(), "convert");
+    auto bad = runTool(args);
+    EXPECT_EQ(bad.status, 2) << args.back();
+    EXPECT_EQ(bad.out, "");
+    EXPECT_EQ(bad.err.rfind("fskit convert: ", 0), 0u) << args.back();
+  }
+}

@@ -1,0 +1,209 @@
+// fsStrSort and `fskit sort`: the printed texts, the output against GNU sort
+// on generated files, and the failures, after none of which a work file may
+// remain.
+#include <fskit/sort.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "tests/support/test_support.h"
+
+using fskit::test::TempDir;
+
+namespace {
+
+struct Sorted {
+  long result;
+  std::string printed, output;
+};
+
+Sorted sortFile(const TempDir &dir, const std::string &content, long buffer, bool keep,
+                bool counts, std::string output = "", std::string prefix = "") {
+  std::string input = dir.file("in.txt");
+  if (output.empty()) output = dir.file("out.txt");
+  if (prefix.empty()) prefix = dir.path() + "/";
+  fskit::test::writeFile(input, content);
+  bool inDir = output.rfind(dir.path(), 0) == 0;  // never remove or read /dev/full
+  if (inDir) std::filesystem::remove(output);
+  Sorted s;
+  s.printed = fskit::test::captureStdout([&] {
+    s.result = fsStrSort(input.c_str(), output.c_str(), prefix.c_str(), buffer, keep, counts);
+  });
+  s.output = inDir && fskit::test::fileExists(output) ? fskit::test::readFile(output) : "<none>";
+  return s;
+}
+
+int workFilesLeft(const TempDir &dir) {
+  int left = 0;
+  for (const auto &entry : std::filesystem::directory_iterator(dir.path()))
+    left += entry.path().filename().string().rfind("sort_", 0) == 0;
+  return left;
+}
+
+std::string gnuSort(const TempDir &dir, const std::string &content, const std::string &options,
+                    const std::string &pipe = "") {
+  fskit::test::writeFile(dir.file("gnu.txt"), content);
+  std::string command = "export LC_ALL=C; sort " + options + " " + dir.file("gnu.txt") + pipe +
+                        " > " + dir.file("gnu.out");
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  return fskit::test::readFile(dir.file("gnu.out"));
+}
+
+// Lines drawn from a small vocabulary, so that many repeat; with tabs,
+// blanks and bytes above 0x7f, and the empty line.
+std::string generatedLines(int lines, size_t longest, unsigned seed) {
+  std::mt19937 random(seed);
+  const std::string alphabet = "abcABZ09 \t~\x80\xe9\xff";
+  std::vector<std::string> vocabulary(300);
+  for (auto &word : vocabulary)
+    for (size_t k = random() % (longest + 1); k > 0; --k) word += alphabet[random() % alphabet.size()];
+  std::string text;
+  for (int k = 0; k < lines; ++k) text += vocabulary[random() % vocabulary.size()] + "\n";
+  return text;
+}
+
+// "text count" lines, in order of their texts, into text -> count (the
+// counts of a text written more than once added up).
+std::map<std::string, long> countsOf(const std::string &output) {
+  std::map<std::string, long> counts;
+  std::istringstream lines(output);
+  std::string previous;
+  for (std::string line; std::getline(lines, line);) {
+    std::string text = line.substr(0, line.rfind(' '));
+    EXPECT_LE(previous, text);
+    counts[text] += std::stol(line.substr(line.rfind(' ') + 1));
+    previous = text;
+  }
+  return counts;
+}
+
+}  // namespace
+
+TEST(FileSort, PrintsProgressAndMergesChunksAsDocumented) {
+  TempDir dir;
+  Sorted keep = sortFile(dir, "c\nb\na\nb\n", 4, true, false);
+  std::string work0 = dir.path() + "/sort_0.tmp", work1 = dir.path() + "/sort_1.tmp";
+  EXPECT_EQ(keep.printed, "Sorting file " + dir.file("in.txt") + " with 8 bytes, 4 bytes at a time\n"
+                          "Indexing 2 records of 4 bytes ...\nSorting 2 records ...\n"
+                          "Writing output file " + work0 + " ...\n"
+                          "Indexing 2 records of 4 bytes ...\nSorting 2 records ...\n"
+                          "Writing output file " + work1 + " ...\n"
+                          "Merging 2 work files ...\n4 records written\n");
+  EXPECT_EQ(keep.output, "a\nb\nb\nc\n");
+  EXPECT_EQ(keep.result, 4);
+  Sorted collapsed = sortFile(dir, "c\nb\na\nb\n", 4, false, false);
+  EXPECT_EQ(collapsed.output, "a\nb\nc\n");
+  EXPECT_EQ(collapsed.result, 3);
+  // In memory: the output is the only destination; empty lines vanish when
+  // collapsing, and bytes after the last newline are dropped.
+  Sorted counted = sortFile(dir, "b\n\na\nb\n\nzz", 0, false, true);
+  EXPECT_EQ(counted.printed, "Sorting file " + dir.file("in.txt") + " with 10 bytes, in memory 10\n"
+                             "Indexing 5 records of 8 bytes ...\nSorting 5 records ...\n"
+                             "Writing output file " + dir.file("out.txt") + " ...\n2 records written\n");
+  EXPECT_EQ(counted.output, "a 1\nb 2\n");
+  Sorted everything = sortFile(dir, "b\n\na\nb\n\nzz", 1000, true, true);
+  EXPECT_EQ(everything.output, "\n\na\nb\nb\n");
+  EXPECT_EQ(everything.result, 5);
+  EXPECT_EQ(workFilesLeft(dir), 0);
+}
+
+TEST(FileSort, MatchesGnuSortInMemoryInChunksAndInMergePasses) {
+  TempDir dir;
+  for (size_t longest : {30, 4000}) {
+    std::string text = generatedLines(longest > 100 ? 400 : 6000, longest, unsigned(longest));
+    std::string sorted = gnuSort(dir, text, ""), unique = gnuSort(dir, text, "-u");
+    if (unique.rfind("\n", 0) == 0) unique.erase(0, 1);  // the empty line vanishes
+    std::map<std::string, long> counts;
+    std::istringstream uniqCounts(gnuSort(dir, text, "", " | uniq -c"));
+    for (long count; uniqCounts >> count;) {
+      std::string line;
+      std::getline(uniqCounts, line);
+      if (line.size() > 1) counts[line.substr(1)] = count;
+    }
+    long size = long(text.size());
+    // Whole file, ten chunks, and enough chunks for several merge passes.
+    for (long buffer : {0L, size / 10, size / 45}) {
+      SCOPED_TRACE(testing::Message() << "longest " << longest << " buffer " << buffer);
+      Sorted keep = sortFile(dir, text, buffer, true, false);
+      EXPECT_EQ(keep.output, sorted);
+      EXPECT_EQ(sortFile(dir, text, buffer, false, false).output, unique);
+      Sorted counted = sortFile(dir, text, buffer, false, true);
+      std::map<std::string, long> ours = countsOf(counted.output);
+      if (buffer == 0) {
+        EXPECT_EQ(ours, counts);
+        EXPECT_EQ(counted.result, long(counts.size()));
+      } else {
+        // Per chunk counts; "x 2" from two chunks is one line, so no more than
+        // the true count, and every text is there.
+        ASSERT_EQ(ours.size(), counts.size());
+        for (auto [text, count] : ours) EXPECT_LE(count, counts[text]);
+      }
+      EXPECT_EQ(workFilesLeft(dir), 0);
+    }
+  }
+}
+
+TEST(FileSort, FailuresPrintTheirTextAndLeaveNoWorkFile) {
+  TempDir dir;
+  std::string in = dir.file("in.txt"), missing = dir.path() + "/no/out.txt";
+  struct Case {
+    std::string content;
+    long buffer;
+    std::string output, prefix, lastLines;
+  };
+  const Case cases[] = {
+      {"", 0, "", "", "Sorting file " + in + " with 0 bytes, in memory 0\n0 records written\n"},
+      {"b\na\n", 0, missing, "", "Cannot open file " + missing + "\n0 records written\n"},
+      {"b\na\n", 2, missing, "", "Cannot open output file " + missing + "\n0 records written\n"},
+      {"b\na\n", 2, "", dir.path() + "/no/", "Cannot open file " + dir.path() + "/no/sort_0.tmp\n0 records written\n"},
+      {"b\na\n", 0, "/dev/full", "", "Error writing output file\n"},
+      {"b\na\n", 2, "/dev/full", "", "Error writing output file\n"},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.lastLines);
+    Sorted s = sortFile(dir, c.content, c.buffer, true, false, c.output, c.prefix);
+    EXPECT_EQ(s.result, 0);
+    ASSERT_GE(s.printed.size(), c.lastLines.size());
+    EXPECT_EQ(s.printed.substr(s.printed.size() - c.lastLines.size()), c.lastLines);
+    if (c.output.empty()) {
+      EXPECT_EQ(s.output, "<none>");
+    }
+    EXPECT_EQ(workFilesLeft(dir), 0);
+  }
+  for (std::string unreadable : {dir.file("absent"), dir.path()}) {
+    std::string printed = fskit::test::captureStdout([&] {
+      EXPECT_EQ(fsStrSort(unreadable.c_str(), dir.file("out").c_str(), "", 0, 1, 0), 0);
+    });
+    EXPECT_EQ(printed, "Cannot open input file " + unreadable + "\n");
+  }
+  // A work file left by an earlier sort with the same prefix goes at the start.
+  fskit::test::writeFile(dir.file("sort_7.tmp"), "old\n");
+  sortFile(dir, "x\n", 0, true, false);
+  EXPECT_EQ(workFilesLeft(dir), 0);
+  // A line longer than the buffer ends the chunk phase.
+  Sorted stopped = sortFile(dir, "b\na\nlong line\nc\n", 4, true, false);
+  EXPECT_EQ(stopped.output, "a\nb\n");
+}
+
+TEST(FileSort, ToolSortsWithTheLibraryTexts) {
+  TempDir dir;
+  fskit::test::writeFile(dir.file("in.txt"), "b\na\nb\n");
+  auto result = fskit::test::runTool({"sort", "in.txt", "out.txt", "--count"}, "", dir.path());
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, "Sorting file in.txt with 6 bytes, in memory 6\nIndexing 3 records of 6 bytes ...\n"
+                        "Sorting 3 records ...\nWriting output file out.txt ...\n2 records written\n");
+  EXPECT_EQ(fskit::test::readFile(dir.file("out.txt")), "a 1\nb 2\n");
+  result = fskit::test::runTool({"sort", "in.txt", "sorted.txt", "--buffer", "2", "--prefix", "w_"}, "", dir.path());
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(fskit::test::readFile(dir.file("sorted.txt")), "a\nb\nb\n");
+  EXPECT_EQ(fskit::test::runTool({"sort", "in.txt"}).status, 2);
+  EXPECT_EQ(fskit::test::runTool({"sort", "in.txt", "out", "--buffer", "x"}).status, 2);
+  result = fskit::test::runTool({"sort", "absent.txt", "out.txt"}, "", dir.path());
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "Cannot open input file absent.txt\n");
+}
