@@ -8,26 +8,14 @@
 #include <sys/stat.h>
 #include <windows.h>
 
-#include <cstdio>
+#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
 #include "platform/platform.h"
+#include "platform/temporary_name.h"
 
 namespace fskit::platform {
 namespace {
-
-// Part of the target's base name kept in the temporary name, short enough
-// that the temporary name fits where the target's fits.
-constexpr int kBaseNameKept = 200;
-constexpr int kNameAttempts = 100;
-
-char *copyOf(const char *text) {
-  size_t size = std::strlen(text) + 1;
-  char *copy = static_cast<char *>(std::malloc(size));
-  if (copy != nullptr) std::memcpy(copy, text, size);
-  return copy;
-}
 
 // Length of the directory part of `path`, separator included: up to the
 // last slash or backslash, or past a drive's colon.
@@ -42,23 +30,20 @@ size_t directoryLength(const char *path) {
 // `denied` tells that the directory refused it.
 int createBeside(const char *target, char *&temporary, bool &denied) {
   size_t prefix = directoryLength(target);
-  size_t size = prefix + kBaseNameKept + 64;
-  temporary = static_cast<char *>(std::malloc(size));
-  if (temporary == nullptr) return -1;
-  static unsigned counter = 0;
   for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-    std::snprintf(temporary, size, "%.*s.%.*s.%d-%u.tmp", int(prefix), target, kBaseNameKept,
-                  target + prefix, ::_getpid(), counter++);
+    temporary = temporaryNameBeside(target, prefix, long(::_getpid()));
+    if (temporary == nullptr) return -1;
     int fd = ::_open(temporary, _O_WRONLY | _O_CREAT | _O_EXCL | _O_TEXT | _O_NOINHERIT,
                      _S_IREAD | _S_IWRITE);
     if (fd >= 0) return fd;
-    if (errno != EEXIST) {
-      denied = errno == EACCES;
+    int error = errno;
+    std::free(temporary);
+    temporary = nullptr;
+    if (error != EEXIST) {
+      denied = error == EACCES;
       break;
     }
   }
-  std::free(temporary);
-  temporary = nullptr;
   return -1;
 }
 
