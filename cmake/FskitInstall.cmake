@@ -13,9 +13,11 @@ install(FILES ${PROJECT_BINARY_DIR}/include/fskit/version.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fskit)
 install(EXPORT fskitTargets NAMESPACE fskit:: DESTINATION ${FSKIT_CMAKE_DIR})
 
+set(FSKIT_ELEMENT_FILE ${CMAKE_INSTALL_DATADIR}/fskit/kw_elements.tbl)
 configure_package_config_file(cmake/fskitConfig.cmake.in
   ${PROJECT_BINARY_DIR}/fskitConfig.cmake
-  INSTALL_DESTINATION ${FSKIT_CMAKE_DIR})
+  INSTALL_DESTINATION ${FSKIT_CMAKE_DIR}
+  PATH_VARS FSKIT_ELEMENT_FILE)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/fskitConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/fskitConfig.cmake

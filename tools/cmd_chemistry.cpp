@@ -24,14 +24,18 @@ namespace fskit::tool {
 namespace {
 
 // The library reports through its message function; the tool sends those
-// lines to standard error so that standard output holds only results.
+// lines to standard error, each as one line naming the command, so that
+// standard output holds only results.
+const char *reportingCommand = "";
+int messagesShown = 0;
+
 int32_t messagesToStderr(const char *routine, int32_t *count, int32_t *codes, int32_t *,
                          int32_t *, char **texts) {
-  for (int32_t i = 0; count != nullptr && i < *count; ++i) {
+  for (int32_t i = 0; count != nullptr && i < *count; ++i, ++messagesShown) {
     if (codes[i] == 0)
-      std::fprintf(stderr, "%s\n", texts[i]);
+      std::fprintf(stderr, "fskit %s: %s\n", reportingCommand, texts[i]);
     else
-      std::fprintf(stderr, "%s: %s\n", routine, texts[i]);
+      std::fprintf(stderr, "fskit %s: %s: %s\n", reportingCommand, routine, texts[i]);
   }
   return 0;
 }
@@ -63,8 +67,10 @@ int takeTableChoice(const char *command, std::vector<std::string> &args, TableCh
   return kOk;
 }
 
-// Loads the element table the choice names. kOk, or the failure reported.
+// Loads the element table the choice names. kOk, or the failure reported in
+// one line.
 int loadElementTable(const char *command, const TableChoice &choice) {
+  reportingCommand = command;
   fsRegisterMessage(messagesToStderr);
   int32_t loaded = 0;
   std::optional<std::string> shipped = shippedTable();
@@ -72,7 +78,7 @@ int loadElementTable(const char *command, const TableChoice &choice) {
     loaded = fsLoadElemTable(choice.elements->c_str());
   } else if (choice.ini) {
     int32_t handle = fsIniReadFile(choice.ini->c_str());
-    if (handle == 0) return failure(command, "cannot read INI file " + *choice.ini);
+    if (handle == 0) return kFailed;  // the library has said why
     char value[1024], comment[2];
     if (fsIniGetValue(handle, "Formula Files", "elementFile", value, comment) != 0 || !shipped)
       loaded = fsInitElemTable(handle, 1);
@@ -83,7 +89,9 @@ int loadElementTable(const char *command, const TableChoice &choice) {
   } else {
     loaded = fsInitElemTable(0, 1);
   }
-  if (loaded == 0) return failure(command, "no element table could be loaded");
+  // The library has said why, unless it failed silently.
+  if (loaded == 0)
+    return messagesShown > 0 ? kFailed : failure(command, "no element table could be loaded");
   if (fsElementTableCount() < 1) return failure(command, "the element table holds no records");
   return kOk;
 }

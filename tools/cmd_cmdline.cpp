@@ -12,6 +12,8 @@
 namespace fskit::tool {
 
 int runCmdline(std::vector<std::string> &args) {
+  if (auto option = unknownOption(args)) return usageError("cmdline", "unknown option " + *option);
+  if (!args.empty() && args.front() == "--") args.erase(args.begin());
   if (args.empty()) return usageError("cmdline", "needs a LINE");
   // Several words are joined as the library joins a program's arguments.
   std::vector<char *> argv{nullptr};
@@ -21,11 +23,9 @@ int runCmdline(std::vector<std::string> &args) {
   if (line == nullptr) return failure("cmdline", "out of memory");
   KwaCmdLnParts parts;
   int32_t stop = kwaCmdLnPrts(line, &parts);
-  if (stop != 0) {
+  if (stop != 0) {  // the parser has printed why on stderr, in one line
     fsFree(&line);
-    std::string message = "stopped at character " + std::to_string(stop);
-    if (stop > ' ' && stop < 127) message += std::string(" '") + char(stop) + "'";
-    return failure("cmdline", message);
+    return kFailed;
   }
   for (int i = 0; i < parts.nArgs; ++i)
     std::printf("argument\t%s%s\n", parts.args[i], parts.argEnds[i] == ',' ? "\t," : "");

@@ -1,5 +1,9 @@
 // fskit ls: the records of a directory listing.
+#include <dirent.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include <fskit/files.h>
 
@@ -20,6 +24,16 @@ int runLs(std::vector<std::string> &args) {
     std::printf("%s\t%s\t%s\t%s\n", list[i].name, list[i].extension, list[i].directory,
                 list[i].drive);
   fsReadDirFree(count, &list);
+  if (count > 0) return kOk;
+  // Nothing listed: no match is not an error, a directory that cannot be read
+  // is. The library reads a backslash as '/' and "" as the current directory.
+  std::string directory = args[0].empty() ? "." : args[0];
+  for (char &c : directory)
+    if (c == '\\') c = '/';
+  DIR *opened = opendir(directory.c_str());
+  if (opened == nullptr)
+    return failure("ls", "cannot read directory " + args[0] + ": " + std::strerror(errno));
+  closedir(opened);
   return kOk;
 }
 

@@ -127,7 +127,8 @@ const std::vector<Command> &commands() {
        "matches names without a dot); * is any run of characters, ? any one,\n"
        "case counts. One line per name, tab-separated: name (up to the first\n"
        "dot), extension, directory, drive. Names beginning with a dot are left\n"
-       "out; nothing is printed when nothing matches.\n"
+       "out. Nothing matching prints nothing (status 0); a directory that cannot\n"
+       "be read is an error (status 1).\n"
        "example: fskit ls data 'run*' .raw\n",
        runLs},
       // -- cmdline
@@ -136,8 +137,8 @@ const std::vector<Command> &commands() {
        "Parses LINE (several words are joined with single blanks) and prints one\n"
        "line per part: \"argument<TAB>TEXT\" (with \"<TAB>,\" when a comma ended it),\n"
        "then \"qualifier<TAB>NAME\" or \"qualifier<TAB>NAME<TAB>VALUE\". When parsing\n"
-       "stops, the parser's message and the stop character go to standard error\n"
-       "and the status is 1.\n"
+       "stops, the parser's message goes to standard error and the status is 1.\n"
+       "Put -- before a LINE whose first word begins with --.\n"
        "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
        runCmdline},
       {"tags", "list a tag file or look a tag or label up in it",

@@ -24,6 +24,14 @@ for header in fskit.h frame.h export.h version.h; do
   [ -f "$prefix/include/fskit/$header" ] || { echo "FAIL: include/fskit/$header not installed"; exit 1; }
 done
 [ -x "$prefix/bin/fskit" ] || { echo "FAIL: bin/fskit not installed"; exit 1; }
+for file in share/man/man1/fskit.1 share/fskit/kw_elements.tbl; do
+  [ -f "$prefix/$file" ] || { echo "FAIL: $file not installed"; exit 1; }
+done
+# The installed tool finds its library and the shipped element table by its
+# own place, without LD_LIBRARY_PATH.
+masses=$(env -u LD_LIBRARY_PATH "$prefix/bin/fskit" formula C6H12O6 | tail -n 1)
+[ "$masses" = "$(printf 'C6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0')" ] ||
+  { echo "FAIL: installed fskit formula gave '$masses'"; exit 1; }
 libdir=$(dirname "$(find "$prefix" -name 'libfskit.so.1' | head -n 1)")
 [ -L "$libdir/libfskit.so" ] && [ -f "$libdir/libfskit.a" ] || { echo "FAIL: library files"; exit 1; }
 soname=$(objdump -p "$libdir/libfskit.so" | awk '/SONAME/ {print $2}')
