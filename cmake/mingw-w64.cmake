@@ -22,7 +22,9 @@ find_program(CMAKE_CXX_COMPILER NAMES ${triple}-g++-posix ${triple}-g++ REQUIRED
 find_program(CMAKE_RC_COMPILER NAMES ${triple}-windres)
 find_program(CMAKE_OBJDUMP NAMES ${triple}-objdump objdump)
 
-set(CMAKE_FIND_ROOT_PATH /usr/${triple})
+# Packages for the target only: the mingw-w64 tree, and any root given on the
+# command line (-DCMAKE_FIND_ROOT_PATH=...), such as an installed fskit.
+list(APPEND CMAKE_FIND_ROOT_PATH /usr/${triple})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
