@@ -16,28 +16,37 @@ foreach(lib fskit fskit_static)
   target_link_libraries(${lib} PRIVATE $<BUILD_INTERFACE:fskit_options>)
   target_link_libraries(${lib} PUBLIC m)
 endforeach()
-# The exported names live in exports.txt. FSKIT_API marks them in the sources;
-# a version script made from the same list keeps everything else (template
-# instantiations of the standard library among them) out of the symbol table.
+# The exported names live in exports.txt. FSKIT_API marks them in the sources.
+# On ELF a version script made from the same list keeps everything else
+# (template instantiations of the standard library among them) out of the
+# symbol table; a DLL exports only what is marked dllexport, so there the
+# marks alone decide.
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/exports.txt)
-file(STRINGS ${PROJECT_SOURCE_DIR}/exports.txt fskit_export_lines)
-set(fskit_version_script "{\n  global:\n")
-foreach(line IN LISTS fskit_export_lines)
-  string(STRIP "${line}" line)
-  if(line AND NOT line MATCHES "^#")
-    string(APPEND fskit_version_script "    ${line};\n")
-  endif()
-endforeach()
-string(APPEND fskit_version_script "  local: *;\n};\n")
-file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/fskit.map CONTENT "${fskit_version_script}")
+if(WIN32)
+  # fskit.dll with its import library libfskit.dll.a, beside the static libfskit.a.
+  target_sources(fskit PRIVATE ${PROJECT_SOURCE_DIR}/platform/windows/dll_entry.cpp)
+  set_target_properties(fskit PROPERTIES PREFIX "" VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  target_compile_definitions(fskit_static INTERFACE FSKIT_STATIC)
+else()
+  file(STRINGS ${PROJECT_SOURCE_DIR}/exports.txt fskit_export_lines)
+  set(fskit_version_script "{\n  global:\n")
+  foreach(line IN LISTS fskit_export_lines)
+    string(STRIP "${line}" line)
+    if(line AND NOT line MATCHES "^#")
+      string(APPEND fskit_version_script "    ${line};\n")
+    endif()
+  endforeach()
+  string(APPEND fskit_version_script "  local: *;\n};\n")
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/fskit.map CONTENT "${fskit_version_script}")
 
-set_target_properties(fskit PROPERTIES
-  VERSION ${PROJECT_VERSION}
-  SOVERSION ${PROJECT_VERSION_MAJOR}
-  LINK_DEPENDS ${PROJECT_BINARY_DIR}/fskit.map)
-target_link_options(fskit PRIVATE
-  -Wl,--version-script=${PROJECT_BINARY_DIR}/fskit.map
-  $<$<NOT:$<BOOL:${FSKIT_SANITIZE}>>:-Wl,--no-undefined>)
+  set_target_properties(fskit PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINK_DEPENDS ${PROJECT_BINARY_DIR}/fskit.map)
+  target_link_options(fskit PRIVATE
+    -Wl,--version-script=${PROJECT_BINARY_DIR}/fskit.map
+    $<$<NOT:$<BOOL:${FSKIT_SANITIZE}>>:-Wl,--no-undefined>)
+endif()
 set_target_properties(fskit_static PROPERTIES OUTPUT_NAME fskit EXPORT_NAME fskit_static)
 add_library(fskit::fskit ALIAS fskit)
 add_library(fskit::fskit_static ALIAS fskit_static)

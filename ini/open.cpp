@@ -29,7 +29,11 @@ int32_t openSlot(const char *fileName, bool readFile) {
     return 0;
   }
   std::FILE *stream = nullptr;
-  if (readFile && (stream = std::fopen(fileName, "r")) == nullptr) {
+  // Binary, as everywhere but Windows anyway: the reader goes back to a
+  // line's start with ftell/fseek, which a Windows text stream miscounts on
+  // lines ending in LF alone; a CR before the LF is trimmed like other
+  // trailing control characters.
+  if (readFile && (stream = std::fopen(fileName, "rb")) == nullptr) {
     std::free(nameCopy);
     std::fprintf(stderr, "Error opening ini file %s\n", fileName);
     return 0;

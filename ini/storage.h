@@ -9,6 +9,8 @@
 #include <new>
 #include <utility>
 
+#include "platform/platform.h"
+
 namespace fskit::ini {
 
 // Results of read, write and grow: 0 done (for read: go on), 1 failed (for
@@ -41,7 +43,7 @@ void setText(char *&field, const char *text, Trim trim);
 
 // Writes `text` to `stream`; false on an output error. A stream written by
 // the writer belongs to that one write, so it is not locked call by call.
-inline bool put(std::FILE *stream, const char *text) { return fputs_unlocked(text, stream) >= 0; }
+inline bool put(std::FILE *stream, const char *text) { return platform::putText(text, stream) >= 0; }
 
 // First-match lookup by name over a list that only grows at its end. Short
 // lists are scanned; longer ones get a hash table that takes in the slots

@@ -1,13 +1,14 @@
 // The thin layer between the library and the operating system. The library's
 // own code reaches the platform only through these names, which are those of
-// the original platform; a Windows build maps them back to the real calls.
-// Nothing here is exported.
+// the original platform; a Windows build maps them back to the real calls
+// (platform/windows/). Nothing here is exported.
 #pragma once
 
 #include <sys/stat.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 
 namespace fskit::platform {
 
@@ -18,16 +19,29 @@ int _strnicmp(const char *a, const char *b, unsigned long n);
 // File status; 0 on success, -1 with errno set on failure.
 int _stat(const char *path, struct stat *status);
 
-// Registers `fn` to run when the library is unloaded or the process ends.
-// Returns `fn`, or null when it could not be registered.
+// Registers `fn` to run when the library is unloaded or the process ends
+// (for fskit.dll: when it is detached from the process). Returns `fn`, or
+// null when it could not be registered; a function registered again runs once.
 using OnExitFunction = int (*)();
 OnExitFunction _onexit(OnExitFunction fn);
 
 // One code from standard input without echo or line buffering (raw mode for
 // the call when it is a terminal, Enter giving 13). A terminal's cursor,
 // editing and function keys come back as two codes, 0 or 224 and then the
-// key's console code; a lone Escape is 27, end of input 4.
+// key's console code; a lone Escape is 27, end of input 4. On Windows the
+// console's own _getch when standard input is the console, else its bytes
+// as they are.
 int _getch();
+
+// fputs for a stream that only the caller uses: without locking it call by
+// call where the C library allows that.
+inline int putText(const char *text, std::FILE *stream) {
+#if defined(_WIN32)
+  return std::fputs(text, stream);
+#else
+  return fputs_unlocked(text, stream);
+#endif
+}
 
 }  // namespace fskit::platform
 
@@ -50,8 +64,9 @@ enum class ReplaceStart {
 // Starts replacing `path` when it is a writable regular file, or does not
 // exist, in a writable directory. When kReady, `fd` is the temporary file,
 // opened for writing with the target's permission bits (and owner, where
-// allowed), or those a new file would get; finish with commitReplacement()
-// or abandonReplacement().
+// allowed), or those a new file would get (on Windows: in text mode, and the
+// target's attributes are kept when it is replaced); finish with
+// commitReplacement() or abandonReplacement().
 ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &fd);
 // Renames the temporary file over the target: 0 done, -1 failed (the
 // temporary file is then removed).
@@ -60,17 +75,21 @@ int commitReplacement(Replacement &replacement);
 void abandonReplacement(Replacement &replacement);
 
 // Directory services. Every path and pattern given to them may use `\` as
-// well as `/` to separate directories.
+// well as `/` to separate directories: on Windows both are the system's own,
+// and the paths go to it as they are.
 
+#if !defined(_WIN32)
 // Room for a path of the host (PATH_MAX) with its terminator.
 inline constexpr size_t kHostPathSize = 4096;
 // Copies `path` into `hostPath` with every `\` turned into `/`; false, with
 // errno ENAMETOOLONG, when it does not fit in kHostPathSize bytes (EINVAL for
 // a null path).
 bool toHostPath(const char *path, char (&hostPath)[kHostPathSize]);
+#endif
 
 // The record a directory search fills, laid out byte for byte as the original
-// platform's (318 bytes, cFileName at offset 44). Only cFileName is filled.
+// platform's (318 bytes, cFileName at offset 44). Only cFileName is filled
+// (on Windows: every field, as the system fills its own record).
 struct __attribute__((packed)) FindData {
   uint32_t dwFileAttributes;
   uint32_t ftCreationTime[2];
@@ -93,8 +112,9 @@ inline constexpr SearchHandle kNoSearch = -1;
 // Starts a search for the names that the last component of `pattern` matches
 // in the directory the rest names (the current one when there is none). The
 // last component is matched case-sensitively: `*` any run of characters, `?`
-// any one, and a final ".*" also matches a name without a dot. On success the
-// first name is in data->cFileName.
+// any one, and a final ".*" also matches a name without a dot (on Windows:
+// by FindFirstFileA's rules, without regard to case). On success the first
+// name is in data->cFileName.
 SearchHandle FindFirstFileSA(const char *pattern, FindData *data);
 // Puts the next matching name in data->cFileName: non-zero, or 0 at the end.
 int FindNextFileSA(SearchHandle search, FindData *data);

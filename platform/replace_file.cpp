@@ -8,41 +8,25 @@
 #include <cstring>
 
 #include "platform/platform.h"
+#include "platform/temporary_name.h"
 
 namespace fskit::platform {
 namespace {
 
-// Part of the target's base name kept in the temporary name, short enough
-// that the temporary name fits where the target's fits.
-constexpr int kBaseNameKept = 200;
-constexpr int kNameAttempts = 100;
-
-char *copyOf(const char *text) {
-  size_t size = std::strlen(text) + 1;
-  char *copy = static_cast<char *>(std::malloc(size));
-  if (copy != nullptr) std::memcpy(copy, text, size);
-  return copy;
-}
-
 // Opens a new file beside `target` with a name nobody else uses, or -1.
 int createBeside(const char *target, mode_t mode, char *&temporary) {
   const char *slash = std::strrchr(target, '/');
-  int directoryLength = slash == nullptr ? 1 : int(slash - target);  // 0: the root
-  const char *directory = slash == nullptr ? "." : target;
-  const char *base = slash == nullptr ? target : slash + 1;
-  size_t size = size_t(directoryLength) + kBaseNameKept + 64;
-  temporary = static_cast<char *>(std::malloc(size));
-  if (temporary == nullptr) return -1;
-  static unsigned counter = 0;
+  size_t directoryLength = slash == nullptr ? 0 : size_t(slash - target) + 1;
   for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-    std::snprintf(temporary, size, "%.*s/.%.*s.%ld-%u.tmp", directoryLength, directory,
-                  kBaseNameKept, base, long(getpid()), counter++);
+    temporary = temporaryNameBeside(target, directoryLength, long(getpid()));
+    if (temporary == nullptr) return -1;
     int fd = open(temporary, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (fd >= 0) return fd;
-    if (errno != EEXIST) break;
+    int error = errno;
+    std::free(temporary);
+    temporary = nullptr;
+    if (error != EEXIST) break;
   }
-  std::free(temporary);
-  temporary = nullptr;
   return -1;
 }
 

@@ -3,6 +3,7 @@
 // the work-file state of the file sort.
 #pragma once
 
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -67,7 +68,7 @@ struct KeyLayout {
   long offset;
   long length;
 };
-inline constexpr long kUnbounded = 0x7fffffffffffffffL;
+inline constexpr long kUnbounded = LONG_MAX;
 
 // Put the element numbers in `index` into key order, equal keys keeping their
 // order. False, with the index untouched, when working memory is not to be had.

@@ -42,6 +42,17 @@ int cleanUpWorkFiles() {
   return 0;
 }
 
+namespace {
+// At unload the prefix goes too, so that unloading the library leaves none
+// of its memory behind.
+int cleanUpAtUnload() {
+  cleanUpWorkFiles();
+  std::free(workFiles().prefix);
+  workFiles().prefix = nullptr;
+  return 0;
+}
+}  // namespace
+
 bool startWorkFiles(const char *prefix) {
   WorkFiles &files = workFiles();
   for (std::FILE *&slot : files.slots) {
@@ -52,7 +63,7 @@ bool startWorkFiles(const char *prefix) {
   files.prefix = strdup(prefix != nullptr ? prefix : "");
   if (files.prefix == nullptr) return false;
   cleanUpWorkFiles();
-  platform::_onexit(cleanUpWorkFiles);
+  platform::_onexit(cleanUpAtUnload);
   return true;
 }
 

@@ -43,11 +43,8 @@ int32_t messagesToStderr(const char *routine, int32_t *count, int32_t *codes, in
 bool readable(const std::string &path) { return access(path.c_str(), R_OK) == 0; }
 
 std::optional<std::string> shippedTable() {
-  char self[4096];
-  ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
-  if (length <= 0) return std::nullopt;
-  std::string dir(self, size_t(length));
-  dir.erase(dir.rfind('/') + 1);
+  std::string dir = programDirectory();
+  if (dir.empty()) return std::nullopt;
   for (const char *relative : {"share/fskit/kw_elements.tbl", "../share/fskit/kw_elements.tbl"})
     if (readable(dir + relative)) return dir + relative;
   return std::nullopt;

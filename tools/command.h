@@ -36,6 +36,10 @@ bool takeFlag(std::vector<std::string> &args, std::string_view flag);
 std::optional<std::string> takeOption(std::vector<std::string> &args,
                                       std::string_view option, bool &missingValue);
 
+// The directory of the running fskit program, its separator included;
+// empty when the system does not tell.
+std::string programDirectory();
+
 // The first argument that starts with "--" (an unknown option), if any.
 std::optional<std::string> unknownOption(const std::vector<std::string> &args);
 

@@ -3,12 +3,16 @@
 #define FSKIT_EXPORT_H
 
 /* FSKIT_API marks a name that libfskit exports; everything else in the
- * library is hidden. */
+ * library is hidden. On Windows a program using fskit.dll imports the names
+ * (the data tables need that); one linked with the static libfskit.a
+ * defines FSKIT_STATIC (its CMake target does). */
 #if defined(_WIN32)
 #  if defined(FSKIT_BUILDING)
 #    define FSKIT_API __declspec(dllexport)
-#  else
+#  elif defined(FSKIT_STATIC)
 #    define FSKIT_API
+#  else
+#    define FSKIT_API __declspec(dllimport)
 #  endif
 #else
 #  define FSKIT_API __attribute__((visibility("default")))

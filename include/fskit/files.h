@@ -5,7 +5,9 @@
  * treat only the backslash `\` as a separator, a drive ending at its colon;
  * `/` is an ordinary character there. Files are opened with the path as
  * given. The directory functions read `\` as `/` in every path and pattern, so
- * both "data\raw" and "data/raw" name the same directory. Nothing here prints. */
+ * both "data\raw" and "data/raw" name the same directory (on Windows both are
+ * the system's own separators, and paths go to it unchanged). Nothing here
+ * prints. */
 #ifndef FSKIT_FILES_H
 #define FSKIT_FILES_H
 
@@ -80,7 +82,8 @@ FSKIT_API void fsReadDirFree(int32_t count, FsFileSpec **list);
 
 /* Lists the names in `directory` that match `namePattern` followed by
  * `extPattern` (".*" when null or empty): `*` any run of characters, `?` any
- * one, case-sensitive, and a final ".*" also matches names without a dot.
+ * one, case-sensitive, and a final ".*" also matches names without a dot (on
+ * Windows: FindFirstFileA's own matching, which ignores case).
  * Returns the number of records put in *list, a block of consecutive records
  * in the order the directory gives them; names beginning with a dot are
  * skipped, and directories are listed like files. Each record's name is split

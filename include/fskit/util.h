@@ -107,7 +107,9 @@ FSKIT_API int32_t fsBitCount(uint32_t value);
  * Down) gives 0, and a terminal sequence for another key (Home, End) gives
  * 27. A byte 0 or 224 read as such starts a two-code key, as on the original
  * console. At end of input the result is 4, as for Ctrl+D. Any arguments are
- * accepted and ignored. For one thread. */
+ * accepted and ignored. For one thread. On Windows the console's own key read
+ * (_getch) serves when standard input is the console; piped or redirected
+ * input gives its bytes as they are. */
 FSKIT_API int32_t getKeyCode(FSKIT_ANY_ARGS);
 
 /* ---- String cipher --------------------------------------------------------

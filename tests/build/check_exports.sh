@@ -1,11 +1,22 @@
 #!/usr/bin/env bash
-# The dynamic symbol table of libfskit.so must hold exactly the names in
-# exports.txt: nothing missing, nothing more.
-# usage: check_exports.sh LIBRARY EXPORTS_FILE
+# The library must export exactly the names in exports.txt: nothing missing,
+# nothing more. A shared object's dynamic symbol table is read with nm -D, a
+# DLL's export table with objdump -p (undecorated names, as C callers and
+# GetProcAddress use them).
+# usage: check_exports.sh LIBRARY EXPORTS_FILE [OBJDUMP]
 set -euo pipefail
-library=$1 list=$2
+library=$1 list=$2 objdump=${3:-objdump}
 expected=$(grep -vE '^\s*(#|$)' "$list" | sort -u)
-actual=$(nm -D --defined-only "$library" | awk '{print $NF}' | sed 's/@.*//' | sort -u)
+case $library in
+  *.dll)
+    # "[Ordinal/Name Pointer] Table" lists one "[ n] name" line per export.
+    actual=$("$objdump" -p "$library" |
+      awk '/^\[Ordinal\/Name Pointer\] Table/ {table = 1; next}
+           table && /^[ \t]*\[ *[0-9]+\]/ {print $NF; next}
+           table {table = 0}' | sort -u) ;;
+  *)
+    actual=$(nm -D --defined-only "$library" | awk '{print $NF}' | sed 's/@.*//' | sort -u) ;;
+esac
 if [ "$expected" != "$actual" ]; then
   echo "exported names differ from $list ('<' missing, '>' unexpected):"
   diff <(echo "$expected") <(echo "$actual") || true

@@ -8,6 +8,8 @@
 #include <cstring>
 #include <string>
 
+#include "tests/support/test_support.h"
+
 namespace {
 
 struct Table {
@@ -19,7 +21,7 @@ struct Table {
     return kwaAddToTbl(tag.c_str(), label.c_str(), &count, &capacity, &entries);
   }
   void read(std::string text, int32_t mode) {
-    std::FILE *stream = fmemopen(text.data(), text.size(), "r");
+    std::FILE *stream = fskit::test::streamOf(text);
     EXPECT_EQ(kwaReadTags(stream, mode, &count, &capacity, &entries), 1);
     EXPECT_EQ(kwaReadTags(stream, mode, &count, &capacity, &entries), 1);  // at its end already
     std::fclose(stream);

@@ -1,9 +1,9 @@
 // The message framework: default layouts, the log file, registration and the
 // arguments that registered functions receive.
 #include <fskit/frame.h>
-#include <sys/stat.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -12,7 +12,7 @@
 using fskit::test::captureStdout;
 using fskit::test::ChangeDir;
 using fskit::test::fileExists;
-using fskit::test::readFile;
+using fskit::test::readText;
 using fskit::test::TempDir;
 
 namespace {
@@ -128,26 +128,26 @@ TEST(Message, LogFileMirrorsScreenAndStartsAfreshOnEachRegistration) {
   });
   fsDefaultMsgLogFlush();
   EXPECT_EQ(screen, "fsTblParseMF: first\nplain\nfsTblParseMF: progress\r");
-  EXPECT_EQ(readFile("fsmessage.log"), screen);
+  EXPECT_EQ(readText("fsmessage.log"), screen);
 
   // Switching logging off closes the file; later messages are not logged.
   fsRegisterMsgLog(nullptr);
   captureStdout([] { fsMessage("r", 1, 0, "not logged"); });
-  EXPECT_EQ(readFile("fsmessage.log"), screen);
+  EXPECT_EQ(readText("fsmessage.log"), screen);
 
   // Registering the default log function again truncates at its next message.
   fsRegisterMsgLog(fsDefaultMsgLogFunction);
-  EXPECT_EQ(readFile("fsmessage.log"), screen);
+  EXPECT_EQ(readText("fsmessage.log"), screen);
   captureStdout([] { fsMessage("r", 1, 0, "fresh"); });
   fsDefaultMsgLogFlush();
-  EXPECT_EQ(readFile("fsmessage.log"), "r: fresh\n");
+  EXPECT_EQ(readText("fsmessage.log"), "r: fresh\n");
   fsRegisterMsgLog(nullptr);
 }
 
 TEST(Message, UnopenableLogFileSwitchesLoggingOffAndReportsOnScreenOnly) {
   TempDir dir;
   ChangeDir here(dir.path());
-  ASSERT_EQ(mkdir("fsmessage.log", 0700), 0);  // fopen(..., "w") fails on a directory
+  ASSERT_TRUE(std::filesystem::create_directory("fsmessage.log"));  // fopen(..., "w") fails on it
   fsRegisterMsgLog(fsDefaultMsgLogFunction);
   std::string screen = captureStdout([] { fsMessage("r", 1, 0, "hello"); });
   EXPECT_EQ(screen, "r: hello\nfsDefaultMsgLogFunction: Unable to open logfile fsmessage.log\n");

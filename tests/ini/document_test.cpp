@@ -8,6 +8,7 @@
 #include <string>
 
 #include "ini/document.h"
+#include "tests/support/test_support.h"
 
 using fskit::ini::FsIniFile;
 using fskit::ini::FsIniLine;
@@ -16,14 +17,9 @@ using fskit::ini::kOk;
 
 namespace {
 
-// A read-only stream over `text`, which must outlive it.
-std::FILE *streamOver(const std::string &text) {
-  return fmemopen(const_cast<char *>(text.data()), text.size(), "r");
-}
-
 std::unique_ptr<FsIniFile> readText(const std::string &text) {
   std::unique_ptr<FsIniFile> document(FsIniFile::create("test.ini"));
-  std::FILE *stream = streamOver(text);
+  std::FILE *stream = fskit::test::streamOf(text);
   EXPECT_EQ(document->read(stream), kOk);
   std::fclose(stream);
   return document;
@@ -31,14 +27,7 @@ std::unique_ptr<FsIniFile> readText(const std::string &text) {
 
 template <class Item>
 std::string written(const Item &item) {
-  char *buffer = nullptr;
-  size_t size = 0;
-  std::FILE *stream = open_memstream(&buffer, &size);
-  EXPECT_EQ(item.write(stream), kOk);
-  std::fclose(stream);
-  std::string text(buffer, size);
-  std::free(buffer);
-  return text;
+  return fskit::test::writtenTo([&](std::FILE *stream) { EXPECT_EQ(item.write(stream), kOk); });
 }
 
 std::string show(const char *text) { return text != nullptr ? text : "<null>"; }
@@ -74,7 +63,7 @@ TEST(IniLine, ReadsAndWritesTheExampleLines) {
   };
   for (const auto &c : cases) {
     std::string text = std::string(c.line) + "\n";
-    std::FILE *stream = streamOver(text);
+    std::FILE *stream = fskit::test::streamOf(text);
     FsIniLine line("old", "old", "old");
     EXPECT_EQ(line.read(stream), c.result) << c.line;
     // A header is left for the next paragraph; any other line is consumed.
@@ -89,7 +78,7 @@ TEST(IniLine, ReadsAndWritesTheExampleLines) {
   EXPECT_EQ(line.read(nullptr), kFailed);
   EXPECT_EQ(line.write(nullptr), kFailed);
   std::string empty;
-  std::FILE *stream = streamOver(empty);
+  std::FILE *stream = fskit::test::streamOf(empty);
   EXPECT_EQ(line.read(stream), kFailed);
   std::fclose(stream);
 }

@@ -6,7 +6,7 @@
 
 #include "tests/support/test_support.h"
 
-using fskit::test::readFile;
+using fskit::test::readText;
 using fskit::test::runTool;
 using fskit::test::TempDir;
 using fskit::test::writeFile;
@@ -19,7 +19,7 @@ TEST(IniTool, GetSetList) {
   EXPECT_EQ(set.status, 0);
   EXPECT_EQ(set.out + set.err, "");
   EXPECT_EQ(runTool({"ini", "set", file, "Other", "k", "a;b"}).status, 0);
-  EXPECT_EQ(readFile(file),
+  EXPECT_EQ(readText(file),
             "[Formula Files]\n; where the table is\nelementFile = new.tbl\t; why\n"
             "[Other]\nk = \"a;b\"\n");
   auto get = runTool({"ini", "get", file, "Other", "k"});
@@ -35,7 +35,7 @@ TEST(IniTool, GetSetList) {
   // A missing file: `set` creates it, `get` and `list` fail with the library's message.
   std::string fresh = dir.file("fresh.ini");
   EXPECT_EQ(runTool({"ini", "set", fresh, "P", "t", "v"}).status, 0);
-  EXPECT_EQ(readFile(fresh), "[P]\nt = v\n");
+  EXPECT_EQ(readText(fresh), "[P]\nt = v\n");
   auto missing = runTool({"ini", "get", dir.file("none.ini"), "P", "t"});
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "Error opening ini file " + dir.file("none.ini") + "\n");

@@ -1,25 +1,22 @@
 #include "tests/support/test_support.h"
 
 #include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
+#include <malloc.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 
 namespace fskit::test {
 
 namespace {
-
-std::string tempRoot() {
-  const char *tmp = std::getenv("TMPDIR");
-  return tmp != nullptr && *tmp != '\0' ? tmp : "/tmp";
-}
 
 std::string capture(std::FILE *stream, int fd, const std::function<void()> &body) {
   TempDir dir;
@@ -34,7 +31,7 @@ std::string capture(std::FILE *stream, int fd, const std::function<void()> &body
   std::fflush(stream);
   dup2(saved, fd);
   close(saved);
-  return readFile(path);
+  return readText(path);
 }
 
 }  // namespace
@@ -48,9 +45,19 @@ std::string captureStderr(const std::function<void()> &body) {
 }
 
 TempDir::TempDir() {
-  std::string pattern = tempRoot() + "/fskit-test-XXXXXX";
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-  path_ = pattern;
+  // $TMPDIR (POSIX) or %TEMP% (Windows); a name nobody else has, as creating
+  // the directory proves.
+  static std::atomic<unsigned> counter{0};
+  std::filesystem::path root = std::filesystem::temp_directory_path();
+  unsigned seed = std::random_device{}();
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    auto name = "fskit-test-" + std::to_string(seed) + "-" + std::to_string(counter++);
+    if (std::filesystem::create_directory(root / name)) {
+      path_ = (root / name).string();
+      return;
+    }
+  }
+  throw std::runtime_error("no temporary directory could be made");
 }
 
 TempDir::~TempDir() {
@@ -84,12 +91,19 @@ StdinFrom::~StdinFrom() {
   close(saved_);
 }
 
-std::string readFile(const std::string &path) {
-  std::ifstream in(path, std::ios::binary);
+namespace {
+std::string readWhole(const std::string &path, std::ios::openmode mode) {
+  std::ifstream in(path, mode);
   std::ostringstream content;
   content << in.rdbuf();
   return content.str();
 }
+}  // namespace
+
+std::string readFile(const std::string &path) { return readWhole(path, std::ios::binary); }
+
+// Text mode differs from binary on Windows only, where it reads CR LF as LF.
+std::string readText(const std::string &path) { return readWhole(path, std::ios::in); }
 
 void writeFile(const std::string &path, const std::string &content) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
@@ -102,43 +116,61 @@ bool fileExists(const std::string &path) {
   return std::filesystem::exists(path, ignored);
 }
 
-void setTimeZone(const char *zone) {
-  setenv("TZ", zone, 1);
-  tzset();
+namespace {
+// An empty read-write binary stream whose file is removed when it is closed.
+std::FILE *scratchStream() {
+#if defined(_WIN32)
+  // The C runtime's tmpfile() writes to the drive's root; this goes to
+  // %TEMP%, and "D" deletes it at its close.
+  static std::atomic<unsigned> counter{0};
+  auto name = "fskit-scratch-" + std::to_string(std::random_device{}()) + "-" +
+              std::to_string(counter++);
+  std::string path = (std::filesystem::temp_directory_path() / name).string();
+  std::FILE *stream = std::fopen(path.c_str(), "w+bD");
+#else
+  std::FILE *stream = std::tmpfile();
+#endif
+  if (stream == nullptr) throw std::runtime_error("no scratch stream");
+  return stream;
+}
+}  // namespace
+
+std::FILE *streamOf(const std::string &text) {
+  std::FILE *stream = scratchStream();
+  if (std::fwrite(text.data(), 1, text.size(), stream) != text.size())
+    throw std::runtime_error("streamOf: cannot write");
+  std::rewind(stream);
+  return stream;
 }
 
-ToolResult runTool(const std::vector<std::string> &args, const std::string &input,
-                   const std::string &workDir) {
-  TempDir io;
-  std::string inPath = io.file("in"), outPath = io.file("out"), errPath = io.file("err");
-  writeFile(inPath, input);
-  pid_t child = fork();
-  if (child < 0) throw std::runtime_error("fork failed");
-  if (child == 0) {
-    int in = open(inPath.c_str(), O_RDONLY);
-    int out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    int err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (in < 0 || out < 0 || err < 0) _exit(127);
-    dup2(in, STDIN_FILENO);
-    dup2(out, STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
-    if (!workDir.empty() && chdir(workDir.c_str()) != 0) _exit(127);
-    std::vector<char *> argv;
-    std::string tool = FSKIT_TOOL_PATH;
-    argv.push_back(tool.data());
-    std::vector<std::string> copies(args);
-    for (auto &arg : copies) argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    execv(tool.c_str(), argv.data());
-    _exit(127);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  ToolResult result;
-  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  result.out = readFile(outPath);
-  result.err = readFile(errPath);
-  return result;
+std::string writtenTo(const std::function<void(std::FILE *)> &write) {
+  std::FILE *stream = scratchStream();
+  write(stream);
+  std::fflush(stream);
+  std::rewind(stream);
+  std::string text;
+  char buffer[4096];
+  while (size_t got = std::fread(buffer, 1, sizeof buffer, stream)) text.append(buffer, got);
+  std::fclose(stream);
+  return text;
+}
+
+size_t blockSize(void *block) {
+#if defined(_WIN32)
+  return _msize(block);
+#else
+  return malloc_usable_size(block);
+#endif
+}
+
+void setTimeZone(const char *zone) {
+#if defined(_WIN32)
+  _putenv_s("TZ", zone);
+  _tzset();
+#else
+  setenv("TZ", zone, 1);
+  tzset();
+#endif
 }
 
 }  // namespace fskit::test

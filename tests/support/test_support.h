@@ -2,6 +2,8 @@
 // temporary directories, files and running the fskit tool.
 #pragma once
 
+#include <cstddef>
+#include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
@@ -55,8 +57,22 @@ class StdinFrom {
 };
 
 std::string readFile(const std::string &path);
+// A text file as a program reading text sees it: on Windows, where the C
+// library writes a line end as CR LF, CR LF comes back as LF. Captured output
+// and the tool's output are read this way.
+std::string readText(const std::string &path);
 void writeFile(const std::string &path, const std::string &content);
 bool fileExists(const std::string &path);
+
+// A binary stream that `text` is read from, closed by the caller with
+// fclose (a temporary file that goes with it, so it works where the C
+// library has no memory streams).
+std::FILE *streamOf(const std::string &text);
+// What `write` puts on a fresh binary stream, byte for byte.
+std::string writtenTo(const std::function<void(std::FILE *)> &write);
+
+// The usable size of a block from malloc (at least what was asked for).
+size_t blockSize(void *block);
 
 // Sets TZ (for example "UTC0" or "EST5") and makes the C library take it up.
 void setTimeZone(const char *zone);
@@ -68,7 +84,8 @@ struct ToolResult {
 };
 
 // Runs the built fskit tool with `args`, feeding `input` on standard input,
-// in directory `workDir` (the current directory when empty).
+// in directory `workDir` (the current directory when empty). Its output is
+// read as text (readText).
 ToolResult runTool(const std::vector<std::string> &args, const std::string &input = "",
                    const std::string &workDir = "");
 

@@ -1,0 +1,76 @@
+// runTool on Windows: CreateProcess with the standard handles on files.
+#include <windows.h>
+
+#include <stdexcept>
+
+#include "tests/support/test_support.h"
+
+namespace fskit::test {
+namespace {
+
+// One argument as the C runtime's command-line parser gives it back:
+// quoted when needed, backslashes doubled only before a quote.
+std::string quoted(const std::string &arg) {
+  if (!arg.empty() && arg.find_first_of(" \t\n\v\"") == std::string::npos) return arg;
+  std::string out = "\"";
+  size_t backslashes = 0;
+  for (char c : arg) {
+    if (c == '\\') {
+      ++backslashes;
+      continue;
+    }
+    out.append(c == '"' ? 2 * backslashes + 1 : backslashes, '\\');
+    backslashes = 0;
+    out += c;
+  }
+  out.append(2 * backslashes, '\\');
+  return out + '"';
+}
+
+HANDLE openInherited(const std::string &path, bool write) {
+  SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
+  HANDLE handle = CreateFileA(path.c_str(), write ? GENERIC_WRITE : GENERIC_READ,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
+                              write ? CREATE_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) throw std::runtime_error("runTool: cannot open " + path);
+  return handle;
+}
+
+}  // namespace
+
+ToolResult runTool(const std::vector<std::string> &args, const std::string &input,
+                   const std::string &workDir) {
+  TempDir io;
+  std::string inPath = io.file("in"), outPath = io.file("out"), errPath = io.file("err");
+  writeFile(inPath, input);
+  std::string tool = FSKIT_TOOL_PATH;
+  std::string commandLine = quoted(tool);
+  for (const std::string &arg : args) commandLine += " " + quoted(arg);
+  STARTUPINFOA startup = {};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdInput = openInherited(inPath, false);
+  startup.hStdOutput = openInherited(outPath, true);
+  startup.hStdError = openInherited(errPath, true);
+  PROCESS_INFORMATION process = {};
+  BOOL started = CreateProcessA(tool.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0,
+                                nullptr, workDir.empty() ? nullptr : workDir.c_str(), &startup,
+                                &process);
+  for (HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError})
+    CloseHandle(handle);
+  if (!started) throw std::runtime_error("runTool: cannot start " + tool);
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD code = 0;
+  GetExitCodeProcess(process.hProcess, &code);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  ToolResult result;
+  // An exception (access violation and the like) ends a process with its
+  // NTSTATUS code, where POSIX would report a signal.
+  result.status = code >= 0xC0000000u ? -1 : int(code);
+  result.out = readText(outPath);
+  result.err = readText(errPath);
+  return result;
+}
+
+}  // namespace fskit::test
