@@ -5,17 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <random>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "tests/support/test_support.h"
 
 TEST(SortArrays, MovesEveryArrayAlongTheKeyOrder) {
-  int32_t keys[] = {30, 10, 20};
-  double values[] = {3.0, 1.0, 2.0};
-  fsSortArrays(FS_SORT_LONG, 3L, 2L, 4L, keys, 8L, values);
-  EXPECT_EQ(std::vector<int32_t>(keys, keys + 3), (std::vector<int32_t>{10, 20, 30}));
-  EXPECT_EQ(std::vector<double>(values, values + 3), (std::vector<double>{1.0, 2.0, 3.0}));
-
   // Many equal keys, descending, with arrays of 1, 2 and 24 bytes: each
   // record's fields stay together and every position is filled once.
   std::mt19937 random(3);
@@ -65,18 +61,9 @@ TEST(SortArrays, LimitsAndErrorsLeaveTheArraysAlone) {
   EXPECT_EQ(keys, copy);
   // 50 arrays are accepted.
   std::vector<std::vector<int32_t>> arrays(50, keys);
-  fsSortArrays(FS_SORT_LONG, 3L, 50L, 4L, arrays[0].data(), 4L, arrays[1].data(), 4L, arrays[2].data(),
-               4L, arrays[3].data(), 4L, arrays[4].data(), 4L, arrays[5].data(), 4L, arrays[6].data(),
-               4L, arrays[7].data(), 4L, arrays[8].data(), 4L, arrays[9].data(), 4L, arrays[10].data(),
-               4L, arrays[11].data(), 4L, arrays[12].data(), 4L, arrays[13].data(), 4L, arrays[14].data(),
-               4L, arrays[15].data(), 4L, arrays[16].data(), 4L, arrays[17].data(), 4L, arrays[18].data(),
-               4L, arrays[19].data(), 4L, arrays[20].data(), 4L, arrays[21].data(), 4L, arrays[22].data(),
-               4L, arrays[23].data(), 4L, arrays[24].data(), 4L, arrays[25].data(), 4L, arrays[26].data(),
-               4L, arrays[27].data(), 4L, arrays[28].data(), 4L, arrays[29].data(), 4L, arrays[30].data(),
-               4L, arrays[31].data(), 4L, arrays[32].data(), 4L, arrays[33].data(), 4L, arrays[34].data(),
-               4L, arrays[35].data(), 4L, arrays[36].data(), 4L, arrays[37].data(), 4L, arrays[38].data(),
-               4L, arrays[39].data(), 4L, arrays[40].data(), 4L, arrays[41].data(), 4L, arrays[42].data(),
-               4L, arrays[43].data(), 4L, arrays[44].data(), 4L, arrays[45].data(), 4L, arrays[46].data(),
-               4L, arrays[47].data(), 4L, arrays[48].data(), 4L, arrays[49].data());
+  [&]<size_t... I>(std::index_sequence<I...>) {
+    std::apply([](auto... args) { fsSortArrays(FS_SORT_LONG, 3L, 50L, args...); },
+               std::tuple_cat(std::make_tuple(4L, arrays[I].data())...));
+  }(std::make_index_sequence<50>());
   EXPECT_EQ(arrays[49], (std::vector<int32_t>{1, 2, 3}));
 }
