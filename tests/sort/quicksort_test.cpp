@@ -1,12 +1,11 @@
 // fsQsort: the order it gives equal keys, against a plain recursive
-// transcription of its partition steps, and inputs that would need a deep
-// stack.
+// transcription of its partition steps (3000 arrays with many ties), and
+// inputs that would need a deep stack.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -48,20 +47,6 @@ void referenceSort(char *base, long lo, long hi, int (*compare)(const void *, co
 }
 
 }  // namespace
-
-TEST(Quicksort, GivesEqualKeysTheDocumentedOrder) {
-  const std::pair<std::string, std::string> tables[] = {
-      {"1a0b1c2d0e", "0b0e1a1c2d"},
-      {"2a1b2c1d2e", "1b1d2e2a2c"},
-      {"3a3b3c3d", "3c3d3a3b"},
-      {"4a3b2c1d", "1d2c3b4a"},
-  };
-  for (const auto &[before, after] : tables) {
-    std::string elements = before;
-    fsQsort(elements.data(), uint32_t(elements.size() / 2), 2, byDigit);
-    EXPECT_EQ(elements, after) << before;
-  }
-}
 
 TEST(Quicksort, MatchesThePartitionStepsOnRandomSmallArrays) {
   std::mt19937 random(11);
