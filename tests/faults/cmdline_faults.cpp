@@ -70,12 +70,10 @@ TEST(CmdlineFaults, TableThatCannotGrowIsReleased) {
       });
   EXPECT_EQ(runs, 3);
 
-  count = 1;
-  capacity = 1;
+  count = capacity = 1;
   table = static_cast<KwaTagEntry *>(std::calloc(1, sizeof(KwaTagEntry)));
   failAllocationFrom(1);
   EXPECT_EQ(kwaAddToTbl("B", "b", &count, &capacity, &table), 0);
   failAllocationFrom(0);
-  EXPECT_EQ(table, nullptr);
-  EXPECT_EQ(count, 1);
+  EXPECT_TRUE(table == nullptr && count == 1);
 }

@@ -10,17 +10,15 @@ using fskit::test::forEachAllocationFailure;
 
 TEST(FrameFaults, CopiesGiveNullAndReleaseAsDocumented) {
   char *result = nullptr;
-  long runs = forEachAllocationFailure([&] { result = strmalloc("abc"); },
-                                       [&](long, bool refused) {
-                                         EXPECT_EQ(result == nullptr, refused);
-                                         fsFree(&result);
-                                       });
-  EXPECT_EQ(runs, 2);
-  forEachAllocationFailure([&] { result = strnmalloc("abc", 8); },
-                           [&](long, bool refused) {
-                             EXPECT_EQ(result == nullptr, refused);
-                             fsFree(&result);
-                           });
+  for (bool bounded : {false, true}) {
+    long runs = forEachAllocationFailure(
+        [&] { result = bounded ? strnmalloc("abc", 8) : strmalloc("abc"); },
+        [&](long, bool refused) {
+          EXPECT_EQ(result == nullptr, refused);
+          fsFree(&result);
+        });
+    EXPECT_EQ(runs, 2);
+  }
 
   // strrealloc has released `old` whether or not the copy succeeded; the
   // leak checker of the sanitizer build would report it otherwise.
