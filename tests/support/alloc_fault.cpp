@@ -77,20 +77,16 @@ namespace fskit::test {
 
 void failAllocationFrom(long k) { injector = Injector{k, LONG_MAX, 0, false}; }
 
-void failOnlyAllocation(long k) { injector = Injector{k, k, 0, false}; }
-
-long allocationsCounted() { return injector.counted; }
-
-bool allocationRefused() { return injector.refused; }
-
 namespace {
+
+void failOnlyAllocation(long k) { injector = Injector{k, k, 0, false}; }
 
 long forEachFailure(void (*arm)(long), const std::function<void()> &call,
                     const std::function<void(long k, bool refused)> &check) {
   for (long k = 1;; ++k) {
     arm(k);
     call();
-    bool refused = allocationRefused();
+    bool refused = injector.refused;
     failAllocationFrom(0);
     check(k, refused);
     if (!refused) return k;
