@@ -10,23 +10,17 @@ prefix=$work/prefix
 expected='consumer: fskit winnt little ieee'
 
 check() {  # check NAME PROGRAM...
-  local name=$1; shift
-  local out
+  local name=$1 out; shift
   out=$("$@")
-  if [ "$out" != "$expected" ]; then
-    echo "FAIL $name: got '$out', expected '$expected'"; exit 1
-  fi
+  [ "$out" = "$expected" ] || { echo "FAIL $name: got '$out', expected '$expected'"; exit 1; }
   echo "ok $name"
 }
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
-for header in fskit.h frame.h export.h version.h; do
-  [ -f "$prefix/include/fskit/$header" ] || { echo "FAIL: include/fskit/$header not installed"; exit 1; }
-done
-[ -x "$prefix/bin/fskit" ] || { echo "FAIL: bin/fskit not installed"; exit 1; }
-for file in share/man/man1/fskit.1 share/fskit/kw_elements.tbl; do
+for file in include/fskit/{fskit,frame,export,version}.h share/man/man1/fskit.1 share/fskit/kw_elements.tbl; do
   [ -f "$prefix/$file" ] || { echo "FAIL: $file not installed"; exit 1; }
 done
+[ -x "$prefix/bin/fskit" ] || { echo "FAIL: bin/fskit not installed"; exit 1; }
 # The installed tool finds its library and the shipped element table by its
 # own place, without LD_LIBRARY_PATH.
 masses=$(env -u LD_LIBRARY_PATH "$prefix/bin/fskit" formula C6H12O6 | tail -n 1)

@@ -10,7 +10,6 @@
 #endif
 
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "tests/support/test_support.h"
