@@ -42,9 +42,9 @@ std::string decrypt(const std::string &hex, int32_t expectedResult = 1) {
 }  // namespace
 
 TEST(Des, CoreMatchesPublishedVectorsUnderTheStandardSchedule) {
-  // Key, plaintext, ciphertext. Sources: J. O. Grabbe, "The DES Algorithm
-  // Illustrated" (worked example); FIPS PUB 81, appendix B ("Now is t");
-  // NIST SP 800-17, tables 1 (variable plaintext) and 2 (variable key).
+  // Key, plaintext, ciphertext: a widely published worked example; FIPS PUB
+  // 81, appendix B ("Now is t"); SP 800-17, tables 1 (variable plaintext) and
+  // 2 (variable key).
   const uint64_t vectors[][3] = {
       {0x133457799BBCDFF1, 0x0123456789ABCDEF, 0x85E813540F0AB405},
       {0x0123456789ABCDEF, 0x4E6F772069732074, 0x3FA40E8A984D4815},
