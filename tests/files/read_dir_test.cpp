@@ -43,8 +43,7 @@ std::string partsOf(const std::string &path, const std::string &separator = "|")
   return path.substr(drive) + "\\" + separator + path.substr(0, drive);
 }
 
-// The records as "name|extension|directory|drive", sorted, or "count N" when
-// their number is not the result.
+// The records as "name|extension|directory|drive", sorted.
 Records list(const std::string &directory, const std::string &namePattern,
              const char *extPattern = nullptr) {
   FsFileSpec *found = nullptr;
