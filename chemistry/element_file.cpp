@@ -113,9 +113,10 @@ void fillIsotope(FsElementRecord &isotope, const FsElementRecord &element,
 
 }  // namespace
 
-int32_t readElementFile(std::FILE *file, FsElementRecord *records) {
+int32_t readElementFile(std::FILE *file, FsElementRecord *records, int32_t &filled) {
   char line[kLineSize];
-  int32_t count = 0;
+  filled = 0;
+  int32_t &count = filled;  // the records read so far
   int32_t element = -1;  // the current element's record
   int32_t referenceMass = 0;
   while (std::fgets(line, sizeof line, file) != nullptr) {
