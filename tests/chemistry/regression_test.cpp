@@ -2,6 +2,8 @@
 #include <fskit/chemistry.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <string>
 
 #include "tests/chemistry/example_table.h"
@@ -18,6 +20,49 @@ std::string elementLines(int elements) {
 }
 
 }  // namespace
+
+TEST(ChemistryRegression, DecimalFieldsReadAsAtofReadsThem) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  struct Case {
+    const char *field;  // the average mass field of an element line
+    double expected;
+  } cases[] = {
+      // These used to read as infinity or NaN: a field that does not begin
+      // with a number is 0.
+      {"inf", 0.0},
+      {"-inf", 0.0},
+      {"INFINITY", 0.0},
+      {"nan", 0.0},
+      {"+nan", 0.0},
+      // These used to read as 0: beyond the range of a double is infinite.
+      {"1e999", infinity},
+      {"-1e999", -infinity},
+      {"123456789e301", infinity},
+      {"0.0001e309", 1e305},
+      // Already right, kept so: too small is 0, and the longest number counts.
+      {"1e-999", 0.0},
+      {"0.00000001e-320", 0.0},
+      {"+.5e1", 5.0},
+      {".5", 0.5},
+      {"1e", 1.0},
+      {"2.5x", 2.5},
+      {"0x10", 0.0},
+      {"+-1", 0.0},
+      {".", 0.0},
+  };
+  TempDir dir;
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.field);
+    loadTable(dir, std::string("C 6 ") + c.field + " 12 - 12C 12.0 98.9 0 2\n",
+              "case" + std::to_string(&c - cases) + ".tbl");
+    FsElementRecord record;
+    ASSERT_EQ(fsGetElementInfo(0, &record), 1);
+    if (c.expected == 0.0)
+      EXPECT_EQ(record.averageMass, 0.0);
+    else
+      EXPECT_DOUBLE_EQ(record.averageMass, c.expected);
+  }
+}
 
 TEST(ChemistryRegression, SymbolsOfAFullTableCanBeRead) {
   struct Case {
