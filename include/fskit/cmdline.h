@@ -82,10 +82,10 @@ FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize);
  * runs count as one blank; the tag is the first word (upper-cased, 63
  * characters kept), the label the rest (63 kept); blank lines and lines
  * without a label add nothing. With `mode` non-zero a label becomes the
- * keyword "##LABEL=" (upper case, at most 60 characters of it). Only the
- * first 254 characters of a line are read; the rest of a longer line is
- * skipped, so it can add no pair of its own. Always returns 1, also when
- * additions failed or the stream is null. */
+ * keyword "##LABEL=" (upper case, at most 60 characters of it). A line is
+ * read 254 characters at a time (the line feed counted): the rest of a longer
+ * line is read next and handled as a line of its own. Always returns 1, also
+ * when additions failed or the stream is null. */
 FSKIT_API int32_t kwaReadTags(FILE *stream, int32_t mode, int32_t *count,
                               int32_t *capacity, KwaTagEntry **table);
 

@@ -1,0 +1,46 @@
+// Cases of the command-line and tag family that once went wrong.
+#include <fskit/cmdline.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "tests/support/test_support.h"
+
+namespace {
+
+// "TAG=label;" for every record read from `text`.
+std::string readPairs(const std::string &text, int32_t mode) {
+  int32_t count = 0, capacity = 0;
+  KwaTagEntry *table = nullptr;
+  std::FILE *stream = fskit::test::streamOf(text);
+  EXPECT_EQ(kwaReadTags(stream, mode, &count, &capacity, &table), 1);
+  std::fclose(stream);
+  std::string pairs;
+  for (int32_t i = 0; i < count; ++i) pairs += std::string(table[i].tag) + "=" + table[i].label + ";";
+  std::free(table);
+  return pairs;
+}
+
+}  // namespace
+
+TEST(CmdlineRegression, TagLinesAreRead254CharactersAtATime) {
+  const std::string a63(63, 'a');
+  struct Case {
+    std::string file;
+    int32_t mode;
+    std::string pairs;
+  };
+  const Case cases[] = {
+      // The rest of a line longer than one read was skipped; it is the next line.
+      {"T1 " + std::string(251, 'a') + "T2 tail\n", 0, "T1=" + a63 + ";T2=tail;"},
+      {"T1 " + std::string(251, 'a') + "T2 tail\n", 1,
+       "T1=##" + std::string(60, 'A') + "=;T2=##TAIL=;"},
+      // A comment covered the whole long line; it covers only the first read.
+      {"!" + std::string(253, 'c') + "X y ! z\n", 0, "X=y;"},
+      // A line of exactly 254 characters leaves its line feed to a read of its own.
+      {"T " + std::string(252, 'a') + "\nU v\n", 0, "T=" + a63 + ";U=v;"},
+  };
+  for (const Case &c : cases) EXPECT_EQ(readPairs(c.file, c.mode), c.pairs) << c.file;
+}
