@@ -114,7 +114,7 @@ FSKIT_API int32_t kwaLabelToTag(int32_t count, const KwaTagEntry *table,
 
 /* qsort comparators over KwaTagEntry records: tags then labels
  * (kwaTblTagCmp), or labels then tags (kwaTblLblCmp), as unsigned bytes.
- * Result -1, 0 or 1. */
+ * Result -1, 0 or 1; a null record comes before any other. */
 FSKIT_API int32_t kwaTblTagCmp(const void *a, const void *b);
 FSKIT_API int32_t kwaTblLblCmp(const void *a, const void *b);
 

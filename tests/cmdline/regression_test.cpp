@@ -70,3 +70,14 @@ TEST(CmdlineRegression, ArrayAllocTakesANegativeCountAsASmallerOne) {
     std::free(array.data);
   }
 }
+
+TEST(CmdlineRegression, ComparatorsTakeNullRecords) {
+  // Both comparators read through a null record; it now orders first.
+  const KwaTagEntry record{"A", "x", 1};
+  for (auto compare : {kwaTblTagCmp, kwaTblLblCmp}) {
+    EXPECT_EQ(compare(nullptr, nullptr), 0);
+    EXPECT_EQ(compare(nullptr, &record), -1);
+    EXPECT_EQ(compare(&record, nullptr), 1);
+    EXPECT_EQ(compare(&record, &record), 0);
+  }
+}
