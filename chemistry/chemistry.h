@@ -42,6 +42,7 @@ struct ElementTable {
   bool present = false;
   FsElementRecord *records = nullptr;  // kCapacity records, malloc'ed
   int32_t count = 0;                   // -1 when the file filled the block
+  int32_t filled = 0;                  // records read, also when count is -1
   char *configuredName = nullptr;      // the INI file's choice; malloc'ed
   char *recordedName = nullptr;        // lower-cased, from fsLoadElemTable; malloc'ed
   LabelIndex index;
@@ -53,8 +54,9 @@ ElementTable &elementTable();
 void releaseTable();
 
 // Reads an element file into `records` (room for kCapacity). The number of
-// records read, or -1 when they reached kCapacity.
-int32_t readElementFile(std::FILE *file, FsElementRecord *records);
+// records read, or -1 when they reached kCapacity; `filled` receives the
+// number of records read in either case.
+int32_t readElementFile(std::FILE *file, FsElementRecord *records, int32_t &filled);
 
 // fsFindElemInTbl: loads a table when none is present, reports an empty one.
 int32_t findLabel(const char *name);

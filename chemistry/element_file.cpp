@@ -1,6 +1,7 @@
 // Reading an element file into records.
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <string_view>
 
@@ -59,13 +60,51 @@ int32_t leadingInteger(const char *text) {
   return int32_t(negative ? 0u - value : value);
 }
 
-// The leading decimal number of a text, as atof reads it in the C locale.
+// The power of ten of the first significant digit of the unsigned decimal
+// number in [text, end), its exponent included (1.5e3: 3, 0.02: -2). It
+// tells a number too large for a double (above 0) from one too small.
+long decimalOrder(const char *text, const char *end) {
+  long order = 0;
+  bool significant = false;
+  const char *p = text;
+  for (; p < end && ascii::isDigit(*p); ++p) {
+    if (significant) ++order;
+    else if (*p != '0') significant = true;
+  }
+  if (p < end && *p == '.') {
+    for (++p; p < end && ascii::isDigit(*p); ++p) {
+      if (significant) continue;
+      --order;
+      if (*p != '0') significant = true;
+    }
+  }
+  if (p < end && (*p == 'e' || *p == 'E')) {
+    ++p;
+    bool negative = p < end && *p == '-';
+    if (p < end && (*p == '-' || *p == '+')) ++p;
+    long exponent = 0;
+    for (; p < end && ascii::isDigit(*p); ++p)
+      if (exponent < 100000) exponent = exponent * 10 + (*p - '0');
+    order += negative ? -exponent : exponent;
+  }
+  return order;
+}
+
+// The leading decimal number of a text, as atof reads it in the C locale:
+// white space, a sign, digits with an optional point, an optional exponent.
+// Only a digit, or a point and a digit, begins a number: "inf" and "nan"
+// read as 0, and "0x10" as its leading 0. A number beyond the range of a
+// double reads as infinity, one too small for it as 0.
 double leadingDecimal(const char *text) {
   while (ascii::isSpace(*text)) ++text;
-  if (*text == '+' && text[1] != '-') ++text;
+  bool negative = *text == '-';
+  if (*text == '-' || *text == '+') ++text;
+  if (!ascii::isDigit(*text) && !(*text == '.' && ascii::isDigit(text[1]))) return 0.0;
   double value = 0.0;
-  std::from_chars(text, text + std::strlen(text), value);
-  return value;
+  auto [stop, error] = std::from_chars(text, text + std::strlen(text), value);
+  if (error == std::errc::result_out_of_range)
+    value = decimalOrder(text, stop) > 0 ? HUGE_VAL : 0.0;
+  return negative ? -value : value;
 }
 
 // An isotope's mass number: the digits its label begins with.
@@ -113,9 +152,10 @@ void fillIsotope(FsElementRecord &isotope, const FsElementRecord &element,
 
 }  // namespace
 
-int32_t readElementFile(std::FILE *file, FsElementRecord *records) {
+int32_t readElementFile(std::FILE *file, FsElementRecord *records, int32_t &filled) {
   char line[kLineSize];
-  int32_t count = 0;
+  filled = 0;
+  int32_t &count = filled;  // the records read so far
   int32_t element = -1;  // the current element's record
   int32_t referenceMass = 0;
   while (std::fgets(line, sizeof line, file) != nullptr) {

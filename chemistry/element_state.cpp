@@ -16,6 +16,7 @@ void releaseTable() {
   table.records = nullptr;
   table.present = false;
   table.count = 0;
+  table.filled = 0;
   table.index.clear();
 }
 

@@ -35,7 +35,7 @@ FsElementRecord *allocateRecords(const char *routine) {
 void install(FsElementRecord *records, std::FILE *file) {
   ElementTable &table = elementTable();
   table.records = records;
-  table.count = readElementFile(file, records);
+  table.count = readElementFile(file, records, table.filled);
   table.present = true;
   if (table.count > 0) table.index.build(records, table.count);
 }
@@ -164,7 +164,8 @@ FSKIT_API int32_t fsGetElementInfo(int32_t index, FsElementRecord *record) {
 FSKIT_API int32_t fsGetElemSymbol(int32_t index, char *symbol) {
   const ElementTable &table = elementTable();
   if (symbol == nullptr) return 0;
-  if (!table.present || index < 0 || index >= table.count) {
+  // A table that the file filled has count -1, but its records are there.
+  if (!table.present || index < 0 || index >= table.filled) {
     symbol[0] = '\0';
     return 0;
   }

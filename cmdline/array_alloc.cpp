@@ -6,9 +6,10 @@
 extern "C" {
 
 FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize) {
-  if (array == nullptr || n < 0) return 0;
+  if (array == nullptr) return 0;
   if (n == 0) return 1;
-  // Capacity is counted in elements; a smaller request never frees.
+  // Capacity is counted in elements; a smaller request (a negative one too)
+  // never frees and only sets the count.
   if (n > array->capacity) {
     std::free(array->data);
     array->capacity = n;

@@ -11,23 +11,15 @@ using fskit::tags::copyCut;
 
 namespace {
 
-constexpr size_t kLineRead = 254;  // characters of a line that are read
+constexpr size_t kLineRead = 254;  // characters taken by one read
 constexpr size_t kTagTaken = 64;   // kwaAddToTbl keeps 63 of them
 constexpr size_t kLabelTaken = 127;
 constexpr int kKeywordLabel = 60;  // "##" + 60 + "=" still fits a label
 
-// Reads one line into `line` (kLineRead + 1 bytes), keeping its first
-// kLineRead characters and skipping the rest, so that the tail of an
-// over-long line is never taken for a line of its own. False when nothing
-// could be read.
+// One read takes at most kLineRead characters, the line feed counted; the
+// rest of a longer line comes with the next read, as a line of its own.
 bool readLine(std::FILE *stream, char *line) {
-  size_t kept = 0;
-  int c = std::getc(stream);
-  if (c == EOF) return false;
-  for (; c != EOF && c != '\n'; c = std::getc(stream))
-    if (kept < kLineRead) line[kept++] = char(c);
-  line[kept] = '\0';
-  return true;
+  return std::fgets(line, int(kLineRead + 1), stream) != nullptr;
 }
 
 }  // namespace

@@ -49,14 +49,14 @@ extern "C" FSKIT_API int32_t fsDateTime(int32_t inLayout, const char *input, int
   if (useNow == 0) conversion.record = DateRecord{};
   takeSeparators(separators, conversion);
 
-  if (!readInput(inLayout, input, conversion)) {
-    if (useNow == 0 || !dateTimeNow(conversion.record, conversion.centuryBase)) {
-      std::fprintf(stderr, "Unable to generate valid input date from: %s\n",
-                   input != nullptr ? input : "");
-      return 0;
-    }
-    // Names typed in an input that was not used would not match today's date.
-    conversion.dayName[0] = conversion.monthName[0] = '\0';
+  // With useNow, an input that gives no valid date is replaced by the current
+  // time; only the record is replaced, so a day or month name that was read
+  // before the input failed still names the day and month in layout 4.
+  if (!readInput(inLayout, input, conversion) &&
+      (useNow == 0 || !dateTimeNow(conversion.record, conversion.centuryBase))) {
+    std::fprintf(stderr, "Unable to generate valid input date from: %s\n",
+                 input != nullptr ? input : "");
+    return 0;
   }
 
   if (outLayout < 0 || outLayout > kLastOutputLayout) {

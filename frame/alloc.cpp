@@ -64,7 +64,7 @@ FSKIT_API char *strrealloc2(char *old, const char *first, ...) {
 
 FSKIT_API void fsFree(void *p) {
   void **variable = static_cast<void **>(p);
-  if (*variable != nullptr) {
+  if (variable != nullptr && *variable != nullptr) {
     std::free(*variable);
     *variable = nullptr;
   }

@@ -37,14 +37,17 @@ int32_t dispatch(const char *routine, int32_t *count, int32_t *codes,
 
 namespace fskit::frame {
 
-void writeMessages(std::FILE *out, const char *routine, int32_t count,
+void writeMessages(std::FILE *out, const char *routine, const int32_t *count,
                    const int32_t *codes, char *const *texts) {
-  for (int32_t i = 0; i < count; ++i) {
+  if (count == nullptr || codes == nullptr || texts == nullptr) return;
+  if (routine == nullptr) routine = "";
+  for (int32_t i = 0; i < *count; ++i) {
+    const char *text = texts[i] != nullptr ? texts[i] : "";
     char end = terminatorFor(codes[i]);
     if (codes[i] == 0)
-      std::fprintf(out, "%s%c", texts[i], end);
+      std::fprintf(out, "%s%c", text, end);
     else
-      std::fprintf(out, "%s: %s%c", routine, texts[i], end);
+      std::fprintf(out, "%s: %s%c", routine, text, end);
   }
 }
 
@@ -79,9 +82,12 @@ FSKIT_API int32_t fsMessages(const char *routine, int32_t *count, int32_t *codes
   int32_t none = 0;
   int32_t *lengths = &none;
   if (*count > 0) {
+    // The functions are only ever handed arrays that hold what the count says.
+    if (codes == nullptr || auxCodes == nullptr || texts == nullptr) return 1;
     lengths = static_cast<int32_t *>(std::malloc(sizeof(int32_t) * size_t(*count)));
     if (lengths == nullptr) return 1;
-    for (int32_t i = 0; i < *count; ++i) lengths[i] = int32_t(std::strlen(texts[i]));
+    for (int32_t i = 0; i < *count; ++i)
+      lengths[i] = texts[i] != nullptr ? int32_t(std::strlen(texts[i])) : 0;
   }
   int32_t result = dispatch(routine, count, codes, auxCodes, lengths, texts);
   if (lengths != &none) std::free(lengths);
@@ -92,7 +98,7 @@ FSKIT_API int32_t fsDefaultMessageFunction(const char *routine, int32_t *count,
                                            int32_t *codes, int32_t *,
                                            int32_t *, char **texts) {
   if (count == nullptr || *count < 1) return 0;
-  fskit::frame::writeMessages(stdout, routine, *count, codes, texts);
+  fskit::frame::writeMessages(stdout, routine, count, codes, texts);
   return 0;
 }
 

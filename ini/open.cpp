@@ -51,6 +51,7 @@ int32_t openSlot(const char *fileName, bool readFile) {
   }
   slot->document = document;
   slot->fileName = nameCopy;
+  slot->serial = ++iniState().openings;
   return kFirstHandle + int32_t(slot - iniState().slots);
 }
 

@@ -14,6 +14,13 @@ Slot *slotOf(int32_t handle) {
   return slot.document != nullptr ? &slot : nullptr;
 }
 
+const char *paragraphNameOf(uint64_t serial, int32_t index) {
+  for (const Slot &slot : state.slots)
+    if (slot.document != nullptr && slot.serial == serial)
+      return slot.document->paragraphNameAt(index);
+  return nullptr;
+}
+
 void releaseSlot(Slot &slot) {
   delete slot.document;
   std::free(slot.fileName);

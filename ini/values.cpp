@@ -56,11 +56,14 @@ FSKIT_API int32_t fsIniNext(int32_t first, int32_t handle, char *paragraph, char
       // The walk ends at the end of the list or at a paragraph without name.
       if (document.paragraphNameAt(walk.nextParagraph) == nullptr) return 0;
       walk.paragraph = walk.nextParagraph++;
+      walk.document = slot->serial;
       walk.nextLine = 0;
     }
-    // Lines are taken from the first paragraph of this name, so a duplicate
-    // paragraph's turn delivers the first one's topics again.
-    const char *name = document.paragraphNameAt(walk.paragraph);
+    // Lines are taken from the first paragraph of this name in the document
+    // of `handle`, so a duplicate paragraph's turn delivers the first one's
+    // topics again, and a walk begun on another handle goes on with the
+    // paragraph of that name here.
+    const char *name = fskit::ini::paragraphNameOf(walk.document, walk.paragraph);
     const char *lineTopic = document.topicAt(name, walk.nextLine++);
     if (lineTopic == nullptr) {  // end of paragraph, or a blank or comment line
       walk.paragraph = -1;

@@ -1,7 +1,10 @@
 // The merge of sorted work files. Each file is read through a buffer that
 // grows to hold its longest line, so lines of any length survive; the files'
 // current lines are kept in a heap, smallest on top, equal lines taken from
-// the lower-numbered file first.
+// the lower-numbered file first. Lines are compared as they stand in the
+// files, newline and count included, so a line that continues with a byte
+// below the newline (a tab, say) comes before the line it extends, and
+// "text count" lines order by the whole line.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -80,14 +83,13 @@ struct Source {
   long number;
   std::FILE *file = nullptr;
   LineReader *reader = nullptr;
-  const char *line = nullptr;
+  const char *line = nullptr;  // without its newline
   size_t length = 0;
-  size_t keyLength = 0;  // the text without a count
 };
 
 class Merge {
  public:
-  Merge(bool collapse, bool counted) : collapse_(collapse), counted_(counted) {}
+  explicit Merge(bool collapse) : collapse_(collapse) {}
   ~Merge() {
     for (Source &source : sources_) {
       delete source.reader;
@@ -143,28 +145,21 @@ class Merge {
 
  private:
   bool advance(Source &source) {
-    if (!source.reader->next(source.line, source.length)) return false;
-    source.keyLength = source.length;
-    if (counted_) {
-      for (size_t k = source.length; k-- > 0;)
-        if (source.line[k] == ' ') {
-          source.keyLength = k;
-          break;
-        }
-    }
-    return true;
+    return source.reader->next(source.line, source.length);
   }
 
-  static int compareBytes(const char *a, size_t aLength, const char *b, size_t bLength) {
+  // Two lines byte by byte as unsigned values, each with its newline: where
+  // one line ends, its newline meets the other's next byte.
+  static int compareLines(const char *a, size_t aLength, const char *b, size_t bLength) {
     int c = std::memcmp(a, b, aLength < bLength ? aLength : bLength);
-    if (c != 0) return c;
-    return aLength < bLength ? -1 : aLength > bLength ? 1 : 0;
+    if (c != 0 || aLength == bLength) return c;
+    return aLength < bLength ? int('\n') - int(static_cast<unsigned char>(b[aLength]))
+                             : int(static_cast<unsigned char>(a[bLength])) - int('\n');
   }
 
   bool less(size_t x, size_t y) const {
     const Source &a = sources_[x], &b = sources_[y];
-    int c = compareBytes(a.line, a.keyLength, b.line, b.keyLength);
-    if (c == 0) c = compareBytes(a.line, a.length, b.line, b.length);
+    int c = compareLines(a.line, a.length, b.line, b.length);
     return c != 0 ? c < 0 : a.number < b.number;
   }
 
@@ -179,7 +174,7 @@ class Merge {
     }
   }
 
-  bool collapse_, counted_;
+  bool collapse_;
   std::vector<Source> sources_;
   std::vector<size_t> heap_;
 };
@@ -187,8 +182,8 @@ class Merge {
 }  // namespace
 
 long mergeWorkFiles(const long *numbers, int count, std::FILE *out, bool collapse,
-                    bool counted, long *unreadable) {
-  Merge merge(collapse, counted);
+                    long *unreadable) {
+  Merge merge(collapse);
   *unreadable = merge.open(numbers, count);
   if (*unreadable >= 0) return -2;
   return merge.run(out, unreadable);

@@ -245,7 +245,7 @@ class FileSort {
   // after printing what failed.
   long merge(const long *numbers, int count, std::FILE *file) {
     long unreadable = -1;
-    long lines = mergeWorkFiles(numbers, count, file, collapse_, counted_, &unreadable);
+    long lines = mergeWorkFiles(numbers, count, file, collapse_, &unreadable);
     bool closed = closeSlot(file);
     if (lines == -2) {
       std::printf("Error reading work file %s\n", nameOf(unreadable).get());

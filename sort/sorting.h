@@ -132,11 +132,12 @@ class LineWriter {
   bool failed_ = false;
 };
 
-// Merges the sorted work files `numbers` into `out`. Returns the lines
+// Merges the sorted work files `numbers` into `out`, taking the smallest
+// line of all, compared byte by byte with its newline (and its count, if it
+// has one), from the lowest-numbered file on a tie. Returns the lines
 // written; -1 when a write failed, -2 when work file `*unreadable` could not
-// be read. With `collapse`, equal lines are written once; with `counted`,
-// lines end in " <count>", which orders after the text. May throw bad_alloc.
+// be read. With `collapse`, equal lines are written once. May throw bad_alloc.
 long mergeWorkFiles(const long *numbers, int count, std::FILE *out, bool collapse,
-                    bool counted, long *unreadable);
+                    long *unreadable);
 
 }  // namespace fskit::sort

@@ -110,10 +110,12 @@ const std::vector<Command> &commands() {
       // -- sort
       {"sort", "sort the lines of a text file, in memory or through work files",
        "usage: fskit sort INPUT OUTPUT [--prefix P] [--buffer BYTES] [--unique] [--count]\n"
-       "Sorts the lines of INPUT byte by byte into OUTPUT and prints the library's\n"
-       "progress lines. A file larger than the buffer (default: the whole file) is\n"
-       "sorted in chunks through work files named Psort_N.tmp (P is taken literally,\n"
-       "so a directory ends in '/'), which are removed afterwards.\n"
+       "Sorts the lines of INPUT byte by byte into OUTPUT. The library prints its\n"
+       "progress lines, and the reason of a failure, on standard output; the tool\n"
+       "adds one line on standard error when it fails. A file larger than the\n"
+       "buffer (default: the whole file) is sorted in chunks through work files\n"
+       "named Psort_N.tmp (P is taken literally, so a directory ends in '/'),\n"
+       "which are removed afterwards.\n"
        "  --unique  write equal lines once and drop empty lines\n"
        "  --count   as --unique, each line followed by a blank and its count\n"
        "Exit status 1 when no line was written (an error, or nothing to sort).\n"

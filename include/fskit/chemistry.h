@@ -92,7 +92,8 @@ FSKIT_API int32_t fsFindElement(const char *name, FsElementRecord *record);
 FSKIT_API int32_t fsGetElementInfo(int32_t index, FsElementRecord *record);
 
 /* Copies the symbol of record `index` (at most 3 characters and a NUL) into
- * `symbol`, which holds at least 4 bytes. 1 done; an index outside the table
+ * `symbol`, which holds at least 4 bytes. 1 done, also for the records of a
+ * table whose count is -1; an index outside the records read, or no table,
  * gives 0 and the empty text. */
 FSKIT_API int32_t fsGetElemSymbol(int32_t index, char *symbol);
 

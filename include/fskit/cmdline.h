@@ -72,9 +72,9 @@ FSKIT_API char *kwaCmdLnStr(int32_t argc, char *const *argv, int32_t *length);
 
 /* Makes `array` hold `n` elements of `elemSize` bytes: a larger n than the
  * capacity frees the old buffer (contents are not kept) and allocates anew;
- * a smaller one only sets count. Result 1 when there is a buffer, else 0.
- * n == 0 gives 1 and changes nothing; a negative n or a null `array` gives 0
- * and changes nothing. */
+ * a smaller one (also a negative one) only sets count. Result 1 when there
+ * is a buffer, else 0. n == 0 gives 1 and changes nothing; a null `array`
+ * gives 0. */
 FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize);
 
 /* Reads tag lines from `stream` (neither opened nor closed here) and adds
@@ -82,10 +82,10 @@ FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize);
  * runs count as one blank; the tag is the first word (upper-cased, 63
  * characters kept), the label the rest (63 kept); blank lines and lines
  * without a label add nothing. With `mode` non-zero a label becomes the
- * keyword "##LABEL=" (upper case, at most 60 characters of it). Only the
- * first 254 characters of a line are read; the rest of a longer line is
- * skipped, so it can add no pair of its own. Always returns 1, also when
- * additions failed or the stream is null. */
+ * keyword "##LABEL=" (upper case, at most 60 characters of it). A line is
+ * read 254 characters at a time (the line feed counted): the rest of a longer
+ * line is read next and handled as a line of its own. Always returns 1, also
+ * when additions failed or the stream is null. */
 FSKIT_API int32_t kwaReadTags(FILE *stream, int32_t mode, int32_t *count,
                               int32_t *capacity, KwaTagEntry **table);
 
@@ -114,7 +114,7 @@ FSKIT_API int32_t kwaLabelToTag(int32_t count, const KwaTagEntry *table,
 
 /* qsort comparators over KwaTagEntry records: tags then labels
  * (kwaTblTagCmp), or labels then tags (kwaTblLblCmp), as unsigned bytes.
- * Result -1, 0 or 1. */
+ * Result -1, 0 or 1; a null record comes before any other. */
 FSKIT_API int32_t kwaTblTagCmp(const void *a, const void *b);
 FSKIT_API int32_t kwaTblLblCmp(const void *a, const void *b);
 

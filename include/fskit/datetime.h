@@ -76,7 +76,8 @@ FSKIT_API char *fsNowAscTime(void);
  * `input` null converts the current local time, whatever `inLayout` is.
  * `useNow` not 0: the fields the input layout does not give come from the
  * current local time, and an unreadable input is replaced by the current local
- * time without a message (day and month names read from it are then dropped).
+ * time without a message; a day or month name read from it before it failed
+ * stays, and output layout 4 prints it with the current date.
  * Input layout 9 with a text that does not begin with a number (optional
  * blanks and sign, then digits) is unreadable.
  *

@@ -38,13 +38,15 @@ FSKIT_API void fsMessage(const char *routine, int32_t code, int32_t auxCode,
 
 /* Sends *count texts in one call. Result: 1 when no function was called,
  * otherwise the result of the last function called (message, then log).
- * A null `count`, or a failed allocation of the length array, calls nothing
- * and returns 1. */
+ * A null `count`, a positive count with a null `codes`, `auxCodes` or
+ * `texts`, or a failed allocation of the length array, calls nothing and
+ * returns 1. A null entry of `texts` has the length 0. */
 FSKIT_API int32_t fsMessages(const char *routine, int32_t *count, int32_t *codes,
                              int32_t *auxCodes, char **texts);
 
 /* The default message function: writes each text to standard output in the
- * layout its code selects. Returns 0. */
+ * layout its code selects. Returns 0. Null `count`, `codes` or `texts` write
+ * nothing; a null text or routine name is written as the empty text. */
 FSKIT_API int32_t fsDefaultMessageFunction(const char *routine, int32_t *count,
                                            int32_t *codes, int32_t *auxCodes,
                                            int32_t *lengths, char **texts);
@@ -96,8 +98,8 @@ FSKIT_API char *strrealloc(char *old, const char *s);
  * one of the texts; on allocation failure null is returned and `old` kept. */
 FSKIT_API char *strrealloc2(char *old, const char *first, ...);
 
-/* Frees *p when it is not null and sets *p to null. `p` itself must not be
- * null. strfree is the same function. */
+/* Frees *p when it is not null and sets *p to null; a null `p` does
+ * nothing. strfree is the same function. */
 FSKIT_API void fsFree(void *p);
 FSKIT_API void strfree(void *p);
 

@@ -53,8 +53,12 @@ FSKIT_API int32_t fsIniSetValue(int32_t handle, const char *paragraph, const cha
  * handle. A non-zero `first` starts over (before the handle is tested). A
  * paragraph's walk ends at its first blank or comment line; a topic without
  * value is skipped with the message of fsIniGetValue(); duplicates give the
- * first match's value. The buffers must hold the longest name or value (1022
- * bytes hold any read from a file); a null buffer is skipped. */
+ * first match's value. There is one walk in the process, not one per handle:
+ * a walk that goes on with another handle goes on in that document's first
+ * paragraph of the current paragraph's name, at the same line (when the
+ * document it came from has been released, with the next paragraph). The
+ * buffers must hold the longest name or value (1022 bytes hold any read from
+ * a file); a null buffer is skipped. */
 FSKIT_API int32_t fsIniNext(int32_t first, int32_t handle, char *paragraph, char *topic,
                             char *value);
 

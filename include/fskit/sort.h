@@ -68,7 +68,9 @@ FSKIT_API void fsSortArrays(int type, long n, long m, ...);
 
 /* Sorts the lines of file `input` into `output`: bytes as unsigned values, a
  * line ending at its newline or first NUL, bytes after the last newline
- * dropped. Returns the lines written, 0 on failure; progress and errors go
+ * dropped. The merge of work files compares each line with its newline and
+ * count, as written: there "a\tb" comes before "a", and "a 1 1" before
+ * "a 6". Returns the lines written, 0 on failure; progress and errors go
  * to standard output. keepDuplicates 0: equal lines once, empty lines
  * dropped; withCounts adds " <count>" (per chunk: not added up over chunks).
  * The buffer: bufferSize, or the file's size when <= 0 or larger, at most

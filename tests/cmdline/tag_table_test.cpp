@@ -40,20 +40,23 @@ struct Table {
 }  // namespace
 
 TEST(TagFile, ReadsPairsAndKeywords) {
-  // The tails of lines longer than one read (254 characters) look like
-  // records but add nothing.
+  // A line longer than one read (254 characters) goes on in the next read,
+  // which is handled as a line of its own.
   const std::string file = "ms Mass spectrum\n! ignored\n\n  uv    Ultra   violet  \n"
                            "MASS Mass range ! scanned\nonlytag\n\tTab\tlabel\r\n!" +
                            std::string(260, 'c') + " TAIL comment\n" + std::string(70, 't') + " " +
                            std::string(353, 'l') + " ZZ tail\nlast line";
   Table plain, keywords;
   plain.read(file, 0);
-  EXPECT_EQ(plain.pairs(), "MS=Mass spectrum;UV=Ultra violet;MASS=Mass range;TAB=label;" +
-                               std::string(63, 'T') + "=" + std::string(63, 'l') + ";LAST=line;");
+  EXPECT_EQ(plain.pairs(), "MS=Mass spectrum;UV=Ultra violet;MASS=Mass range;TAB=label;"
+                           "CCCCCCC=TAIL comment;" + std::string(63, 'T') + "=" +
+                               std::string(63, 'l') + ";" + std::string(63, 'L') +
+                               "=ZZ tail;LAST=line;");
   keywords.read(file, 1);
   EXPECT_EQ(keywords.pairs(), "MS=##MASS SPECTRUM=;UV=##ULTRA VIOLET=;MASS=##MASS RANGE=;"
-                              "TAB=##LABEL=;" + std::string(63, 'T') + "=##" +
-                                  std::string(60, 'L') + "=;LAST=##LINE=;");
+                              "TAB=##LABEL=;CCCCCCC=##TAIL COMMENT=;" + std::string(63, 'T') +
+                                  "=##" + std::string(60, 'L') + "=;" + std::string(63, 'L') +
+                                  "=##ZZ TAIL=;LAST=##LINE=;");
 }
 
 TEST(TagTable, AddsLooksUpAndGrowsByTen) {

@@ -1,0 +1,54 @@
+// Cases that once went wrong in the INI family, one line each on what did.
+#include <fskit/ini.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/test_support.h"
+
+using namespace fskit::test;
+
+TEST(IniRegression, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
+  TempDir dir;
+  writeFile(dir.file("a.ini"), "[X]\na=1\nb=2\n[Y]\nq=5\n");
+  writeFile(dir.file("b.ini"), "[Z]\nz=0\n[X]\na=10\nb=20\nc=30\n");
+  enum class First { kKept, kReleased, kReopened };  // the walk's first document
+  struct Case {
+    First first;
+    const char *expected;  // what the walk delivers on the second handle
+  } cases[] = {
+      // Used to take the second document's paragraph at the same position
+      // (Z) instead of its paragraph named X, at the line the walk stood on.
+      {First::kKept, "X|b|20;X|c|30;X|a|10;X|b|20;X|c|30;"},
+      // Right before, and kept so: with the first document gone its paragraph
+      // has no name any more, and the walk goes on with the next paragraph,
+      // reading nothing released.
+      {First::kReleased, "X|a|10;X|b|20;X|c|30;"},
+      // The same when a new document has taken the released one's slot.
+      {First::kReopened, "X|a|10;X|b|20;X|c|30;"},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.expected);
+    int32_t a = fsIniReadFile(dir.file("a.ini").c_str());
+    int32_t b = fsIniReadFile(dir.file("b.ini").c_str());
+    ASSERT_NE(a, 0);
+    ASSERT_NE(b, 0);
+    char paragraph[64], topic[64], value[64];
+    ASSERT_EQ(fsIniNext(1, a, paragraph, topic, value), 1);
+    EXPECT_EQ(std::string(paragraph) + "|" + topic + "|" + value, "X|a|1");
+    if (c.first != First::kKept) fsIniReleaseFile(a);
+    if (c.first == First::kReopened) {
+      ASSERT_EQ(fsIniReadFile(dir.file("a.ini").c_str()), a);
+    }
+    // Every value the walk delivers from here on, "paragraph|topic|value;".
+    std::string delivered;
+    EXPECT_EQ(captureStderr([&] {
+                while (fsIniNext(0, b, paragraph, topic, value) == 1)
+                  delivered += std::string(paragraph) + "|" + topic + "|" + value + ";";
+              }),
+              "");
+    EXPECT_EQ(delivered, c.expected);
+    fsIniReleaseFile(a);
+    fsIniReleaseFile(b);
+  }
+}
