@@ -171,22 +171,3 @@ TEST(TypedSort, OffsetsTextKeysAndRejectedCalls) {
             "fsSortIndex: invalid sort type, constant value 21\n");
   EXPECT_EQ(std::vector<int32_t>(untouched, untouched + 3), (std::vector<int32_t>{3, 2, 1}));
 }
-
-TEST(TypedSort, CycleMoveFallbackAppliesThePermutation) {
-  // Used by fsSort when there is no room for a copy of the array.
-  std::mt19937 random(5);
-  for (size_t size : {4, 16, 5}) {
-    const size_t n = 500;
-    std::vector<int32_t> order(n);
-    std::iota(order.begin(), order.end(), 0);
-    std::shuffle(order.begin(), order.end(), random);
-    Bytes elements(n * size), spare(size);
-    for (size_t k = 0; k < elements.size(); ++k) elements[k] = static_cast<unsigned char>(k / size);
-    Bytes before = elements;
-    std::vector<int32_t> expected = order;
-    permuteElements(elements.data(), size, order.data(), n, spare.data());
-    for (size_t k = 0; k < n; ++k)
-      ASSERT_EQ(Bytes(&elements[k * size], &elements[(k + 1) * size]),
-                Bytes(&before[size_t(expected[k]) * size], &before[size_t(expected[k] + 1) * size]));
-  }
-}
