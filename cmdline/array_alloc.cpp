@@ -14,7 +14,12 @@ FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize) {
     std::free(array->data);
     array->capacity = n;
     array->elemSize = elemSize;
-    array->data = std::malloc(size_t(n) * elemSize);
+    // Where size_t is 32 bits the product can wrap: a buffer smaller than
+    // the capacity claims would be worse than none.
+    size_t bytes = 0;
+    array->data = __builtin_mul_overflow(size_t(n), size_t(elemSize), &bytes)
+                      ? nullptr
+                      : std::malloc(bytes);
   }
   array->count = n;
   return array->data != nullptr ? 1 : 0;

@@ -74,7 +74,7 @@ FSKIT_API char *kwaCmdLnStr(int32_t argc, char *const *argv, int32_t *length);
  * capacity frees the old buffer (contents are not kept) and allocates anew;
  * a smaller one (also a negative one) only sets count. Result 1 when there
  * is a buffer, else 0. n == 0 gives 1 and changes nothing; a null `array`
- * gives 0. */
+ * gives 0. A size n * elemSize that size_t cannot hold allocates nothing. */
 FSKIT_API int32_t kwaArrayAlloc(KwaArray *array, int32_t n, uint32_t elemSize);
 
 /* Reads tag lines from `stream` (neither opened nor closed here) and adds
