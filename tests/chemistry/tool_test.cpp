@@ -34,11 +34,9 @@ TEST(ChemistryTool, ElementFileFromOptionOrIniFile) {
   writeFile(dir.file("lab.ini"), "[Formula Files]\nelementFile=example.tbl\n");
   auto listed = runTool({"elements", "--elements", "example.tbl"}, "", dir.path());
   EXPECT_EQ(listed.status, 0) << listed.err;
-  for (const char *line : {"\n2\t13C\tC\t6\t13\t13.003355000\t13.003355000\t1.1\t2\t2\n",
-                           "\n3\tH\tH\t1\t1\t1.007825000\t1.008000000\t100\t-1\t0\n",
-                           "\n9\t18O\tO\t8\t18\t17.999159000\t17.999159000\t0.2\t0\t3\n"}) {
-    EXPECT_NE(listed.out.find(line), std::string::npos) << line;
-  }
+  // Every field of a record; the records themselves are the library tests'.
+  EXPECT_NE(listed.out.find("\n3\tH\tH\t1\t1\t1.007825000\t1.008000000\t100\t-1\t0\n"),
+            std::string::npos) << listed.out;
   auto viaIni = runTool({"formula", "--ini", "lab.ini", "C6H12O6"}, "", dir.path());
   EXPECT_EQ(viaIni.out.substr(viaIni.out.find('\n') + 1),
             "C6H12O6\tC6H12O6\t180\t180.063390\t180.1560\t1.0\n");

@@ -141,11 +141,6 @@ TEST(IniApi, WalkQuirks) {
   EXPECT_EQ(fsIniNext(0, handle, p, t, v), 1);
   EXPECT_STREQ(t, "a1");
   fsIniReleaseFile(handle);
-
-  writeFile(path, "; a comment first\n[A]\nx = 1\n");
-  handle = fsIniReadFile(path.c_str());
-  EXPECT_EQ(walk(handle), "");
-  fsIniReleaseFile(handle);
 }
 
 TEST(IniApi, WriteTargetsThatCannotBeOpenedKeepTheirHandles) {
@@ -258,39 +253,15 @@ TEST(IniApi, FailedWriteLeavesOldFile) {
 #endif
 }
 
-TEST(IniApi, AllocationFailuresNeverCrash) {
-  TempDir dir;
-  std::string path = dir.file("m.ini");
-  std::string text, changed;
-  for (int i = 0; i < 30; ++i) {
-    std::string paragraph = "[P" + std::to_string(i % 20) + "]\n; c\nk = ";
-    text += paragraph + std::to_string(i) + "\n\n";
-    changed += paragraph + (i == 3 ? "new" : std::to_string(i)) + "\n\n";
-  }
-  writeFile(path, text);
-  EXPECT_EQ(captureStderr([&] {
-              fskit::ini::testing::failAllocationsAfter(0);
-              EXPECT_EQ(fsIniReadFile(path.c_str()), 0);
-              fskit::ini::testing::failAllocationsAfter(1);
-              EXPECT_EQ(fsIniNewFile(path.c_str()), 0);
+TEST(IniApi, OutOfMemoryIsReported) {
+  // Failures at every allocation, and what they leave, are the fault tests'.
+  EXPECT_EQ(captureStderr([] {
+              fskit::ini::testing::failAllocationsAfter(0);  // no copy of the name
+              EXPECT_EQ(fsIniReadFile("m.ini"), 0);
+              fskit::ini::testing::failAllocationsAfter(1);  // no document
+              EXPECT_EQ(fsIniNewFile("m.ini"), 0);
             }),
-            "Out of memory for ini file " + path + "\nError allocating ini file " + path + "\n");
-  // Memory running out anywhere while reading and setting leaves a document
-  // that still writes back; with enough memory it is the whole one.
-  // (Every rename over the file waits for the disk, so the steps are coarse.)
-  for (long allowed = 3; allowed < 600; allowed += 12) {
-    fskit::ini::testing::failAllocationsAfter(allowed);
-    int32_t handle = fsIniReadFile(path.c_str());
-    EXPECT_EQ(fsIniSetValue(handle, "P3", "k", "new", ""), 1);
-    fskit::ini::testing::failAllocationsAfter(-1);
-    ASSERT_EQ(fsIniWriteFile(handle), 1);
-    std::string written = readText(path);
-    EXPECT_LE(written.size(), changed.size()) << allowed;
-    if (allowed == 591) {
-      EXPECT_EQ(written, changed);
-    }
-    writeFile(path, text);
-  }
+            "Out of memory for ini file m.ini\nError allocating ini file m.ini\n");
 }
 
 TEST(IniApi, LargeFileKeepsFirstMatchesAndOrder) {
