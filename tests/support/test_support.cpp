@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <unistd.h>
-#include <malloc.h>
 
 #include <atomic>
 #include <cstdio>
@@ -153,14 +152,6 @@ std::string writtenTo(const std::function<void(std::FILE *)> &write) {
   while (size_t got = std::fread(buffer, 1, sizeof buffer, stream)) text.append(buffer, got);
   std::fclose(stream);
   return text;
-}
-
-size_t blockSize(void *block) {
-#if defined(_WIN32)
-  return _msize(block);
-#else
-  return malloc_usable_size(block);
-#endif
 }
 
 void setTimeZone(const char *zone) {

@@ -71,9 +71,6 @@ std::FILE *streamOf(const std::string &text);
 // What `write` puts on a fresh binary stream, byte for byte.
 std::string writtenTo(const std::function<void(std::FILE *)> &write);
 
-// The usable size of a block from malloc (at least what was asked for).
-size_t blockSize(void *block);
-
 // Sets TZ (for example "UTC0" or "EST5") and makes the C library take it up.
 void setTimeZone(const char *zone);
 
