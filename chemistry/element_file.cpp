@@ -23,7 +23,7 @@ constexpr size_t kFieldSize = 20;  // 19 characters and a NUL
 class LineFields {
  public:
   explicit LineFields(const char *line) {
-    const char *starts[kMaxFields];
+    char *starts[kMaxFields];
     int32_t lengths[kMaxFields];
     count_ = strqtoks(line, " \t\n", kMaxFields, starts, lengths);
     if (count_ < 1) return;

@@ -60,7 +60,7 @@ FSKIT_API char *strtoken(const char *s, const char *delims, int32_t maxLen, char
 }
 
 FSKIT_API int32_t strqtoks(const char *s, const char *delims, int32_t maxTokens,
-                           const char **starts, int32_t *lengths) {
+                           char **starts, int32_t *lengths) {
   if (starts == nullptr || lengths == nullptr) return 0;
   s = text(s);
   const CharSet delimiters(delims);
@@ -74,7 +74,7 @@ FSKIT_API int32_t strqtoks(const char *s, const char *delims, int32_t maxTokens,
     } else {
       while (*end != '\0' && !delimiters.contains(*end)) ++end;
     }
-    starts[found] = s;
+    starts[found] = const_cast<char *>(s);
     lengths[found] = static_cast<int32_t>(end - s);
     ++found;
     s = end;

@@ -77,7 +77,7 @@ void fskitStrcompress(benchmark::State &state) {
 }
 
 void fskitStrqtoks(benchmark::State &state) {
-  std::vector<const char *> starts(kSize / 2);
+  std::vector<char *> starts(kSize / 2);
   std::vector<int32_t> lengths(kSize / 2);
   for (auto _ : state)
     benchmark::DoNotOptimize(strqtoks(text().c_str(), " \t", int32_t(starts.size()),

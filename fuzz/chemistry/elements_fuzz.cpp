@@ -33,7 +33,7 @@ int32_t expectedCount(std::string_view file) {
     const size_t end = std::min(newline == std::string_view::npos ? file.size() : newline + 1, at + 131);
     const fskit::fuzz::Text piece(file.substr(at, end - at));
     at = end;
-    const char *start;
+    char *start;
     int32_t length;
     if (strqtoks(piece.get(), " \t\n", 1, &start, &length) < 1) continue;
     const std::string_view first(start, size_t(length));

@@ -15,7 +15,7 @@ namespace {
 
 void checkAllTokens(const Text &s, std::string_view delims, int32_t capacity) {
   const std::string before(s.str());
-  std::vector<const char *> starts(size_t(capacity) + 1, nullptr);
+  std::vector<char *> starts(size_t(capacity) + 1, nullptr);
   std::vector<int32_t> lengths(size_t(capacity) + 1, -1);
   const Text delimiters(delims);
   int32_t found = strqtoks(s.get(), delimiters.get(), capacity, starts.data(), lengths.data());

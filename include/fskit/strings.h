@@ -197,9 +197,11 @@ FSKIT_API char *strtoken(const char *s, const char *delims, int32_t maxLen,
  * begins with ' or " runs through its closing quote (a doubled quote does not
  * close) and on to the next delimiter, so delimiters inside quotes do not
  * split it; quotes stay in the token. Returns the number of tokens (0 when
- * `starts` or `lengths` is null). */
+ * `starts` or `lengths` is null). `starts` is `char **`, as programs of the
+ * old interface declare it; its pointers point into `s` (as strchr's result
+ * does), so do not write through them when `s` is constant. */
 FSKIT_API int32_t strqtoks(const char *s, const char *delims, int32_t maxTokens,
-                           const char **starts, int32_t *lengths);
+                           char **starts, int32_t *lengths);
 
 /* ---- Escapes and fields ---- */
 

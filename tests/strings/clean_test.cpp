@@ -73,7 +73,7 @@ Tokens readTokens(const char *s, int32_t maxLen) {
 }
 
 Tokens quotedTokens(const std::string &s, int32_t max = 16) {
-  const char *starts[16];
+  char *starts[16];
   int32_t lengths[16];
   Tokens tokens;
   for (int32_t i = 0, n = strqtoks(s.c_str(), " ,", max, starts, lengths); i < n; ++i)
