@@ -25,7 +25,9 @@ class LineFields {
   explicit LineFields(const char *line) {
     char *starts[kMaxFields];
     int32_t lengths[kMaxFields];
-    count_ = strqtoks(line, " \t\n", kMaxFields, starts, lengths);
+    // A carriage return separates too, so that a file written with Windows
+    // line ends reads as it does there, where text mode drops the CR.
+    count_ = strqtoks(line, " \t\r\n", kMaxFields, starts, lengths);
     if (count_ < 1) return;
     column_ = starts[0] - line;
     for (int32_t i = 0; i < count_; ++i) {

@@ -35,7 +35,7 @@ int32_t expectedCount(std::string_view file) {
     at = end;
     char *start;
     int32_t length;
-    if (strqtoks(piece.get(), " \t\n", 1, &start, &length) < 1) continue;
+    if (strqtoks(piece.get(), " \t\r\n", 1, &start, &length) < 1) continue;
     const std::string_view first(start, size_t(length));
     if (first == "Element" || first == "Atomic") continue;
     if (start - piece.get() <= 1) {

@@ -5,8 +5,9 @@
  * (symbol in the first or second column; symbol, atomic number, average mass,
  * reference mass number, an unused field, first isotope's label, exact mass
  * and abundance, auxValue, rdbFactor) followed by one indented line per
- * further isotope (label, exact mass, abundance). Lines whose first field is
- * "Element" or "Atomic" are headers. The first fsFindElemInTbl() without a
+ * further isotope (label, exact mass, abundance). Fields are separated by
+ * blanks, tabs and carriage returns (so Windows line ends read as line
+ * ends). Lines whose first field is "Element" or "Atomic" are headers. The first fsFindElemInTbl() without a
  * table loads one through INI handle 1000 (paragraph "Formula Files", topic
  * "elementFile"), else from "kw_elements.tbl", "kw_ele.tbl" or
  * "QUOR_SYSTEM:KW_ELEMENTS.TBL" in the current directory. Problems are

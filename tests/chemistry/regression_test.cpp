@@ -4,7 +4,9 @@
 
 #include <cmath>
 #include <limits>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "tests/chemistry/example_table.h"
 
@@ -89,5 +91,24 @@ TEST(ChemistryRegression, SymbolsOfAFullTableCanBeRead) {
     char symbol[4] = "###";
     EXPECT_EQ(fsGetElemSymbol(c.index, symbol), c.result);
     EXPECT_STREQ(symbol, c.symbol);
+  }
+}
+
+TEST(ChemistryRegression, WindowsLineEndsReadAsLineEnds) {
+  // A file written on Windows used to give a "\r" field: a line of only CR LF
+  // became an element record, and every last field carried the CR.
+  std::string crlf;
+  for (char c : std::string(kExampleTable) + "\n") crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  TempDir dir;
+  loadTable(dir, kExampleTable, "lf.tbl");
+  const int32_t count = fsElementTableCount();
+  std::vector<FsElementRecord> expected(static_cast<size_t>(count));
+  for (int32_t i = 0; i < count; ++i) fsGetElementInfo(i, &expected[size_t(i)]);
+  loadTable(dir, crlf, "crlf.tbl");
+  ASSERT_EQ(fsElementTableCount(), count);
+  for (int32_t i = 0; i < count; ++i) {
+    FsElementRecord record;
+    fsGetElementInfo(i, &record);
+    EXPECT_EQ(std::memcmp(&record, &expected[size_t(i)], sizeof record), 0) << i;
   }
 }
