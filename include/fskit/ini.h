@@ -25,9 +25,10 @@ FSKIT_BEGIN_DECLS
 FSKIT_API int32_t fsIniNewFile(const char *fileName);
 
 /* Handle of a document read from `fileName`, or 0 as fsIniNewFile() and when
- * the file cannot be opened ("Error opening ini file NAME"). Whatever does not
- * parse ends the document silently: the handle holds what was read up to it.
- * Lines may end in LF or CR LF on every platform. */
+ * the file cannot be opened, a directory included ("Error opening ini file
+ * NAME"). Whatever does not parse ends the document silently: the handle
+ * holds what was read up to it. Lines may end in LF or CR LF on every
+ * platform. */
 FSKIT_API int32_t fsIniReadFile(const char *fileName);
 
 /* Copies the value of `topic` in the first paragraph named `paragraph` into

@@ -2,6 +2,7 @@
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "tests/support/test_support.h"
@@ -51,4 +52,21 @@ TEST(IniRegression, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
     fsIniReleaseFile(a);
     fsIniReleaseFile(b);
   }
+}
+
+TEST(IniRegression, ADirectoryIsAFileThatCannotBeOpened) {
+  TempDir dir;
+  std::string name = dir.file("settings");
+  writeFile(dir.file("plain.ini"), "[A]\nx=1\n");
+  ASSERT_TRUE(std::filesystem::create_directory(name));
+  int32_t handle = -1;
+  // Used to give a handle of an empty document: the directory opened for
+  // reading, and only its first read failed.
+  EXPECT_EQ(captureStderr([&] { handle = fsIniReadFile(name.c_str()); }),
+            "Error opening ini file " + name + "\n");
+  EXPECT_EQ(handle, 0);
+  // The slot stays free for the next document.
+  int32_t plain = fsIniReadFile(dir.file("plain.ini").c_str());
+  EXPECT_EQ(plain, 1000);
+  fsIniReleaseFile(plain);
 }
