@@ -67,15 +67,17 @@ FSKIT_API int32_t fsIniNext(int32_t first, int32_t handle, char *paragraph, char
  * handle stays open). A regular file (or a new one) is replaced only once the
  * whole text is written, flushed and closed without error: the text goes to a
  * temporary file beside it that is renamed over it, keeping its permission
- * bits; a symbolic link is followed. If anything fails, the old file is left
- * as it was. Other targets (devices, FIFOs, files or directories without
- * write permission) are opened with "w" and written in place. Opening
+ * bits and owner; a symbolic link is followed. If anything fails, the old
+ * file is left as it was. Other targets (devices, FIFOs, files with more than
+ * one name, files whose owner the process cannot give a new file, files or
+ * directories without write permission) are opened with "w" and written in
+ * place, as the file itself. Opening
  * failures print "Error opening ini file NAME"; output errors, including one
  * found when the file is closed, are silent. The data is not forced to disk.
  * A paragraph with an empty name (never found by a lookup) is not written.
  * On Windows the file is a text file (lines end in CR LF), ReplaceFile puts
- * it in the old one's place, and read-only files, links and devices are
- * written in place. */
+ * it in the old one's place, and read-only files, links, files with more
+ * than one name and devices are written in place. */
 FSKIT_API int32_t fsIniWriteFile(int32_t handle);
 
 /* Releases the document of `handle` without writing it; a bad handle is
