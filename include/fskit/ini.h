@@ -71,9 +71,10 @@ FSKIT_API int32_t fsIniNext(int32_t first, int32_t handle, char *paragraph, char
  * file is left as it was. Other targets (devices, FIFOs, files with more than
  * one name, files whose owner the process cannot give a new file, files or
  * directories without write permission) are opened with "w" and written in
- * place, as the file itself. Opening
- * failures print "Error opening ini file NAME"; output errors, including one
- * found when the file is closed, are silent. The data is not forced to disk.
+ * place, as the file itself; so is a file that the complete text cannot be
+ * renamed over (a file mounted in its place). Opening failures print "Error
+ * opening ini file NAME"; output errors, including one found when the file
+ * is closed, are silent. The data is not forced to disk.
  * A paragraph with an empty name (never found by a lookup) is not written.
  * On Windows the file is a text file (lines end in CR LF), ReplaceFile puts
  * it in the old one's place, and read-only files, links, files with more

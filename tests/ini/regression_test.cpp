@@ -2,6 +2,9 @@
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#if defined(__linux__)
+#include <sys/mount.h>
+#endif
 #if !defined(_WIN32)
 #include <sys/wait.h>
 #include <unistd.h>
@@ -116,5 +119,26 @@ TEST(IniRegression, WriteKeepsTheFileItselfWhereANewOneWouldDiffer) {
   EXPECT_EQ(after.st_uid, 0u);
   EXPECT_EQ(after.st_gid, 0u);
   EXPECT_EQ(after.st_mode & 07777, 0666u);
+}
+#endif
+
+#if defined(__linux__)
+TEST(IniRegression, WriteGoesIntoAFileMountedInItsPlace) {
+  TempDir dir;
+  std::string path = dir.file("t.ini"), source = dir.file("source.ini");
+  writeFile(path, "[A]\nx = 1\n");
+  writeFile(source, "[A]\nx = 1\n");
+  if (mount(source.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
+    GTEST_SKIP() << "needs the right to mount a file";
+  // Used to give 0 without a message, the file unwritten: a new file cannot
+  // be renamed over a mount point, though the file itself can be written.
+  int32_t handle = fsIniReadFile(path.c_str());
+  fsIniSetValue(handle, "A", "x", "2", "");
+  EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 1); }), "");
+  EXPECT_EQ(readFile(path), "[A]\nx = 2\n");
+  EXPECT_EQ(umount2(path.c_str(), 0), 0);
+  EXPECT_EQ(readFile(source), "[A]\nx = 2\n");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2);
+  fsIniReleaseFile(handle);
 }
 #endif
