@@ -12,12 +12,17 @@ FSKIT_API int32_t fsDefaultMsgLogFunction(const char *routine, int32_t *count,
                                           int32_t *, char **texts) {
   auto &state = messageState();
   if (state.logStream == nullptr) {
+    // Registered as the message function too, this function is handed its
+    // own report: the file cannot take it, and trying again would never end.
+    if (state.reportingLogFailure) return 0;
     state.logStream = std::fopen(fskit::frame::kLogFileName, "w");
     if (state.logStream == nullptr) {
       // Logging goes off first, so this report reaches the screen only.
       state.logging = false;
+      state.reportingLogFailure = true;
       fsMessage("fsDefaultMsgLogFunction", 1, 1, "Unable to open logfile %s",
                 fskit::frame::kLogFileName);
+      state.reportingLogFailure = false;
       return 0;
     }
   }

@@ -13,6 +13,7 @@ struct MessageState {
   FsMsgFunction log = fsDefaultMsgLogFunction;
   bool logging = false;
   std::FILE *logStream = nullptr;
+  bool reportingLogFailure = false;  // the log file's failure is being reported
   FsStopFunction stop = nullptr;
 };
 

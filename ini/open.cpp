@@ -5,6 +5,7 @@
 #include <fskit/ini.h>
 
 #include "ini/state.h"
+#include "platform/platform.h"
 
 namespace fskit::ini {
 namespace {
@@ -14,6 +15,22 @@ Slot *freeSlot() {
   for (Slot &slot : iniState().slots)
     if (slot.document == nullptr) return &slot;
   return nullptr;
+}
+
+// The file to read, or null when it cannot be opened. A directory opens for
+// reading here but holds no lines; it counts as a file that cannot be opened.
+std::FILE *openForReading(const char *fileName) {
+  // Binary, as everywhere but Windows anyway: the reader goes back to a
+  // line's start with ftell/fseek, which a Windows text stream miscounts on
+  // lines ending in LF alone; a CR before the LF is trimmed like other
+  // trailing control characters.
+  std::FILE *stream = std::fopen(fileName, "rb");
+  struct stat status;
+  if (stream != nullptr && platform::_stat(fileName, &status) == 0 && S_ISDIR(status.st_mode)) {
+    std::fclose(stream);
+    stream = nullptr;
+  }
+  return stream;
 }
 
 int32_t openSlot(const char *fileName, bool readFile) {
@@ -29,11 +46,7 @@ int32_t openSlot(const char *fileName, bool readFile) {
     return 0;
   }
   std::FILE *stream = nullptr;
-  // Binary, as everywhere but Windows anyway: the reader goes back to a
-  // line's start with ftell/fseek, which a Windows text stream miscounts on
-  // lines ending in LF alone; a CR before the LF is trimmed like other
-  // trailing control characters.
-  if (readFile && (stream = std::fopen(fileName, "rb")) == nullptr) {
+  if (readFile && (stream = openForReading(fileName)) == nullptr) {
     std::free(nameCopy);
     std::fprintf(stderr, "Error opening ini file %s\n", fileName);
     return 0;

@@ -19,7 +19,19 @@ bool writeAndClose(const FsIniFile &document, std::FILE *stream) {
   return std::fclose(stream) == 0 && written;
 }
 
-bool writeReplacement(const FsIniFile &document, platform::Replacement &replacement, int fd) {
+bool writeInPlace(const FsIniFile &document, const char *fileName) {
+  std::FILE *stream = std::fopen(fileName, "w");
+  if (stream == nullptr) {
+    std::fprintf(stderr, "Error opening ini file %s\n", fileName);
+    return false;
+  }
+  return writeAndClose(document, stream);
+}
+
+// A complete text that cannot be renamed over the file (a file mounted in
+// its place, for one) is written into the file itself instead.
+bool writeReplacement(const FsIniFile &document, const char *fileName,
+                      platform::Replacement &replacement, int fd) {
   TemporaryOpener open = iniState().openTemporary;
   std::FILE *stream = open != nullptr ? open(fd) : fdopen(fd, "w");
   if (stream == nullptr) {
@@ -31,16 +43,7 @@ bool writeReplacement(const FsIniFile &document, platform::Replacement &replacem
     platform::abandonReplacement(replacement);
     return false;
   }
-  return platform::commitReplacement(replacement) == 0;
-}
-
-bool writeInPlace(const FsIniFile &document, const char *fileName) {
-  std::FILE *stream = std::fopen(fileName, "w");
-  if (stream == nullptr) {
-    std::fprintf(stderr, "Error opening ini file %s\n", fileName);
-    return false;
-  }
-  return writeAndClose(document, stream);
+  return platform::commitReplacement(replacement) == 0 || writeInPlace(document, fileName);
 }
 
 }  // namespace
@@ -55,7 +58,7 @@ extern "C" FSKIT_API int32_t fsIniWriteFile(int32_t handle) {
   bool written;
   switch (fskit::platform::beginReplacement(slot->fileName, replacement, fd)) {
     case fskit::platform::ReplaceStart::kReady:
-      written = writeReplacement(*slot->document, replacement, fd);
+      written = writeReplacement(*slot->document, slot->fileName, replacement, fd);
       break;
     case fskit::platform::ReplaceStart::kNotReplaceable:
       written = writeInPlace(*slot->document, slot->fileName);

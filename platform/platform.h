@@ -57,12 +57,14 @@ struct Replacement {
 
 enum class ReplaceStart {
   kReady,           // the temporary file is open for writing
-  kNotReplaceable,  // not a regular file or not writable: write it in place
+  kNotReplaceable,  // not a regular file, not writable, more than one name or
+                    // another's: write it in place
   kFailed,          // replaceable, but no temporary file could be made
 };
 
-// Starts replacing `path` when it is a writable regular file, or does not
-// exist, in a writable directory. When kReady, `fd` is the temporary file,
+// Starts replacing `path` when it is a writable regular file with no other
+// name (whose owner a new file can be given), or does not exist, in a
+// writable directory. When kReady, `fd` is the temporary file,
 // opened for writing with the target's permission bits (and owner, where
 // allowed), or those a new file would get (on Windows: in text mode, and the
 // target's attributes are kept when it is replaced); finish with

@@ -55,8 +55,11 @@ ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &f
   bool exists = lstat(path, &link) == 0;
   if (!exists && errno != ENOENT) return ReplaceStart::kNotReplaceable;
   if (exists) {
-    // A dangling link, a device, a FIFO or a read-only file is written in place.
-    if (stat(path, &status) != 0 || !S_ISREG(status.st_mode) || access(path, W_OK) != 0)
+    // A dangling link, a device, a FIFO or a read-only file is written in
+    // place; so is a file with further names (hard links), which a new file
+    // renamed over this name would leave holding the old text.
+    if (stat(path, &status) != 0 || !S_ISREG(status.st_mode) || access(path, W_OK) != 0 ||
+        status.st_nlink > 1)
       return ReplaceStart::kNotReplaceable;
     replacement.target = S_ISLNK(link.st_mode) ? realpath(path, nullptr) : copyOf(path);
   } else {
@@ -76,8 +79,13 @@ ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &f
     return ReplaceStart::kFailed;
   }
   if (exists) {
+    // Another's file (or one of a group that is not ours) cannot be given
+    // its owner back: it is written in place, so that it keeps them.
     if (fchown(fd, status.st_uid, status.st_gid) != 0) {
-      // Not allowed for others' files: the replacement keeps our ownership.
+      close(fd);
+      fd = -1;
+      abandonReplacement(replacement);
+      return ReplaceStart::kNotReplaceable;
     }
     if (fchmod(fd, status.st_mode & 07777) != 0) {
       close(fd);

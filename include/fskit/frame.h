@@ -53,7 +53,9 @@ FSKIT_API int32_t fsDefaultMessageFunction(const char *routine, int32_t *count,
 
 /* The default log function: opens "fsmessage.log" (truncating it) on first
  * use and writes each text as fsDefaultMessageFunction() does. If the file
- * cannot be opened, logging is switched off and the failure reported. Returns 0. */
+ * cannot be opened, logging is switched off and the failure reported through
+ * the message function; when that is this function too, the report is
+ * dropped. Returns 0. */
 FSKIT_API int32_t fsDefaultMsgLogFunction(const char *routine, int32_t *count,
                                           int32_t *codes, int32_t *auxCodes,
                                           int32_t *lengths, char **texts);

@@ -25,9 +25,10 @@ FSKIT_BEGIN_DECLS
 FSKIT_API int32_t fsIniNewFile(const char *fileName);
 
 /* Handle of a document read from `fileName`, or 0 as fsIniNewFile() and when
- * the file cannot be opened ("Error opening ini file NAME"). Whatever does not
- * parse ends the document silently: the handle holds what was read up to it.
- * Lines may end in LF or CR LF on every platform. */
+ * the file cannot be opened, a directory included ("Error opening ini file
+ * NAME"). Whatever does not parse ends the document silently: the handle
+ * holds what was read up to it. Lines may end in LF or CR LF on every
+ * platform. */
 FSKIT_API int32_t fsIniReadFile(const char *fileName);
 
 /* Copies the value of `topic` in the first paragraph named `paragraph` into
@@ -66,15 +67,18 @@ FSKIT_API int32_t fsIniNext(int32_t first, int32_t handle, char *paragraph, char
  * handle stays open). A regular file (or a new one) is replaced only once the
  * whole text is written, flushed and closed without error: the text goes to a
  * temporary file beside it that is renamed over it, keeping its permission
- * bits; a symbolic link is followed. If anything fails, the old file is left
- * as it was. Other targets (devices, FIFOs, files or directories without
- * write permission) are opened with "w" and written in place. Opening
- * failures print "Error opening ini file NAME"; output errors, including one
- * found when the file is closed, are silent. The data is not forced to disk.
+ * bits and owner; a symbolic link is followed. If anything fails, the old
+ * file is left as it was. Other targets (devices, FIFOs, files with more than
+ * one name, files whose owner the process cannot give a new file, files or
+ * directories without write permission) are opened with "w" and written in
+ * place, as the file itself; so is a file that the complete text cannot be
+ * renamed over (a file mounted in its place). Opening failures print "Error
+ * opening ini file NAME"; output errors, including one found when the file
+ * is closed, are silent. The data is not forced to disk.
  * A paragraph with an empty name (never found by a lookup) is not written.
  * On Windows the file is a text file (lines end in CR LF), ReplaceFile puts
- * it in the old one's place, and read-only files, links and devices are
- * written in place. */
+ * it in the old one's place, and read-only files, links, files with more
+ * than one name and devices are written in place. */
 FSKIT_API int32_t fsIniWriteFile(int32_t handle);
 
 /* Releases the document of `handle` without writing it; a bad handle is

@@ -47,6 +47,20 @@ int createBeside(const char *target, char *&temporary, bool &denied) {
   return -1;
 }
 
+// True when the file has more than one name (hard links): a new file put in
+// place of this name would leave the others holding the old text, so it is
+// written in place instead.
+bool hasFurtherNames(const char *path) {
+  HANDLE file = CreateFileA(path, FILE_READ_ATTRIBUTES,
+                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  BY_HANDLE_FILE_INFORMATION information;
+  bool further = GetFileInformationByHandle(file, &information) && information.nNumberOfLinks > 1;
+  CloseHandle(file);
+  return further;
+}
+
 }  // namespace
 
 ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &fd) {
@@ -60,6 +74,8 @@ ReplaceStart beginReplacement(const char *path, Replacement &replacement, int &f
   } else if (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY |
                            FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_REPARSE_POINT)) {
     // A link is written through in place rather than replaced by a file.
+    return ReplaceStart::kNotReplaceable;
+  } else if (hasFurtherNames(path)) {
     return ReplaceStart::kNotReplaceable;
   }
   replacement.target = copyOf(path);

@@ -2,6 +2,7 @@
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -92,4 +93,21 @@ TEST(FrameRegression, DefaultFunctionsWithNullArraysWriteNothing) {
             }),
             "");
   EXPECT_EQ(readText(dir.file("fsmessage.log")), "r: a\n");
+}
+
+TEST(FrameRegression, LogFunctionAsMessageFunctionSurvivesAnUnopenableFile) {
+  TempDir dir;
+  ChangeDir into(dir.path());
+  ASSERT_TRUE(std::filesystem::create_directory("fsmessage.log"));
+  fsRegisterMessage(fsDefaultMsgLogFunction);
+  // Used to be handed its own report of the failed open, fail again and
+  // report again, until the stack ran out.
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "hello"); }), "");
+  // Once the file can be made, the next message goes into it.
+  std::filesystem::remove("fsmessage.log");
+  fsMessage("r", 1, 0, "later");
+  fsDefaultMsgLogFlush();
+  EXPECT_EQ(readText("fsmessage.log"), "r: later\n");
+  fsDefaultMessage();
+  fsRegisterMsgLog(nullptr);
 }
