@@ -35,19 +35,19 @@ class Listing {
   Listing(FsFileSpec **list, const char *drive, const char *directory)
       : list_(list), drive_(drive), directory_(directory) {}
 
-  // False when memory ran out; the list is then released and null.
+  // False when the list could not grow; it is then released and null.
   bool add(const char *fileName) {
+    // A full list grows for every name delivered, also one passed over below.
+    if (count_ == capacity_ && !grow()) return fail();
     const char *dot = std::strchr(fileName, '.');
     size_t baseLength = dot != nullptr ? static_cast<size_t>(dot - fileName) : std::strlen(fileName);
     // Also passes over "." and "..".
     if (baseLength == 0) return true;
     NamePart base(fileName, baseLength);
     NamePart extension(dot != nullptr ? dot + 1 : "", dot != nullptr ? std::strlen(dot + 1) : 0);
-    if (count_ == capacity_ && !grow()) return fail();
-    FsFileSpec record = {strmalloc(drive_), strmalloc(directory_), strmalloc(base.text),
-                         strmalloc(extension.text)};
-    (*list_)[count_++] = record;
-    if (!record.drive || !record.directory || !record.name || !record.extension) return fail();
+    // A text that cannot be copied stays null; the record and the listing go on.
+    (*list_)[count_++] = {strmalloc(drive_), strmalloc(directory_), strmalloc(base.text),
+                          strmalloc(extension.text)};
     return true;
   }
 

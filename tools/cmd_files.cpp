@@ -20,9 +20,11 @@ int runLs(std::vector<std::string> &args) {
   const char *extPattern = args.size() > 2 ? args[2].c_str() : nullptr;
   FsFileSpec *list = nullptr;
   int32_t count = fsReadDir(args[0].c_str(), namePattern, extPattern, &list);
+  // A text the listing could not copy is null; it prints as nothing.
+  auto text = [](const char *part) { return part != nullptr ? part : ""; };
   for (int32_t i = 0; i < count; ++i)
-    std::printf("%s\t%s\t%s\t%s\n", list[i].name, list[i].extension, list[i].directory,
-                list[i].drive);
+    std::printf("%s\t%s\t%s\t%s\n", text(list[i].name), text(list[i].extension),
+                text(list[i].directory), text(list[i].drive));
   fsReadDirFree(count, &list);
   if (count > 0) return kOk;
   // Nothing listed: no match is not an error, a directory that cannot be read

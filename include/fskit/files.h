@@ -92,7 +92,9 @@ FSKIT_API void fsReadDirFree(int32_t count, FsFileSpec **list);
  * (the directory text with a backslash added unless empty or ending in one).
  * 0 when nothing matches or the directory cannot be read, *list then holding
  * an empty block to release with fsReadDirFree(0, list); 0 with *list null
- * when memory runs out (nothing is leaked).
+ * when the block cannot grow (nothing is leaked; a full block grows when the
+ * next name arrives, also one that is skipped). A text that cannot be copied
+ * is null in its record; the listing goes on.
  * Limits: a drive longer than 79 characters, a directory part longer than
  * 255 or a whole pattern longer than 255 give 0 records (an empty block);
  * bases and extensions of found names are cut to 79 characters. A null
