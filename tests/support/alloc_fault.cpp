@@ -77,9 +77,9 @@ namespace fskit::test {
 
 void failAllocationFrom(long k) { injector = Injector{k, LONG_MAX, 0, false}; }
 
-namespace {
-
 void failOnlyAllocation(long k) { injector = Injector{k, k, 0, false}; }
+
+namespace {
 
 long forEachFailure(void (*arm)(long), const std::function<void()> &call,
                     const std::function<void(long k, bool refused)> &check) {

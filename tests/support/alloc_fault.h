@@ -13,6 +13,8 @@ namespace fskit::test {
 // From now on, fail the k-th allocation (1-based) and every one after it
 // until disarmed; k <= 0 disarms.
 void failAllocationFrom(long k);
+// From now on, fail the k-th allocation only: a retry after it succeeds.
+void failOnlyAllocation(long k);
 
 // For k = 1, 2, ... runs `call` with allocations failing from the k-th on,
 // then (with allocation working again) `check(k, refused)`, until a run of
