@@ -34,7 +34,8 @@ class LineParser {
       }
     }
     if (inQuote_) {
-      *copy_ = '\0';  // collapsed quotes may have left old bytes behind the copy
+      // Nothing is terminated: after collapsed "" pairs the open text still
+      // ends with the line's own last bytes.
       std::fprintf(stderr, "%s, Unmatched quoted string.\n", kRoutine);
     } else if (inList_) {
       std::fprintf(stderr, "%s, Unterminated list.\n", kRoutine);

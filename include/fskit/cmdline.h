@@ -55,8 +55,9 @@ typedef struct KwaTagEntry {
  * when the whole line was parsed, else the (sign-extended) character at which
  * parsing stopped. Problems are printed on stderr as "%kwaCmdLnPrts, ..."
  * lines; after one the record is incomplete (an unmatched quote or an
- * unterminated list still gives 0; text left open by a quote is terminated
- * where its copy ends). After a limit message the count reads
+ * unterminated list still gives 0; text left open by a quote gets no
+ * terminator, so where "" pairs collapsed it still ends with the line's last
+ * bytes). After a limit message the count reads
  * one more than the limit. A null `line` parses as the empty line; a null
  * `parts` gives 0 and touches nothing. */
 FSKIT_API int32_t kwaCmdLnPrts(char *line, KwaCmdLnParts *parts);

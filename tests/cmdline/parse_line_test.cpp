@@ -76,6 +76,7 @@ Outcome parseWithModel(const std::string &line) {
   bool token = false, quote = false, list = false;
   Found found;
   std::string *text = nullptr;  // what the token still grows; none after its closing quote
+  size_t quoted = 0;            // where the open quote's text starts in the line
   Outcome out;
   auto stop = [&](size_t at, const std::string &err) {
     out.result = at < line.size() ? static_cast<signed char>(line[at]) : 0;
@@ -118,6 +119,7 @@ Outcome parseWithModel(const std::string &line) {
       if (token || mode == NAME) return invalid(i);
       if (!start(i + 1)) return out;
       quote = true;
+      quoted = i + 1;
     } else if (c == '(') {
       if (token || mode != VALUE) return invalid(i);
       start(i);
@@ -139,8 +141,12 @@ Outcome parseWithModel(const std::string &line) {
       text->push_back(c);
     }
   }
-  if (quote) out.err = kLabel + "Unmatched quoted string.\n";
-  else if (list) out.err = kLabel + "Unterminated list.\n";
+  if (quote) {
+    // The open text is not terminated: behind what was copied into it come
+    // the line's own last bytes, one for each collapsed "" pair.
+    *text += line.substr(quoted + text->size());
+    out.err = kLabel + "Unmatched quoted string.\n";
+  } else if (list) out.err = kLabel + "Unterminated list.\n";
   out.parts = found.render(false);
   return out;
 }
@@ -166,7 +172,7 @@ TEST(CommandLine, ExamplesAndEdgeCases) {
       {"a=b", '=', "stop args 1 quals 0", "Invalid delimiter =b\n"},
       {"ab\"c\"", '"', "stop args 1 quals 0", "Invalid delimiter \"c\"\n"},
       {"/a/b /c=x/d /e,f=g,h", 0, "/a/b/c=[x]/d/e,f=[g,h]", ""},
-      {"\"a\"\"b", 0, "[a\"b] ", "Unmatched quoted string.\n"},
+      {"\"a\"\"b", 0, "[a\"bb] ", "Unmatched quoted string.\n"},
       {"/q=(a", 0, "/q=[(a]", "Unterminated list.\n"},
       {repeat("a ", 20) + "\xe9", -23, "stop args 21 quals 0",
        "Exceeded maximum number of arguments.\n"},
