@@ -2,9 +2,10 @@
 //
 // Dates of the 1900s, and two-digit years, which the data system's files hold
 // for them, keep the original library's arithmetic so that files written by it
-// get the same day names. Other years get their Gregorian weekday, so that the
-// day names of today's dates are right. Everything is done in 64 bits: days and
-// months come straight from typed input and may be any 32-bit value.
+// get the same day names, down to its remainder of a count below zero. Other
+// years get their Gregorian weekday, so that the day names of today's dates
+// are right. Everything is done in 64 bits: days and months come straight from
+// typed input and may be any 32-bit value.
 #include <fskit/datetime.h>
 
 namespace {
@@ -38,11 +39,11 @@ int64_t daysSince1970(int64_t year, int64_t month, int64_t day) {
 }  // namespace
 
 extern "C" FSKIT_API int32_t fsWeekday(int32_t year, int32_t month, int32_t day) {
-  int64_t count;
+  int64_t weekday;
   if ((year >= 0 && year <= 99) || (year >= 1900 && year <= 1999))
-    count = twentiethCenturyWeekday(year, month, day);
+    // The remainder truncates too: a count below zero gives -6 to -1 (or 7).
+    weekday = twentiethCenturyWeekday(year, month, day) % 7;
   else
-    count = daysSince1970(year, month, day) + 4;  // 1970-01-01 was a Thursday, day 4
-  int64_t weekday = floorMod(count, 7);
+    weekday = floorMod(daysSince1970(year, month, day) + 4, 7);  // 1970-01-01: Thursday, day 4
   return static_cast<int32_t>(weekday == 0 ? 7 : weekday);
 }

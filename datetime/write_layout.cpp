@@ -31,9 +31,12 @@ struct ShortName {
   }
 };
 
+// A valid record (month 0 to 12, day 0 to 31) always has a weekday of 1 to 7;
+// anything else would name no day.
 ShortName dayNameOf(const Conversion &conversion) {
   const DateRecord &r = conversion.record;
-  return ShortName(kDayNames[fsWeekday(r.year, r.month, r.day)]);
+  int32_t weekday = fsWeekday(r.year, r.month, r.day);
+  return ShortName(kDayNames[weekday >= 1 && weekday <= 7 ? weekday : 0]);
 }
 
 // Layouts 7 and 8: date, a blank, time. The formats are picked at run time;

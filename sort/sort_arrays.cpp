@@ -84,8 +84,10 @@ FSKIT_API void fsSortArrays(int type, long n, long m, ...) {
   SortContext &context = sortContext();
   context.data = keys.elements;
   context.size = keys.size;
+  // A negative count asks for more index entries than memory holds, as does
+  // one beyond the reach of 32-bit element numbers.
+  if (n < 0 || n > 0x7fffffffL) return outOfMemory();
   if (n < 2 || keys.size < 1 || keys.size < keySize(type)) return;
-  if (n > 0x7fffffffL) return outOfMemory();
 
   auto *index = static_cast<int32_t *>(std::malloc(size_t(n) * sizeof(int32_t)));
   if (index == nullptr) return outOfMemory();

@@ -36,11 +36,14 @@ FSKIT_API void fsMonthDay(int32_t year, int32_t dayOfYear, int32_t *month, int32
 
 /* The weekday, 1 Monday to 7 Sunday. A year from 0 to 99 is read as 19yy and
  * the years 1900 to 1999 keep the arithmetic of the original library, so a
- * two-digit year always gets the weekday of that date in the 1900s. Any other
- * year (100 and up outside 1900-1999, and negative years) gets its proleptic
- * Gregorian weekday. Months and days outside their ranges are counted on from
- * the nearest valid date (day 0 is the day before day 1); the result is
- * always 1 to 7. */
+ * two-digit year always gets the weekday of that date in the 1900s. That
+ * arithmetic takes months outside 1 to 12 its own way, and its count goes
+ * below zero for a day far before the month's first (about 80 days or more)
+ * or a month far outside the year: the truncated remainder then gives -6 to
+ * -1, or 7. Any other year (100 and up outside 1900-1999, and negative years)
+ * gets its proleptic Gregorian weekday, always 1 to 7, months and days outside
+ * their ranges counted on from the nearest valid date (day 0 is the day
+ * before day 1). */
 FSKIT_API int32_t fsWeekday(int32_t year, int32_t month, int32_t day);
 
 /* The current local time as asctime() writes it, without its line end:

@@ -61,9 +61,9 @@ FSKIT_API void fsQsort(void *base, uint32_t n, uint32_t size,
  * void *array), by the first (types 1-4: keys are the bytes array + k); all
  * get the same permutation. Errors on standard error, nothing moved:
  * "fsSortArrays: too many arrays (%ld) to sort" (m > 50), "... invalid sort
- * type, constant value %d", "... out of memory" (also n > 2^31 - 1).
- * Elements of any size move; arrays of size < 1 stay; m < 1, n < 2 or a key
- * array narrower than its key sort nothing. */
+ * type, constant value %d", "... out of memory" (also n < 0 and
+ * n > 2^31 - 1). Elements of any size move; arrays of size < 1 stay; m < 1,
+ * n of 0 or 1 or a key array narrower than its key sort nothing. */
 FSKIT_API void fsSortArrays(int type, long n, long m, ...);
 
 /* Sorts the lines of file `input` into `output`: bytes as unsigned values, a

@@ -62,7 +62,7 @@ TEST(Calendar, WeekdayOfEveryDateOfThe1900sAndOfOtherCenturies) {
   check(chrono::year(-1) / 1 / 1, chrono::year(1899) / 12 / 31, 13);
   check(chrono::year(2000) / 1 / 1, chrono::year(9999) / 12 / 31, 13);
   for (int value : {INT32_MIN, -100, 0, 13, INT32_MAX})
-    for (int year : {98, 2026, INT32_MIN, INT32_MAX}) {
+    for (int year : {2026, INT32_MIN, INT32_MAX}) {
       int32_t byMonth = fsWeekday(year, value, 1), byDay = fsWeekday(year, 1, value);
       EXPECT_TRUE(byMonth >= 1 && byMonth <= 7 && byDay >= 1 && byDay <= 7) << year << " " << value;
     }

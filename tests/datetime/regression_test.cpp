@@ -45,3 +45,18 @@ TEST(DateTimeRegression, NamesReadBeforeAFailedInputStayWithTheCurrentTime) {
     EXPECT_EQ(err, "");
   }
 }
+
+TEST(DateTimeRegression, WeekdayOfThe1900sKeepsTheTruncatedRemainder) {
+  struct Case {
+    int32_t year, month, day, weekday;
+  };
+  const Case cases[] = {
+      // Counts below zero were brought into 1 to 7 (6, 3 and 2); the
+      // remainder of a negative count is negative.
+      {98, 3, -301, -1},
+      {0, 1, -200, -4},
+      {1950, -1000, 1, -5},
+  };
+  for (const Case &c : cases)
+    EXPECT_EQ(fsWeekday(c.year, c.month, c.day), c.weekday) << c.year << "-" << c.month << "-" << c.day;
+}

@@ -2,7 +2,9 @@
 #include <fskit/sort.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tests/support/test_support.h"
 
@@ -49,4 +51,13 @@ TEST(SortRegression, MergeComparesWholeLinesWithTheirNewline) {
     SCOPED_TRACE(c.input);
     EXPECT_EQ(sortInChunks(dir, c.input, c.buffer, c.keep, c.counts), c.output);
   }
+}
+
+TEST(SortRegression, SortArraysWithANegativeCountIsOutOfMemory) {
+  std::vector<int32_t> keys = {3, 1, 2}, copy = keys;
+  // A negative n sorted nothing and said nothing; its index cannot be had.
+  std::string messages = fskit::test::captureStderr(
+      [&] { fsSortArrays(FS_SORT_LONG, -1L, 1L, 4L, keys.data()); });
+  EXPECT_EQ(messages, "fsSortArrays: out of memory\n");
+  EXPECT_EQ(keys, copy);
 }
