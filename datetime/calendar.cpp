@@ -18,12 +18,12 @@ FSKIT_API int32_t fsIsLeap(int32_t year) {
   return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0 ? 1 : 0;
 }
 
-FSKIT_API const char *fsMonthName(int32_t month) {
-  return kMonthNames[inMonthRange(month) ? month : 0];
+FSKIT_API char *fsMonthName(int32_t month) {
+  return const_cast<char *>(kMonthNames[inMonthRange(month) ? month : 0]);
 }
 
-FSKIT_API const char *fsMonth3name(int32_t month) {
-  return kMonthAbbreviations[inMonthRange(month) ? month : 0];
+FSKIT_API char *fsMonth3name(int32_t month) {
+  return const_cast<char *>(kMonthAbbreviations[inMonthRange(month) ? month : 0]);
 }
 
 FSKIT_API int32_t fsMonthNumber(const char *name) {

@@ -17,11 +17,14 @@ FSKIT_BEGIN_DECLS
  * otherwise 0. The year 0 is a leap year. */
 FSKIT_API int32_t fsIsLeap(int32_t year);
 
-/* The month's name ("January" ...), or "---------" outside 1 to 12. */
-FSKIT_API const char *fsMonthName(int32_t month);
+/* The month's name ("January" ...), or "---------" outside 1 to 12. The text
+ * is the library's constant: read it, never write or free it (the result is
+ * `char *` so that callers of the old interface that hold it so compile). */
+FSKIT_API char *fsMonthName(int32_t month);
 
-/* The month's abbreviation in capitals ("JAN" ...), or "---" outside 1 to 12. */
-FSKIT_API const char *fsMonth3name(int32_t month);
+/* The month's abbreviation in capitals ("JAN" ...), or "---" outside 1 to 12;
+ * a constant text as fsMonthName's. */
+FSKIT_API char *fsMonth3name(int32_t month);
 
 /* The first month, in calendar order, whose name equals `name` without regard
  * to case over the length of the shorter of the two texts ("Ma" is 3, "n" is
