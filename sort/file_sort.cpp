@@ -103,6 +103,7 @@ class FileSort {
 
   ChunkEnd sortChunks() {
     while (!std::feof(in_)) {
+      const long start = std::ftell(in_);
       size_t got = std::fread(buffer_, 1, size_t(size_), in_);
       if (std::ferror(in_)) {
         std::printf("Error reading input file\n");
@@ -113,7 +114,10 @@ class FileSort {
       while (bytes > 0 && buffer_[bytes - 1] != '\n') --bytes;
       // No line end at all: a line longer than the buffer ends the sort.
       if (bytes == 0) break;
-      if (bytes < got && std::fseek(in_, -long(got - bytes), SEEK_CUR) != 0) {
+      // A Windows text stream over a file with LF-only line ends can seek
+      // back to where the chunk began; the sort would then never end.
+      if (bytes < got &&
+          (std::fseek(in_, -long(got - bytes), SEEK_CUR) != 0 || std::ftell(in_) <= start)) {
         std::printf("Error seeking in input file\n");
         return ChunkEnd::Stopped;
       }

@@ -15,7 +15,7 @@ namespace {
 std::string sortInChunks(const TempDir &dir, const std::string &content, long buffer,
                          bool keep, bool counts) {
   std::string input = dir.file("in.txt"), output = dir.file("out.txt");
-  fskit::test::writeFile(input, content);
+  fskit::test::writeText(input, content);
   std::string prefix = dir.path() + "/";
   fskit::test::captureStdout([&] {
     fsStrSort(input.c_str(), output.c_str(), prefix.c_str(), buffer, keep, counts);
@@ -61,3 +61,16 @@ TEST(SortRegression, SortArraysWithANegativeCountIsOutOfMemory) {
   EXPECT_EQ(messages, "fsSortArrays: out of memory\n");
   EXPECT_EQ(keys, copy);
 }
+
+#if defined(_WIN32)
+TEST(SortRegression, LfOnlyInputInChunksEnds) {
+  // A text stream's seek back on a file without CR miscounts; the chunk loop
+  // could come back to where a chunk began and never end.
+  TempDir dir;
+  std::string input = dir.file("in.txt"), output = dir.file("out.txt");
+  fskit::test::writeFile(input, "a\na\tb\n");
+  fskit::test::captureStdout([&] {
+    fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), 4, 1, 0);
+  });
+}
+#endif

@@ -104,10 +104,20 @@ std::string readFile(const std::string &path) { return readWhole(path, std::ios:
 // Text mode differs from binary on Windows only, where it reads CR LF as LF.
 std::string readText(const std::string &path) { return readWhole(path, std::ios::in); }
 
-void writeFile(const std::string &path, const std::string &content) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+namespace {
+void writeWhole(const std::string &path, const std::string &content, std::ios::openmode mode) {
+  std::ofstream out(path, mode | std::ios::trunc);
   out << content;
   if (!out) throw std::runtime_error("cannot write " + path);
+}
+}  // namespace
+
+void writeFile(const std::string &path, const std::string &content) {
+  writeWhole(path, content, std::ios::out | std::ios::binary);
+}
+
+void writeText(const std::string &path, const std::string &content) {
+  writeWhole(path, content, std::ios::out);
 }
 
 bool fileExists(const std::string &path) {

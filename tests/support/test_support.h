@@ -62,6 +62,9 @@ std::string readFile(const std::string &path);
 // and the tool's output are read this way.
 std::string readText(const std::string &path);
 void writeFile(const std::string &path, const std::string &content);
+// Writes a text file as a program writing text does: LF becomes CR LF on
+// Windows, where a text stream's seeks are only right on such files.
+void writeText(const std::string &path, const std::string &content);
 bool fileExists(const std::string &path);
 
 // A binary stream that `text` is read from, closed by the caller with
