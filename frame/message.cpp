@@ -37,11 +37,11 @@ int32_t dispatch(const char *routine, int32_t *count, int32_t *codes,
 
 namespace fskit::frame {
 
-void writeMessages(std::FILE *out, const char *routine, const int32_t *count,
+void writeMessages(std::FILE *out, const char *routine, int32_t count,
                    const int32_t *codes, char *const *texts) {
-  if (count == nullptr || codes == nullptr || texts == nullptr) return;
+  if (codes == nullptr || texts == nullptr) return;
   if (routine == nullptr) routine = "";
-  for (int32_t i = 0; i < *count; ++i) {
+  for (int32_t i = 0; i < count; ++i) {
     const char *text = texts[i] != nullptr ? texts[i] : "";
     char end = terminatorFor(codes[i]);
     if (codes[i] == 0)
@@ -98,7 +98,7 @@ FSKIT_API int32_t fsDefaultMessageFunction(const char *routine, int32_t *count,
                                            int32_t *codes, int32_t *,
                                            int32_t *, char **texts) {
   if (count == nullptr || *count < 1) return 0;
-  fskit::frame::writeMessages(stdout, routine, count, codes, texts);
+  fskit::frame::writeMessages(stdout, routine, *count, codes, texts);
   return 0;
 }
 

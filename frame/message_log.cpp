@@ -27,7 +27,7 @@ FSKIT_API int32_t fsDefaultMsgLogFunction(const char *routine, int32_t *count,
     }
   }
   if (count == nullptr || *count < 1) return 0;
-  fskit::frame::writeMessages(state.logStream, routine, count, codes, texts);
+  fskit::frame::writeMessages(state.logStream, routine, *count, codes, texts);
   return 0;
 }
 

@@ -24,7 +24,7 @@ MessageState &messageState();
 
 // Writes messages in the layout the default message and log functions share.
 // Null arrays write nothing; a null text or routine name writes as "".
-void writeMessages(std::FILE *out, const char *routine, const int32_t *count,
+void writeMessages(std::FILE *out, const char *routine, int32_t count,
                    const int32_t *codes, char *const *texts);
 
 }  // namespace fskit::frame
