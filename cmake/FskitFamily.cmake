@@ -19,6 +19,13 @@ if(FSKIT_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(fskit_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(FSKIT_TSAN)
+  if(FSKIT_SANITIZE)
+    message(FATAL_ERROR "FSKIT_TSAN and FSKIT_SANITIZE cannot be combined")
+  endif()
+  target_compile_options(fskit_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(fskit_options INTERFACE -fsanitize=thread)
+endif()
 
 if(FSKIT_FUZZ)
   # Coverage instrumentation for the library code that the fuzz targets drive.

@@ -45,7 +45,7 @@ else()
     LINK_DEPENDS ${PROJECT_BINARY_DIR}/fskit.map)
   target_link_options(fskit PRIVATE
     -Wl,--version-script=${PROJECT_BINARY_DIR}/fskit.map
-    $<$<NOT:$<BOOL:${FSKIT_SANITIZE}>>:-Wl,--no-undefined>)
+    $<$<NOT:$<OR:$<BOOL:${FSKIT_SANITIZE}>,$<BOOL:${FSKIT_TSAN}>>>:-Wl,--no-undefined>)
 endif()
 set_target_properties(fskit_static PROPERTIES OUTPUT_NAME fskit EXPORT_NAME fskit_static)
 add_library(fskit::fskit ALIAS fskit)

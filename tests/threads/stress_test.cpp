@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// Runs every registered workload from eight threads at once, interleaved,
+// and compares each round's result with the one-thread result.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <mutex>
+#include <thread>
+
+#include "tests/support/test_support.h"
+#include "tests/threads/stress.h"
+
+namespace fskit::stress {
+
+std::vector<Workload> &workloads() {
+  static std::vector<Workload> all;
+  return all;
+}
+
+const std::string &scratchDir() {
+  static fskit::test::TempDir dir;
+  return dir.path();
+}
+
+namespace {
+
+struct Mismatch {
+  std::string workload;
+  int worker, round;
+  std::string expected, actual;
+};
+
+TEST(Stress, EveryFamilyFromEightThreadsMatchesOneThread) {
+  std::vector<Workload> &all = workloads();
+  ASSERT_FALSE(all.empty());
+  for (Workload &w : all)
+    if (w.setUp) w.setUp();
+
+  // expected[w][worker][round], from one thread.
+  std::vector<std::vector<std::vector<std::string>>> expected(all.size());
+  for (size_t w = 0; w < all.size(); ++w) {
+    expected[w].resize(kThreads);
+    for (int worker = 0; worker < kThreads; ++worker)
+      for (int round = 0; round < all[w].rounds; ++round)
+        expected[w][worker].push_back(all[w].run(worker, round));
+  }
+
+  std::mutex mismatchLock;
+  std::vector<Mismatch> mismatches;
+  std::atomic<long> calls{0};
+  std::atomic<bool> go{false};
+  auto work = [&](int worker) {
+    while (!go.load()) std::this_thread::yield();
+    int maxRounds = 0;
+    for (const Workload &w : all) maxRounds = std::max(maxRounds, w.rounds);
+    // Each worker starts at another workload, so that every family runs
+    // alongside every other one.
+    for (int round = 0; round < maxRounds; ++round)
+      for (size_t k = 0; k < all.size(); ++k) {
+        size_t w = (k + size_t(worker)) % all.size();
+        if (round >= all[w].rounds) continue;
+        std::string actual = all[w].run(worker, round);
+        calls.fetch_add(1, std::memory_order_relaxed);
+        if (actual != expected[w][worker][round]) {
+          std::lock_guard<std::mutex> lock(mismatchLock);
+          mismatches.push_back({all[w].name, worker, round, expected[w][worker][round], actual});
+        }
+      }
+  };
+  std::vector<std::thread> threads;
+  for (int worker = 0; worker < kThreads; ++worker) threads.emplace_back(work, worker);
+  auto start = std::chrono::steady_clock::now();
+  go.store(true);
+  for (std::thread &t : threads) t.join();
+  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+
+  std::printf("stress: %d threads, %zu workloads, %ld rounds in %.2f s\n", kThreads, all.size(),
+              calls.load(), seconds);
+  for (const Workload &w : all) std::printf("  %s: %d rounds per thread\n", w.name.c_str(), w.rounds);
+  for (size_t i = 0; i < mismatches.size() && i < 20; ++i) {
+    const Mismatch &m = mismatches[i];
+    ADD_FAILURE() << m.workload << " worker " << m.worker << " round " << m.round
+                  << "\n  one thread: " << m.expected << "\n  eight:      " << m.actual;
+  }
+  EXPECT_EQ(mismatches.size(), 0u);
+}
+
+}  // namespace
+}  // namespace fskit::stress
