@@ -1,6 +1,8 @@
 // Functions registered to run when the library goes away. They run from the
 // shared library's destructor, which runs both at dlclose() and at process
 // exit, before the C runtime closes the standard streams.
+#include <mutex>
+
 #include "platform/platform.h"
 
 namespace fskit::platform {
@@ -13,15 +15,26 @@ struct OnExitTable {
   int count = 0;
 };
 constinit OnExitTable table;
+// Registrations may come from several threads at once.
+constinit std::mutex tableLock;
 
 __attribute__((destructor)) void runOnExitFunctions() {
-  while (table.count > 0) table.functions[--table.count]();
+  for (;;) {
+    OnExitFunction fn;
+    {
+      std::lock_guard<std::mutex> lock(tableLock);
+      if (table.count == 0) return;
+      fn = table.functions[--table.count];
+    }
+    fn();
+  }
 }
 
 }  // namespace
 
 OnExitFunction _onexit(OnExitFunction fn) {
   if (fn == nullptr) return nullptr;
+  std::lock_guard<std::mutex> lock(tableLock);
   // A function registered again (a clean-up registered on every run) runs once.
   for (int i = 0; i < table.count; ++i)
     if (table.functions[i] == fn) return fn;

@@ -1,5 +1,6 @@
 #include "platform/temporary_name.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,13 +19,18 @@ char *copyOf(const char *text) {
   return copy;
 }
 
+namespace {
+// Threads writing files side by side each take a number of their own.
+constinit std::atomic<unsigned> counter{0};
+}  // namespace
+
 char *temporaryNameBeside(const char *target, size_t directoryLength, long process) {
-  static unsigned counter = 0;
   size_t size = directoryLength + kBaseNameKept + 64;
   char *name = static_cast<char *>(std::malloc(size));
   if (name != nullptr)
     std::snprintf(name, size, "%.*s.%.*s.%ld-%u.tmp", int(directoryLength), target, kBaseNameKept,
-                  target + directoryLength, process, counter++);
+                  target + directoryLength, process,
+                  counter.fetch_add(1, std::memory_order_relaxed));
   return name;
 }
 
