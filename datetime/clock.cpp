@@ -1,12 +1,13 @@
-// The current local time, and local times as seconds since 1970. These use the
-// C runtime's shared localtime and asctime buffers, as callers of the original
-// library expect (fsNowAscTime hands out the asctime buffer itself).
+// The current local time, and local times as seconds since 1970. Nothing is
+// shared between threads: fsNowAscTime hands out a text of the calling
+// thread's own.
 #include <cstring>
 #include <ctime>
 
 #include <fskit/datetime.h>
 
 #include "datetime/date_record.h"
+#include "platform/platform.h"
 
 namespace fskit::datetime {
 
@@ -14,14 +15,14 @@ bool dateTimeNow(DateRecord &record, int32_t &centuryBase) {
   record = DateRecord{};
   centuryBase = 0;
   std::time_t now = std::time(nullptr);
-  const std::tm *local = std::localtime(&now);
-  if (now == static_cast<std::time_t>(-1) || local == nullptr) return false;
-  record.year = local->tm_year + 1900;
-  record.month = local->tm_mon + 1;
-  record.day = local->tm_mday;
-  record.hour = local->tm_hour;
-  record.minute = local->tm_min;
-  record.second = local->tm_sec;
+  std::tm local;
+  if (now == static_cast<std::time_t>(-1) || !platform::localTime(now, local)) return false;
+  record.year = local.tm_year + 1900;
+  record.month = local.tm_mon + 1;
+  record.day = local.tm_mday;
+  record.hour = local.tm_hour;
+  record.minute = local.tm_min;
+  record.second = local.tm_sec;
   centuryBase = record.year - record.year % 100;
   return true;
 }
@@ -41,11 +42,13 @@ std::time_t dateTimeToSeconds(const DateRecord &record) {
 }  // namespace fskit::datetime
 
 extern "C" FSKIT_API char *fsNowAscTime(void) {
-  static char noTime[1] = {};
+  thread_local char text[fskit::platform::kAscTimeSize];
   std::time_t now = std::time(nullptr);
-  const std::tm *local = std::localtime(&now);
-  char *text = local != nullptr ? std::asctime(local) : nullptr;
-  if (text == nullptr) return noTime;
+  std::tm local;
+  if (!fskit::platform::localTime(now, local) || !fskit::platform::ascTime(local, text)) {
+    text[0] = '\0';
+    return text;
+  }
   if (char *lineEnd = std::strchr(text, '\n')) *lineEnd = '\0';
   return text;
 }

@@ -10,6 +10,7 @@
 
 #include "datetime/date_record.h"
 #include "frame/ascii.h"
+#include "platform/platform.h"
 
 namespace fskit::datetime {
 namespace {
@@ -151,9 +152,10 @@ bool readLayout(int32_t layout, const char *input, Conversion &conversion) {
     case 9: {
       // Seconds go through the asctime text, read as layout 4.
       std::time_t seconds;
-      const std::tm *local = leadingSeconds(input, seconds) ? std::localtime(&seconds) : nullptr;
-      const char *text = local != nullptr ? std::asctime(local) : nullptr;
-      return text != nullptr && readLayout(4, text, conversion);
+      std::tm local;
+      char text[platform::kAscTimeSize];
+      return leadingSeconds(input, seconds) && platform::localTime(seconds, local) &&
+             platform::ascTime(local, text) && readLayout(4, text, conversion);
     }
     case 12: return false;
   }

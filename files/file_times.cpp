@@ -14,10 +14,12 @@ extern "C" FSKIT_API int32_t fsLastModified(const char *path, char *text, double
   struct stat status;
   if (path == nullptr || fskit::platform::_stat(path, &status) != 0) return 0;
   // Through the asctime text, as the date/time conversion reads it.
-  const std::tm *local = std::localtime(&status.st_mtime);
-  const char *modified = local != nullptr ? std::asctime(local) : nullptr;
+  std::tm local;
+  char modified[fskit::platform::kAscTimeSize];
   char stamp[64];
-  if (modified == nullptr || fsDateTime(4, modified, 6, stamp, "", 0) == 0) return 0;
+  if (!fskit::platform::localTime(status.st_mtime, local) ||
+      !fskit::platform::ascTime(local, modified) || fsDateTime(4, modified, 6, stamp, "", 0) == 0)
+    return 0;
   if (text != nullptr) std::strcpy(text, stamp);
   // The number is the fourteen digits before the zone's sign.
   if (char *plus = std::strchr(stamp, '+')) *plus = '\0';

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "frame/message_state.h"
+#include "platform/platform.h"
 
 using fskit::frame::messageState;
 
@@ -26,10 +27,11 @@ int32_t dispatch(const char *routine, int32_t *count, int32_t *codes,
                  int32_t *auxCodes, int32_t *lengths, char **texts) {
   auto &state = messageState();
   int32_t result = 1;
-  if (state.message != nullptr)
-    result = state.message(routine, count, codes, auxCodes, lengths, texts);
-  if (state.log != nullptr && state.logging)
-    result = state.log(routine, count, codes, auxCodes, lengths, texts);
+  if (FsMsgFunction message = state.message.load(std::memory_order_acquire))
+    result = message(routine, count, codes, auxCodes, lengths, texts);
+  FsMsgFunction log = state.log.load(std::memory_order_acquire);
+  if (log != nullptr && state.logging.load(std::memory_order_acquire))
+    result = log(routine, count, codes, auxCodes, lengths, texts);
   return result;
 }
 
@@ -41,6 +43,7 @@ void writeMessages(std::FILE *out, const char *routine, int32_t count,
                    const int32_t *codes, char *const *texts) {
   if (codes == nullptr || texts == nullptr) return;
   if (routine == nullptr) routine = "";
+  platform::StreamLock lock(out);
   for (int32_t i = 0; i < count; ++i) {
     const char *text = texts[i] != nullptr ? texts[i] : "";
     char end = terminatorFor(codes[i]);
@@ -102,16 +105,22 @@ FSKIT_API int32_t fsDefaultMessageFunction(const char *routine, int32_t *count,
   return 0;
 }
 
-FSKIT_API void fsRegisterMessage(FsMsgFunction fn) { messageState().message = fn; }
+FSKIT_API void fsRegisterMessage(FsMsgFunction fn) {
+  messageState().message.store(fn, std::memory_order_release);
+}
 
-FSKIT_API FsMsgFunction fsMsgFunctionIs(void) { return messageState().message; }
+FSKIT_API FsMsgFunction fsMsgFunctionIs(void) {
+  return messageState().message.load(std::memory_order_acquire);
+}
 
-FSKIT_API void fsDefaultMessage(void) { messageState().message = fsDefaultMessageFunction; }
+FSKIT_API void fsDefaultMessage(void) { fsRegisterMessage(fsDefaultMessageFunction); }
 
-FSKIT_API void fsRegisterStopFunction(FsStopFunction fn) { messageState().stop = fn; }
+FSKIT_API void fsRegisterStopFunction(FsStopFunction fn) {
+  messageState().stop.store(fn, std::memory_order_release);
+}
 
 FSKIT_API int32_t fsCheckStop(void) {
-  FsStopFunction stop = messageState().stop;
+  FsStopFunction stop = messageState().stop.load(std::memory_order_acquire);
   if (stop == nullptr) return 0;
   return int32_t(uint8_t(stop()));
 }

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 
 namespace fskit::platform {
 
@@ -42,6 +43,29 @@ inline int putText(const char *text, std::FILE *stream) {
   return fputs_unlocked(text, stream);
 #endif
 }
+
+// The local time of `seconds` into `local`; false when the system cannot
+// represent it. Safe from any thread (no shared result buffer).
+bool localTime(std::time_t seconds, std::tm &local);
+
+// The C runtime's asctime text ("Sun Sep 16 01:03:52 1973\n") of `time`,
+// written into `text`: 64 bytes hold it for every year an int holds. False
+// when the year does not fit an int.
+inline constexpr size_t kAscTimeSize = 64;
+bool ascTime(const std::tm &time, char (&text)[kAscTimeSize]);
+
+// Holds a stream's lock for a scope, so that several writes reach it
+// together even while other threads write to it.
+class StreamLock {
+ public:
+  explicit StreamLock(std::FILE *stream);
+  ~StreamLock();
+  StreamLock(const StreamLock &) = delete;
+  StreamLock &operator=(const StreamLock &) = delete;
+
+ private:
+  std::FILE *stream_;
+};
 
 }  // namespace fskit::platform
 

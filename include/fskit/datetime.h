@@ -2,9 +2,9 @@
  * between numbered text layouts.
  *
  * Weekdays are numbered 1 Monday to 7 Sunday. The texts these functions hand
- * out are constant tables (or the C runtime's shared asctime buffer) that the
- * caller only reads and never frees. fsNowAscTime and fsDateTime use the
- * runtime's shared time buffers: call them from one thread at a time. */
+ * out are constant tables (or, for fsNowAscTime, a buffer of the calling
+ * thread) that the caller only reads and never frees.
+ * Threads: every function may be called from any number of threads at once. */
 #ifndef FSKIT_DATETIME_H
 #define FSKIT_DATETIME_H
 
@@ -50,10 +50,10 @@ FSKIT_API void fsMonthDay(int32_t year, int32_t dayOfYear, int32_t *month, int32
 FSKIT_API int32_t fsWeekday(int32_t year, int32_t month, int32_t day);
 
 /* The current local time as asctime() writes it, without its line end:
- * 24 characters such as "Sat Mar  7 14:05:09 1998". The text lies in the C
- * runtime's shared asctime buffer and stays valid until the next call of this
- * function, of asctime(), or of fsDateTime with input layout 9. When the local
- * time cannot be had the result is the empty text. */
+ * 24 characters such as "Sat Mar  7 14:05:09 1998". The text lies in a buffer
+ * of the calling thread and stays valid until that thread calls this function
+ * again or ends; other threads' calls leave it alone. When the local time
+ * cannot be had the result is the empty text. */
 FSKIT_API char *fsNowAscTime(void);
 
 /* Reads `input` in input layout `inLayout` (0 to 12) and writes it into

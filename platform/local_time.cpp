@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// Local time and its asctime text without the C runtime's shared buffers,
+// and whole-stream locking, so that threads calling side by side never share
+// a result.
+#include <climits>
+#include <cstdio>
+#include <ctime>
+
+#include "platform/platform.h"
+
+namespace fskit::platform {
+
+bool localTime(std::time_t seconds, std::tm &local) {
+#if defined(_WIN32)
+  return localtime_s(&local, &seconds) == 0;
+#else
+  return localtime_r(&seconds, &local) != nullptr;
+#endif
+}
+
+bool ascTime(const std::tm &time, char (&text)[kAscTimeSize]) {
+  static constexpr char kDays[7][4] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+  static constexpr char kMonths[12][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                          "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  // The year must be representable as an int, as the C runtime requires.
+  if (time.tm_year > INT_MAX - 1900) return false;
+  const char *day = time.tm_wday >= 0 && time.tm_wday < 7 ? kDays[time.tm_wday] : "???";
+  const char *month = time.tm_mon >= 0 && time.tm_mon < 12 ? kMonths[time.tm_mon] : "???";
+  int length = std::snprintf(text, sizeof text, "%.3s %.3s%3d %.2d:%.2d:%.2d %d\n", day, month,
+                             time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec,
+                             time.tm_year + 1900);
+  return length > 0 && size_t(length) < sizeof text;
+}
+
+StreamLock::StreamLock(std::FILE *stream) : stream_(stream) {
+#if defined(_WIN32)
+  _lock_file(stream_);
+#else
+  flockfile(stream_);
+#endif
+}
+
+StreamLock::~StreamLock() {
+#if defined(_WIN32)
+  _unlock_file(stream_);
+#else
+  funlockfile(stream_);
+#endif
+}
+
+}  // namespace fskit::platform
