@@ -8,7 +8,16 @@
 
 #include <cstdint>
 
-#include "util/util_state.h"
+
+namespace fskit::util {
+
+// The subkeys of one key, made for each call that needs them.
+struct DesSchedule {
+  uint64_t subkeys[16] = {};  // 48 bits each
+  uint32_t c = 0, d = 0;      // the 28-bit key registers
+};
+
+}  // namespace fskit::util
 
 namespace fskit::util::des {
 

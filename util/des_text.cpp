@@ -23,8 +23,10 @@ constexpr Block kKey = {0x3B5A7C19, 0xE4D2968F};
 constexpr size_t kMaxGroups = 128;
 constexpr size_t kGroupDigits = 8;
 
-fskit::util::DesSchedule &freshSchedule() {
-  fskit::util::DesSchedule &schedule = fskit::util::utilState().des;
+// The subkeys are made for every call: a few hundred operations, and
+// nothing that two threads would share.
+fskit::util::DesSchedule librarySchedule() {
+  fskit::util::DesSchedule schedule;
   makeSchedule(kKey, fskit::util::des::Rotations::library, schedule);
   return schedule;
 }
@@ -71,7 +73,7 @@ extern "C" {
 
 FSKIT_API void desEncrypt(const char *text, char *out) {
   if (text == nullptr || out == nullptr) return;
-  const fskit::util::DesSchedule &schedule = freshSchedule();
+  const fskit::util::DesSchedule schedule = librarySchedule();
   size_t length = std::strlen(text);
   size_t offset = 0;
   do {  // an empty text is still one block, of blanks
@@ -95,7 +97,7 @@ FSKIT_API int32_t desDecrypt(const char *hex, char *out) {
     size_t start = g * kGroupDigits;
     words[g] = readGroup(hex + start, length - start < kGroupDigits ? length - start : kGroupDigits);
   }
-  const fskit::util::DesSchedule &schedule = freshSchedule();
+  const fskit::util::DesSchedule schedule = librarySchedule();
   // The text ends at its first NUL or blank: blanks are the padding.
   for (size_t g = 0; g + 1 < groups; g += 2) {
     Block plain = decipher({words[g], words[g + 1]}, schedule);

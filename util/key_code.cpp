@@ -49,8 +49,10 @@ void fillExtendedKeys(uint16_t (&table)[kExtendedKeys]) {
 extern "C" {
 
 FSKIT_API int32_t getKeyCode(...) {
-  uint16_t (&table)[kExtendedKeys] = fskit::util::utilState().extendedKeys;
-  if (table[0] == 0) fillExtendedKeys(table);
+  fskit::util::UtilState &state = fskit::util::utilState();
+  uint16_t (&table)[kExtendedKeys] = state.extendedKeys;
+  std::call_once(state.extendedKeysFilled, [&table] { fillExtendedKeys(table); });
+  std::lock_guard<std::mutex> turn(state.keyboard);
   int code = fskit::platform::_getch();
   if (code != 0 && code != 224) return code;
   int second = fskit::platform::_getch();

@@ -107,7 +107,8 @@ FSKIT_API int32_t fsBitCount(uint32_t value);
  * Down) gives 0, and a terminal sequence for another key (Home, End) gives
  * 27. A byte 0 or 224 read as such starts a two-code key, as on the original
  * console. At end of input the result is 4, as for Ctrl+D. Any arguments are
- * accepted and ignored. For one thread. On Windows the console's own key read
+ * accepted and ignored. Threads: calls take turns, each reading one whole key
+ * from the process's one standard input. On Windows the console's own key read
  * (_getch) serves when standard input is the console; piped or redirected
  * input gives its bytes as they are. */
 FSKIT_API int32_t getKeyCode(FSKIT_ANY_ARGS);
@@ -117,8 +118,8 @@ FSKIT_API int32_t getKeyCode(FSKIT_ANY_ARGS);
  * programs: DES in electronic codebook mode with a non-standard key schedule
  * and ONE FIXED KEY BUILT INTO THE LIBRARY, so anyone with the library reads
  * every text, and equal 8-byte blocks give equal output. Never use it to
- * protect anything. The two functions share process-wide working state: call
- * them from one thread at a time. */
+ * protect anything. Threads: both may be called from any number of threads at
+ * once. */
 
 /* Enciphers `text` in blocks of 8 bytes, the last one filled with blanks (""
  * gives one block of blanks), and writes 16 uppercase hexadecimal digits per
