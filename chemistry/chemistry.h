@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <mutex>
+#include <shared_mutex>
 
 #include <fskit/chemistry.h>
 
@@ -38,7 +40,10 @@ class LabelIndex {
   Slot slots_[kSlots] = {};
 };
 
+// The table is read under `lock` held shared for a whole call, and loaded or
+// released under it held exclusively, so that a call sees one table whole.
 struct ElementTable {
+  std::shared_mutex lock;
   bool present = false;
   FsElementRecord *records = nullptr;  // kCapacity records, malloc'ed
   int32_t count = 0;                   // -1 when the file filled the block
@@ -50,16 +55,51 @@ struct ElementTable {
 
 ElementTable &elementTable();
 
-// Frees the records; no table is present afterwards.
+// Frees the records; no table is present afterwards. Exclusive lock held.
 void releaseTable();
+
+// What loading a table has to report. Reports are made once the table's
+// lock is released, so that a message function may use the table.
+struct LoadReport {
+  int32_t result = 1;               // fsInitElemTable's result
+  const char *routine = nullptr;    // null: nothing to report
+  int32_t code = 0;
+  const char *text = nullptr;       // with one %s for `name`
+  const char *name = nullptr;
+  void send() const;
+};
+
+// fsInitElemTable with the exclusive lock held.
+LoadReport initTable(int32_t iniHandle, int32_t load);
+
+// Read access to the element table for one call: the lock is taken at the
+// first use and held until the call ends (or release()), so that the whole
+// call sees one table, never one being loaded or freed.
+class TableReader {
+ public:
+  TableReader() = default;
+  TableReader(const TableReader &) = delete;
+  TableReader &operator=(const TableReader &) = delete;
+  // The table; loads one first (fsInitElemTable(1000, 1)) when none is
+  // present and `loadIfMissing`.
+  const ElementTable &table(bool loadIfMissing = false);
+  // Lets the lock go, before a message is sent.
+  void release() {
+    if (lock_.owns_lock()) lock_.unlock();
+  }
+
+ private:
+  std::shared_lock<std::shared_mutex> lock_;
+};
 
 // Reads an element file into `records` (room for kCapacity). The number of
 // records read, or -1 when they reached kCapacity; `filled` receives the
 // number of records read in either case.
 int32_t readElementFile(std::FILE *file, FsElementRecord *records, int32_t &filled);
 
-// fsFindElemInTbl: loads a table when none is present, reports an empty one.
-int32_t findLabel(const char *name);
+// fsFindElemInTbl: loads a table when none is present, reports an empty one
+// (the report releases `reader`).
+int32_t findLabel(TableReader &reader, const char *name);
 
 // One token of a formula as scanFormulaToken() delivers it.
 struct FormulaToken {

@@ -6,18 +6,34 @@
 
 namespace fskit::chemistry {
 namespace {
-constinit ElementTable table;
+constinit ElementTable theTable;
 }
 
-ElementTable &elementTable() { return table; }
+ElementTable &elementTable() { return theTable; }
 
 void releaseTable() {
-  std::free(table.records);
-  table.records = nullptr;
-  table.present = false;
-  table.count = 0;
-  table.filled = 0;
-  table.index.clear();
+  std::free(theTable.records);
+  theTable.records = nullptr;
+  theTable.present = false;
+  theTable.count = 0;
+  theTable.filled = 0;
+  theTable.index.clear();
+}
+
+const ElementTable &TableReader::table(bool loadIfMissing) {
+  if (!lock_.owns_lock()) lock_ = std::shared_lock<std::shared_mutex>(theTable.lock);
+  if (theTable.present || !loadIfMissing) return theTable;
+  // The first load happens once: whoever gets the exclusive lock first loads,
+  // the others find the table present.
+  lock_.unlock();
+  LoadReport report;
+  {
+    std::unique_lock<std::shared_mutex> exclusive(theTable.lock);
+    if (!theTable.present) report = initTable(1000, 1);
+  }
+  report.send();
+  lock_.lock();
+  return theTable;
 }
 
 }  // namespace fskit::chemistry

@@ -2,6 +2,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
+#include <shared_mutex>
 
 #include <fskit/frame.h>
 #include <fskit/ini.h>
@@ -24,11 +26,16 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 
 File openForReading(const char *name) { return File(std::fopen(name, "r")); }
 
-FsElementRecord *allocateRecords(const char *routine) {
-  auto *records =
-      static_cast<FsElementRecord *>(std::malloc(sizeof(FsElementRecord) * kCapacity));
-  if (records == nullptr) fsMessage(routine, 1, 0, "Unable to allocate element table.");
-  return records;
+FsElementRecord *allocateRecords() {
+  return static_cast<FsElementRecord *>(std::malloc(sizeof(FsElementRecord) * kCapacity));
+}
+
+LoadReport noMemory(const char *routine) {
+  return {0, routine, 1, "Unable to allocate element table.", nullptr};
+}
+
+LoadReport cannotOpen(const char *routine, const char *name) {
+  return {0, routine, 0, "Failed to open element file %s", name};
 }
 
 // Makes the records read from `file` the present table.
@@ -74,10 +81,35 @@ bool holdsRecords(const ElementTable &table) { return table.present && table.cou
 
 }  // namespace
 
-int32_t findLabel(const char *name) {
+void LoadReport::send() const {
+  if (routine != nullptr) fsMessage(routine, code, 0, text, name);
+}
+
+LoadReport initTable(int32_t iniHandle, int32_t load) {
   ElementTable &table = elementTable();
-  if (!table.present && fsInitElemTable(1000, 1) == 0) return -1;
+  releaseTable();
+  // The name fsLoadElemTable recorded no longer describes the table.
+  forgetRecordedName();
+  std::free(table.configuredName);
+  table.configuredName = configuredName(iniHandle);
+  if (load == 0) return {};
+
+  File file;
+  if (table.configuredName != nullptr) file = openForReading(table.configuredName);
+  for (const char *name : kDefaultFiles)
+    if (!file) file = openForReading(name);
+  if (!file) return cannotOpen("fsInitElemTable", kDefaultFiles[0]);
+  FsElementRecord *records = allocateRecords();
+  if (records == nullptr) return noMemory("fsInitElemTable");
+  install(records, file.get());
+  return {};
+}
+
+int32_t findLabel(TableReader &reader, const char *name) {
+  const ElementTable &table = reader.table(true);
+  if (!table.present) return -1;  // the load failed and has said why
   if (table.count < 1) {
+    reader.release();
     fsMessage("findElemInTbl", 1, 0, "No element table present");
     return -1;
   }
@@ -91,53 +123,51 @@ using namespace fskit::chemistry;
 extern "C" {
 
 FSKIT_API int32_t fsInitElemTable(int32_t iniHandle, int32_t load) {
-  ElementTable &table = elementTable();
-  releaseTable();
-  // The name fsLoadElemTable recorded no longer describes the table.
-  forgetRecordedName();
-  std::free(table.configuredName);
-  table.configuredName = configuredName(iniHandle);
-  if (load == 0) return 1;
-
-  File file;
-  if (table.configuredName != nullptr) file = openForReading(table.configuredName);
-  for (const char *name : kDefaultFiles)
-    if (!file) file = openForReading(name);
-  if (!file) {
-    fsMessage("fsInitElemTable", 0, 0, "Failed to open element file %s", kDefaultFiles[0]);
-    return 0;
+  LoadReport report;
+  {
+    std::unique_lock<std::shared_mutex> exclusive(elementTable().lock);
+    report = initTable(iniHandle, load);
   }
-  FsElementRecord *records = allocateRecords("fsInitElemTable");
-  if (records == nullptr) return 0;
-  install(records, file.get());
-  return 1;
+  report.send();
+  return report.result;
 }
 
 FSKIT_API int32_t fsLoadElemTable(const char *path) {
-  ElementTable &table = elementTable();
   if (path == nullptr) path = "";
-  if (table.present && isRecordedName(path)) return 1;
-  releaseTable();
-  FsElementRecord *records = allocateRecords("fsLoadElemTable");
-  if (records == nullptr) return 0;
-  File file = openForReading(path);
-  if (!file) {
-    std::free(records);
-    fsMessage("fsLoadElemTable", 0, 0, "Failed to open element file %s", path);
-    return 0;
+  LoadReport report;
+  {
+    ElementTable &table = elementTable();
+    std::unique_lock<std::shared_mutex> exclusive(table.lock);
+    if (table.present && isRecordedName(path)) return 1;
+    releaseTable();
+    FsElementRecord *records = allocateRecords();
+    File file = records != nullptr ? openForReading(path) : File();
+    if (records == nullptr) {
+      report = noMemory("fsLoadElemTable");
+    } else if (!file) {
+      std::free(records);
+      report = cannotOpen("fsLoadElemTable", path);
+    } else {
+      install(records, file.get());
+      forgetRecordedName();
+      table.recordedName = strmalloc(path);
+      if (table.recordedName != nullptr) strlower(table.recordedName);
+    }
   }
-  install(records, file.get());
-  forgetRecordedName();
-  table.recordedName = strmalloc(path);
-  if (table.recordedName != nullptr) strlower(table.recordedName);
-  return 1;
+  report.send();
+  return report.result;
 }
 
-FSKIT_API int32_t fsFindElemInTbl(const char *name) { return findLabel(name); }
+FSKIT_API int32_t fsFindElemInTbl(const char *name) {
+  TableReader reader;
+  return findLabel(reader, name);
+}
 
 FSKIT_API int32_t fsFindElement(const char *name, FsElementRecord *record) {
-  const ElementTable &table = elementTable();
+  TableReader reader;
+  const ElementTable &table = reader.table();
   if (!holdsRecords(table)) {
+    reader.release();
     fsMessage("fsFindElement", 1, 0, "No element table present");
     return -1;
   }
@@ -147,12 +177,15 @@ FSKIT_API int32_t fsFindElement(const char *name, FsElementRecord *record) {
 }
 
 FSKIT_API int32_t fsGetElementInfo(int32_t index, FsElementRecord *record) {
-  const ElementTable &table = elementTable();
+  TableReader reader;
+  const ElementTable &table = reader.table();
   if (!holdsRecords(table)) {
+    reader.release();
     fsMessage("fsGetElementInfo", 1, 0, "No element table present");
     return 0;
   }
   if (index < 0 || index >= table.count) {
+    reader.release();
     fsMessage("fsGetElementInfo", 1, 0, "Index %d does not exist in element table", index);
     return 0;
   }
@@ -162,8 +195,9 @@ FSKIT_API int32_t fsGetElementInfo(int32_t index, FsElementRecord *record) {
 }
 
 FSKIT_API int32_t fsGetElemSymbol(int32_t index, char *symbol) {
-  const ElementTable &table = elementTable();
   if (symbol == nullptr) return 0;
+  TableReader reader;
+  const ElementTable &table = reader.table();
   // A table that the file filled has count -1, but its records are there.
   if (!table.present || index < 0 || index >= table.filled) {
     symbol[0] = '\0';
@@ -173,6 +207,9 @@ FSKIT_API int32_t fsGetElemSymbol(int32_t index, char *symbol) {
   return 1;
 }
 
-FSKIT_API int32_t fsElementTableCount(void) { return elementTable().count; }
+FSKIT_API int32_t fsElementTableCount(void) {
+  TableReader reader;
+  return reader.table().count;
+}
 
 }  // extern "C"

@@ -91,13 +91,15 @@ extern "C" FSKIT_API int32_t fsTblParseMF(const char *formula, int32_t separated
   bool separatedMode = separated != 0 || std::strpbrk(formula, ". ") != nullptr;
 
   Entries entries(tokenLimit(maxTokens));
+  // One table for the whole call, even while another thread loads a new one.
+  TableReader reader;
   int32_t stored = 0;
   size_t position = 0;
   while (formula[position] != '\0' && stored < entries.capacity()) {
     FormulaToken token;
     position = scanFormulaToken(formula, position, separatedMode, true, token);
     if (token.length == 0) continue;
-    int32_t record = findLabel(token.symbol);
+    int32_t record = findLabel(reader, token.symbol);
     if (record < 0) return refusedAt(position);
     // Equal labels find the same record, so the record tells repeats apart.
     int32_t i = 0;
@@ -114,17 +116,12 @@ extern "C" FSKIT_API int32_t fsTblParseMF(const char *formula, int32_t separated
     if (counts != nullptr) counts[i] = entries[i].count;
   }
 
+  // Every entry's record was found above in the table the reader still holds.
+  const FsElementRecord *records = reader.table().records;
   int64_t nominal = 0;
   double mono = 0.0, average = 0.0, ringsAndBonds = 1.0;
-  int32_t result = stored;
   for (int32_t i = 0; i < stored; ++i) {
-    int32_t record = findLabel(entries[i].symbol);
-    if (record < 0) {
-      fsMessage("fsTblParseMF", 1, 0, "<%s> is an invalid symbol.", entries[i].symbol);
-      result = 0;
-      break;
-    }
-    const FsElementRecord &element = elementTable().records[record];
+    const FsElementRecord &element = records[entries[i].record];
     if (atomicNumbers != nullptr) atomicNumbers[i] = element.atomicNumber;
     if (isotopeShifts != nullptr) isotopeShifts[i] = element.isotopeShift;
     int64_t count = entries[i].count;
@@ -138,6 +135,6 @@ extern "C" FSKIT_API int32_t fsTblParseMF(const char *formula, int32_t separated
   if (monoMass != nullptr) *monoMass = mono;
   if (averageMass != nullptr) *averageMass = average;
   if (rdb != nullptr) *rdb = ringsAndBonds;
-  if (result > 0 && text != nullptr) writeCanonical(text, entries, stored, dotAll != 0);
-  return result;
+  if (stored > 0 && text != nullptr) writeCanonical(text, entries, stored, dotAll != 0);
+  return stored;
 }
