@@ -2,9 +2,12 @@
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
+#include <ctime>
 #include <string>
 
+#include "platform/platform.h"
 #include "tests/support/test_support.h"
 
 TEST(Platform, QueryFillsOnlyGivenBuffersAndNoMore) {
@@ -57,4 +60,34 @@ TEST(Platform, SystemNoWaitWaitsAndReturnsTheStatus) {
   EXPECT_EQ(systemNoWait(make.c_str()), 0);
   EXPECT_TRUE(fskit::test::fileExists(marker));
   EXPECT_EQ(systemNoWait("exit 3"), exitThree);
+}
+
+// The library writes the asctime text itself, without the runtime's shared
+// buffer; it must be the runtime's text, also for years of five digits and
+// years before 1900.
+TEST(Platform, AscTimeTextIsTheRuntimes) {
+#if defined(_WIN32)
+  // The Windows runtime's local time covers 1970 to 3000 only.
+  const long long starts[] = {0, 900000000, 30000000000LL};
+#else
+  const long long starts[] = {-2208988800LL * 2, -86400, 0, 900000000, 253402300799LL,
+                              253402300800LL, 400000000000LL};
+#endif
+  for (long long start : starts)
+    for (long long step = 0; step < 50; ++step) {
+      std::time_t seconds = std::time_t(start + step * 3607 * 29);
+      std::tm local;
+      ASSERT_TRUE(fskit::platform::localTime(seconds, local));
+      char text[fskit::platform::kAscTimeSize];
+      ASSERT_TRUE(fskit::platform::ascTime(local, text));
+      const std::tm *shared = std::localtime(&seconds);
+      ASSERT_NE(shared, nullptr);
+      const char *expected = std::asctime(shared);
+      ASSERT_NE(expected, nullptr) << seconds;
+      EXPECT_STREQ(text, expected) << seconds;
+    }
+  std::tm farFuture{};
+  farFuture.tm_year = INT_MAX - 1899;
+  char text[fskit::platform::kAscTimeSize];
+  EXPECT_FALSE(fskit::platform::ascTime(farFuture, text));
 }

@@ -36,17 +36,22 @@ struct Mismatch {
 TEST(Stress, EveryFamilyFromEightThreadsMatchesOneThread) {
   std::vector<Workload> &all = workloads();
   ASSERT_FALSE(all.empty());
+  // Files the workloads make by relative name (the message log) and what
+  // the library prints (messages, sort progress) stay in the scratch folder.
+  fskit::test::ChangeDir here(scratchDir());
   for (Workload &w : all)
     if (w.setUp) w.setUp();
 
   // expected[w][worker][round], from one thread.
   std::vector<std::vector<std::vector<std::string>>> expected(all.size());
-  for (size_t w = 0; w < all.size(); ++w) {
-    expected[w].resize(kThreads);
-    for (int worker = 0; worker < kThreads; ++worker)
-      for (int round = 0; round < all[w].rounds; ++round)
-        expected[w][worker].push_back(all[w].run(worker, round));
-  }
+  fskit::test::captureStdout([&] {
+    for (size_t w = 0; w < all.size(); ++w) {
+      expected[w].resize(kThreads);
+      for (int worker = 0; worker < kThreads; ++worker)
+        for (int round = 0; round < all[w].rounds; ++round)
+          expected[w][worker].push_back(all[w].run(worker, round));
+    }
+  });
 
   std::mutex mismatchLock;
   std::vector<Mismatch> mismatches;
@@ -70,12 +75,15 @@ TEST(Stress, EveryFamilyFromEightThreadsMatchesOneThread) {
         }
       }
   };
-  std::vector<std::thread> threads;
-  for (int worker = 0; worker < kThreads; ++worker) threads.emplace_back(work, worker);
-  auto start = std::chrono::steady_clock::now();
-  go.store(true);
-  for (std::thread &t : threads) t.join();
-  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  double seconds = 0;
+  fskit::test::captureStdout([&] {
+    std::vector<std::thread> threads;
+    for (int worker = 0; worker < kThreads; ++worker) threads.emplace_back(work, worker);
+    auto start = std::chrono::steady_clock::now();
+    go.store(true);
+    for (std::thread &t : threads) t.join();
+    seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  });
 
   std::printf("stress: %d threads, %zu workloads, %ld rounds in %.2f s\n", kThreads, all.size(),
               calls.load(), seconds);

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// Dates from many threads: conversions that go through local time (seconds,
+// the asctime text, file times) must not share a buffer between threads.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <utime.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fskit/datetime.h>
+#include <fskit/files.h>
+
+#include "tests/support/test_support.h"
+#include "tests/threads/stress.h"
+
+namespace {
+
+std::string datedFile(int worker) {
+  return fskit::stress::scratchDir() + "/dated_" + std::to_string(worker);
+}
+
+void makeDatedFiles() {
+  // Local time with a daylight-saving rule, so that conversions depend on it.
+  fskit::test::setTimeZone("EST5EDT,M3.2.0,M11.1.0");
+  for (int worker = 0; worker < fskit::stress::kThreads; ++worker) {
+    fskit::test::writeFile(datedFile(worker), "x");
+    utimbuf times{};
+    times.actime = times.modtime = 900000000 + worker * 86400 * 37;
+    ASSERT_EQ(utime(datedFile(worker).c_str(), &times), 0);
+  }
+}
+
+std::string datesRound(int worker, int round) {
+  std::string out;
+  char text[64];
+  // Seconds since 1970 go through local time and the asctime text.
+  long long seconds = 800000000LL + (worker * 131 + round) * 7919LL * 3600;
+  std::string input = std::to_string(seconds);
+  for (int layout : {4, 6, 8, 10}) {
+    fsDateTime(9, input.c_str(), layout, text, "", 0);
+    out += text;
+    out += '|';
+  }
+  // A calendar date through every output layout and back through seconds.
+  std::snprintf(text, sizeof text, "%d/%d/%d", 1 + round % 12, 1 + (worker * 3 + round) % 28,
+                1950 + round % 90);
+  char stamp[64], back[64];
+  fsDateTime(0, text, 9, stamp, "", 0);
+  fsDateTime(9, stamp, 3, back, "", 0);
+  out += std::string(stamp) + "|" + back + "|" + std::to_string(fsWeekday(1950 + round % 90, 3, 7));
+  // File times go through local time too.
+  double value = 0;
+  fsLastModified(datedFile(worker).c_str(), text, &value);
+  out += std::string("|") + text;
+  // The current time has the asctime layout, whatever the other threads do.
+  out += std::strlen(fsNowAscTime()) == 24 ? "|now" : "|bad now";
+  return out;
+}
+
+const fskit::stress::Registration dates{{"dates", 150, datesRound, makeDatedFiles}};
+
+TEST(DateThreads, EachThreadKeepsItsOwnCurrentTimeText) {
+  // The text of one thread stays put while others ask for theirs.
+  const char *mine = fsNowAscTime();
+  std::string before = mine;
+  std::vector<std::thread> threads;
+  std::vector<const char *> theirs(fskit::stress::kThreads);
+  for (int i = 0; i < fskit::stress::kThreads; ++i)
+    threads.emplace_back([&theirs, i] { theirs[size_t(i)] = fsNowAscTime(); });
+  for (std::thread &t : threads) t.join();
+  for (const char *text : theirs) EXPECT_NE(text, mine);
+  EXPECT_EQ(fsNowAscTime(), mine);
+  EXPECT_EQ(std::strlen(mine), 24u);
+  EXPECT_EQ(before.size(), 24u);
+}
+
+}  // namespace

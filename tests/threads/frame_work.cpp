@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Messages from many threads: the registered functions, the log file and
+// whole messages on the screen and in the log.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fskit/frame.h>
+
+#include "tests/support/test_support.h"
+#include "tests/threads/stress.h"
+
+namespace {
+
+// Three texts in one message, so that a message split by another thread's
+// output shows up as lines out of order.
+int32_t sendThreeParts(int worker, int round) {
+  char texts[3][64];
+  char *pointers[3];
+  for (int part = 0; part < 3; ++part) {
+    std::snprintf(texts[part], sizeof texts[part], "w%d m%d part%d", worker, round, part);
+    pointers[part] = texts[part];
+  }
+  int32_t count = 3, codes[3] = {1, 1, 1}, aux[3] = {0, 0, 0};
+  return fsMessages("stress", &count, codes, aux, pointers);
+}
+
+std::string messagesRound(int worker, int round) {
+  // Worker 0 switches the log file on and off while the others write to it.
+  if (worker == 0 && round % 10 == 0)
+    fsRegisterMsgLog(round % 20 == 0 ? fsDefaultMsgLogFunction : nullptr);
+  fsMessage("stress", 0, 0, "worker %d round %d", worker, round);
+  int32_t result = sendThreeParts(worker, round);
+  fsDefaultMsgLogFlush();
+  bool defaultFunction = fsMsgFunctionIs() == fsDefaultMessageFunction;
+  return std::to_string(result) + " " + std::to_string(defaultFunction) + " " +
+         std::to_string(fsCheckStop());
+}
+
+const fskit::stress::Registration messages{{"messages", 100, messagesRound}};
+
+// Every message of `lines` has its three parts on consecutive lines, and
+// every message sent is there once.
+void expectWholeMessages(const std::string &output, int threads, int perThread) {
+  std::istringstream in(output);
+  std::string line;
+  std::set<std::string> seen;
+  std::vector<std::string> parts;
+  while (std::getline(in, line)) {
+    parts.push_back(line);
+    if (parts.size() < 3) continue;
+    int worker = -1, round = -1;
+    ASSERT_EQ(std::sscanf(parts[0].c_str(), "stress: w%d m%d part0", &worker, &round), 2) << parts[0];
+    for (int part = 1; part < 3; ++part)
+      EXPECT_EQ(parts[size_t(part)], "stress: w" + std::to_string(worker) + " m" +
+                                         std::to_string(round) + " part" + std::to_string(part));
+    EXPECT_TRUE(seen.insert(parts[0]).second) << parts[0];
+    parts.clear();
+  }
+  EXPECT_TRUE(parts.empty());
+  EXPECT_EQ(seen.size(), size_t(threads * perThread));
+}
+
+TEST(MessageThreads, MessagesArriveWholeOnTheScreenAndInTheLog) {
+  fskit::test::TempDir dir;
+  fskit::test::ChangeDir here(dir.path());
+  constexpr int kPerThread = 1000;
+  fsRegisterMsgLog(fsDefaultMsgLogFunction);
+  std::string screen = fskit::test::captureStdout([] {
+    std::vector<std::thread> threads;
+    for (int worker = 0; worker < fskit::stress::kThreads; ++worker)
+      threads.emplace_back([worker] {
+        for (int round = 0; round < kPerThread; ++round) sendThreeParts(worker, round);
+      });
+    for (std::thread &t : threads) t.join();
+  });
+  fsRegisterMsgLog(nullptr);  // closes the log file
+  expectWholeMessages(screen, fskit::stress::kThreads, kPerThread);
+  expectWholeMessages(fskit::test::readText(dir.file("fsmessage.log")), fskit::stress::kThreads,
+                      kPerThread);
+}
+
+}  // namespace
