@@ -61,7 +61,7 @@ std::string datesRound(int worker, int round) {
   return out;
 }
 
-const fskit::stress::Registration dates{{"dates", 150, datesRound, makeDatedFiles}};
+const fskit::stress::Registration dates{{"dates", 1500, datesRound, makeDatedFiles}};
 
 TEST(DateThreads, EachThreadKeepsItsOwnCurrentTimeText) {
   // The text of one thread stays put while others ask for theirs.

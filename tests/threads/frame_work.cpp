@@ -42,7 +42,7 @@ std::string messagesRound(int worker, int round) {
          std::to_string(fsCheckStop());
 }
 
-const fskit::stress::Registration messages{{"messages", 100, messagesRound}};
+const fskit::stress::Registration messages{{"messages", 1000, messagesRound}};
 
 // Every message of `lines` has its three parts on consecutive lines, and
 // every message sent is there once.

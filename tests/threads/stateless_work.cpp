@@ -43,7 +43,7 @@ std::string numbersRound(int worker, int round) {
   return out;
 }
 
-const fskit::stress::Registration strings{{"strings", 400, stringsRound}};
-const fskit::stress::Registration numbers{{"numformat", 200, numbersRound}};
+const fskit::stress::Registration strings{{"strings", 4000, stringsRound}};
+const fskit::stress::Registration numbers{{"numformat", 2000, numbersRound}};
 
 }  // namespace

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// The cipher, the command-line parser and tag tables from many threads, and
+// key codes read by several threads from the one standard input.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fskit/cmdline.h>
+#include <fskit/util.h>
+
+#include "tests/support/test_support.h"
+#include "tests/threads/stress.h"
+
+namespace {
+
+std::string cipherRound(int worker, int round) {
+  char text[96];
+  std::snprintf(text, sizeof text, "worker %d, round %d: the quick brown fox", worker, round);
+  char hex[16 * 12 + 1], back[8 * 12 + 1];
+  desEncrypt(text, hex);
+  int32_t result = desDecrypt(hex, back);
+  return std::string(hex) + " " + std::to_string(result) + " " + back;
+}
+
+std::string commandLineRound(int worker, int round) {
+  char line[160];
+  std::snprintf(line, sizeof line, "copy in%d.dat,out%d.dat /count=%d /name=\"a \"\"b\"\"\" /quiet",
+                worker, round, worker * round);
+  KwaCmdLnParts parts{};
+  int32_t result = kwaCmdLnPrts(line, &parts);
+  std::string out = std::to_string(result);
+  for (int32_t i = 0; i < parts.nArgs; ++i) out += std::string("|") + parts.args[i] + parts.argEnds[i];
+  for (int32_t i = 0; i < parts.nQuals; ++i)
+    out += std::string("|/") + parts.qualNames[i] + "=" +
+           (parts.qualValues[i] != nullptr ? parts.qualValues[i] : "(none)");
+  // A tag table of this round's own.
+  KwaTagEntry *table = nullptr;
+  int32_t count = 0, capacity = 0;
+  for (int k = 0; k < 5; ++k) {
+    std::string tag = "tag" + std::to_string((worker + k * 7 + round) % 11);
+    kwaAddToTbl(tag.c_str(), ("label " + tag).c_str(), &count, &capacity, &table);
+  }
+  char label[128] = "";
+  out += "|" + std::to_string(kwaTagToLabel(count, table, "TAG3", label)) + label;
+  std::free(table);
+  return out;
+}
+
+const fskit::stress::Registration cipher{{"cipher", 3000, cipherRound}};
+const fskit::stress::Registration commandLine{{"cmdline", 3000, commandLineRound}};
+
+TEST(KeyCodeThreads, EveryCallReadsOneWholeKey) {
+  // Each Up arrow is three bytes that become two console codes: a call that
+  // took the first code while another took the second would not give 274.
+  constexpr int kPerThread = 200;
+  std::string input;
+  for (int i = 0; i < fskit::stress::kThreads * kPerThread; ++i) input += "\x1b[A";
+  fskit::test::StdinFrom keys(input);
+  std::vector<int> wrong(fskit::stress::kThreads, 0);
+  std::vector<std::thread> threads;
+  for (int i = 0; i < fskit::stress::kThreads; ++i)
+    threads.emplace_back([&wrong, i] {
+      for (int k = 0; k < kPerThread; ++k)
+        if (getKeyCode() != FS_KEY_UP) ++wrong[size_t(i)];
+    });
+  for (std::thread &t : threads) t.join();
+  for (int count : wrong) EXPECT_EQ(count, 0);
+  EXPECT_EQ(getKeyCode(), 4);  // all read: end of input
+}
+
+}  // namespace
