@@ -8,7 +8,9 @@
  * "text" quotes a token, a doubled "" standing for one quote.
  * The parser keeps no state and allocates nothing; the records, the line and
  * the tables belong to the caller (tables and KwaArray buffers are released
- * with the standard free()). */
+ * with the standard free()).
+ * Threads: every function may be called from any number of threads at once,
+ * each on its own line, record, table and stream. */
 #ifndef FSKIT_CMDLINE_H
 #define FSKIT_CMDLINE_H
 

@@ -7,7 +7,9 @@
  * given. The directory functions read `\` as `/` in every path and pattern, so
  * both "data\raw" and "data/raw" name the same directory (on Windows both are
  * the system's own separators, and paths go to it unchanged). Nothing here
- * prints. */
+ * prints.
+ * Threads: every function may be called from any number of threads at once,
+ * each on its own buffers and FsFile records. */
 #ifndef FSKIT_FILES_H
 #define FSKIT_FILES_H
 

@@ -4,8 +4,11 @@
  * Messages: a function that has something to say calls fsMessage(); the text is
  * formatted once and handed to the message function (by default: standard
  * output) and, while logging is on, to the log function (by default: the file
- * "fsmessage.log" in the current directory). All state here is process-wide
- * and meant for one thread at a time. */
+ * "fsmessage.log" in the current directory).
+ * Threads: every function may be called from any thread; a registration is
+ * seen whole by every later message, and each message reaches the default
+ * functions' output in one piece. Your message, log and stop functions may be
+ * called from several threads at once. */
 #ifndef FSKIT_FRAME_H
 #define FSKIT_FRAME_H
 
@@ -45,7 +48,8 @@ FSKIT_API int32_t fsMessages(const char *routine, int32_t *count, int32_t *codes
                              int32_t *auxCodes, char **texts);
 
 /* The default message function: writes each text to standard output in the
- * layout its code selects. Returns 0. Null `count`, `codes` or `texts` write
+ * layout its code selects, all texts of a call together under the stream's
+ * lock. Returns 0. Null `count`, `codes` or `texts` write
  * nothing; a null text or routine name is written as the empty text. */
 FSKIT_API int32_t fsDefaultMessageFunction(const char *routine, int32_t *count,
                                            int32_t *codes, int32_t *auxCodes,
@@ -55,7 +59,8 @@ FSKIT_API int32_t fsDefaultMessageFunction(const char *routine, int32_t *count,
  * use and writes each text as fsDefaultMessageFunction() does. If the file
  * cannot be opened, logging is switched off and the failure reported through
  * the message function; when that is this function too, the report is
- * dropped. Returns 0. */
+ * dropped. The texts of a call are written together, under a lock that the
+ * log's registration and flush take too. Returns 0. */
 FSKIT_API int32_t fsDefaultMsgLogFunction(const char *routine, int32_t *count,
                                           int32_t *codes, int32_t *auxCodes,
                                           int32_t *lengths, char **texts);

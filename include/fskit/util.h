@@ -2,7 +2,9 @@
  * codes and a DES-based string cipher.
  *
  * Identification, bits and the cipher report only through their results; none
- * of them prints anything. */
+ * of them prints anything.
+ * Threads: every function may be called from any number of threads at once
+ * (getKeyCode calls take turns on the one standard input). */
 #ifndef FSKIT_UTIL_H
 #define FSKIT_UTIL_H
 
