@@ -15,7 +15,10 @@ void writeError(char *errText, int error, const char *text) {
   if (errText != nullptr) std::sprintf(errText, "%d %s", error, text);
 }
 
-void writeError(char *errText, int error) { writeError(errText, error, std::strerror(error)); }
+void writeError(char *errText, int error) {
+  char buffer[256];
+  writeError(errText, error, fskit::platform::errorText(error, buffer, sizeof buffer));
+}
 
 }  // namespace
 

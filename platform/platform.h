@@ -54,6 +54,10 @@ bool localTime(std::time_t seconds, std::tm &local);
 inline constexpr size_t kAscTimeSize = 64;
 bool ascTime(const std::tm &time, char (&text)[kAscTimeSize]);
 
+// The system's text for error number `error`, as strerror gives it, made in
+// `buffer` where the system needs room (never shared between threads).
+const char *errorText(int error, char *buffer, size_t size);
+
 // Holds a stream's lock for a scope, so that several writes reach it
 // together even while other threads write to it.
 class StreamLock {

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Local time and its asctime text without the C runtime's shared buffers,
-// and whole-stream locking, so that threads calling side by side never share
-// a result.
+// Local time and its asctime text, and error texts, without the C
+// runtime's shared buffers; whole-stream locking. Threads calling side by
+// side never share a result.
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 
 #include "platform/platform.h"
@@ -30,6 +31,18 @@ bool ascTime(const std::tm &time, char (&text)[kAscTimeSize]) {
                              time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec,
                              time.tm_year + 1900);
   return length > 0 && size_t(length) < sizeof text;
+}
+
+const char *errorText(int error, char *buffer, size_t size) {
+#if defined(_WIN32)
+  if (strerror_s(buffer, size, error) != 0) buffer[0] = '\0';
+  return buffer;
+#elif defined(__GLIBC__) && defined(_GNU_SOURCE)
+  return strerror_r(error, buffer, size);  // the GNU form: a text, ours or its own
+#else
+  if (strerror_r(error, buffer, size) != 0) std::snprintf(buffer, size, "Unknown error %d", error);
+  return buffer;
+#endif
 }
 
 StreamLock::StreamLock(std::FILE *stream) : stream_(stream) {
