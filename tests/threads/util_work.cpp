@@ -54,6 +54,9 @@ const fskit::stress::Registration cipher{{"cipher", 3000, cipherRound}};
 const fskit::stress::Registration commandLine{{"cmdline", 3000, commandLineRound}};
 
 TEST(KeyCodeThreads, EveryCallReadsOneWholeKey) {
+#if defined(_WIN32)
+  GTEST_SKIP() << "piped input gives its bytes as they are on Windows; no two-code keys to split";
+#endif
   // Each Up arrow is three bytes that become two console codes: a call that
   // took the first code while another took the second would not give 274.
   constexpr int kPerThread = 200;
