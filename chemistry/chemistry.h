@@ -10,6 +10,8 @@
 
 #include <fskit/chemistry.h>
 
+#include "platform/locks.h"
+
 namespace fskit::chemistry {
 
 // Records per table: one block of this many is allocated for each load, and
@@ -43,7 +45,7 @@ class LabelIndex {
 // The table is read under `lock` held shared for a whole call, and loaded or
 // released under it held exclusively, so that a call sees one table whole.
 struct ElementTable {
-  std::shared_mutex lock;
+  platform::SharedMutex lock;
   bool present = false;
   FsElementRecord *records = nullptr;  // kCapacity records, malloc'ed
   int32_t count = 0;                   // -1 when the file filled the block
@@ -89,7 +91,7 @@ class TableReader {
   }
 
  private:
-  std::shared_lock<std::shared_mutex> lock_;
+  std::shared_lock<platform::SharedMutex> lock_;
 };
 
 // Reads an element file into `records` (room for kCapacity). The number of

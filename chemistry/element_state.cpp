@@ -21,14 +21,14 @@ void releaseTable() {
 }
 
 const ElementTable &TableReader::table(bool loadIfMissing) {
-  if (!lock_.owns_lock()) lock_ = std::shared_lock<std::shared_mutex>(theTable.lock);
+  if (!lock_.owns_lock()) lock_ = std::shared_lock<platform::SharedMutex>(theTable.lock);
   if (theTable.present || !loadIfMissing) return theTable;
   // The first load happens once: whoever gets the exclusive lock first loads,
   // the others find the table present.
   lock_.unlock();
   LoadReport report;
   {
-    std::unique_lock<std::shared_mutex> exclusive(theTable.lock);
+    std::unique_lock<platform::SharedMutex> exclusive(theTable.lock);
     if (!theTable.present) report = initTable(1000, 1);
   }
   report.send();

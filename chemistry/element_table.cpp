@@ -125,7 +125,7 @@ extern "C" {
 FSKIT_API int32_t fsInitElemTable(int32_t iniHandle, int32_t load) {
   LoadReport report;
   {
-    std::unique_lock<std::shared_mutex> exclusive(elementTable().lock);
+    std::unique_lock<fskit::platform::SharedMutex> exclusive(elementTable().lock);
     report = initTable(iniHandle, load);
   }
   report.send();
@@ -137,7 +137,7 @@ FSKIT_API int32_t fsLoadElemTable(const char *path) {
   LoadReport report;
   {
     ElementTable &table = elementTable();
-    std::unique_lock<std::shared_mutex> exclusive(table.lock);
+    std::unique_lock<fskit::platform::SharedMutex> exclusive(table.lock);
     if (table.present && isRecordedName(path)) return 1;
     releaseTable();
     FsElementRecord *records = allocateRecords();

@@ -22,7 +22,7 @@ FSKIT_API int32_t fsDefaultMsgLogFunction(const char *routine, int32_t *count,
   if (reportingLogFailure) return 0;
   auto &state = messageState();
   {
-    std::lock_guard<std::mutex> lock(state.logLock);
+    std::lock_guard<fskit::platform::Mutex> lock(state.logLock);
     if (state.logStream == nullptr)
       state.logStream = std::fopen(fskit::frame::kLogFileName, "w");
     if (state.logStream != nullptr) {
@@ -43,13 +43,13 @@ FSKIT_API int32_t fsDefaultMsgLogFunction(const char *routine, int32_t *count,
 
 FSKIT_API void fsDefaultMsgLogFlush(void) {
   auto &state = messageState();
-  std::lock_guard<std::mutex> lock(state.logLock);
+  std::lock_guard<fskit::platform::Mutex> lock(state.logLock);
   if (state.logStream != nullptr) std::fflush(state.logStream);
 }
 
 FSKIT_API void fsRegisterMsgLog(FsMsgFunction fn) {
   auto &state = messageState();
-  std::lock_guard<std::mutex> lock(state.logLock);
+  std::lock_guard<fskit::platform::Mutex> lock(state.logLock);
   if (state.logStream != nullptr) {
     std::fclose(state.logStream);
     state.logStream = nullptr;

@@ -10,6 +10,8 @@
 
 #include <fskit/frame.h>
 
+#include "platform/locks.h"
+
 namespace fskit::frame {
 
 struct MessageState {
@@ -17,7 +19,7 @@ struct MessageState {
   std::atomic<FsMsgFunction> log{fsDefaultMsgLogFunction};
   std::atomic<bool> logging{false};
   std::atomic<FsStopFunction> stop{nullptr};
-  std::mutex logLock;               // guards logStream
+  platform::Mutex logLock;          // guards logStream
   std::FILE *logStream = nullptr;
 };
 

@@ -3,6 +3,7 @@
 // exit, before the C runtime closes the standard streams.
 #include <mutex>
 
+#include "platform/locks.h"
 #include "platform/platform.h"
 
 namespace fskit::platform {
@@ -16,13 +17,13 @@ struct OnExitTable {
 };
 constinit OnExitTable table;
 // Registrations may come from several threads at once.
-constinit std::mutex tableLock;
+constinit Mutex tableLock;
 
 __attribute__((destructor)) void runOnExitFunctions() {
   for (;;) {
     OnExitFunction fn;
     {
-      std::lock_guard<std::mutex> lock(tableLock);
+      std::lock_guard<Mutex> lock(tableLock);
       if (table.count == 0) return;
       fn = table.functions[--table.count];
     }
@@ -34,7 +35,7 @@ __attribute__((destructor)) void runOnExitFunctions() {
 
 OnExitFunction _onexit(OnExitFunction fn) {
   if (fn == nullptr) return nullptr;
-  std::lock_guard<std::mutex> lock(tableLock);
+  std::lock_guard<Mutex> lock(tableLock);
   // A function registered again (a clean-up registered on every run) runs once.
   for (int i = 0; i < table.count; ++i)
     if (table.functions[i] == fn) return fn;

@@ -48,9 +48,9 @@ inline int putText(const char *text, std::FILE *stream) {
 // represent it. Safe from any thread (no shared result buffer).
 bool localTime(std::time_t seconds, std::tm &local);
 
-// The C runtime's asctime text ("Sun Sep 16 01:03:52 1973\n") of `time`,
-// written into `text`: 64 bytes hold it for every year an int holds. False
-// when the year does not fit an int.
+// The C runtime's asctime text of `time` ("Sun Sep  9 01:03:52 1973\n"; on
+// Windows the day has two digits, "Sep 09") written into `text`: 64 bytes
+// hold it for every year an int holds. False when the year does not fit.
 inline constexpr size_t kAscTimeSize = 64;
 bool ascTime(const std::tm &time, char (&text)[kAscTimeSize]);
 

@@ -27,7 +27,13 @@ bool ascTime(const std::tm &time, char (&text)[kAscTimeSize]) {
   if (time.tm_year > INT_MAX - 1900) return false;
   const char *day = time.tm_wday >= 0 && time.tm_wday < 7 ? kDays[time.tm_wday] : "???";
   const char *month = time.tm_mon >= 0 && time.tm_mon < 12 ? kMonths[time.tm_mon] : "???";
-  int length = std::snprintf(text, sizeof text, "%.3s %.3s%3d %.2d:%.2d:%.2d %d\n", day, month,
+#if defined(_WIN32)
+  // The Windows runtime writes the day with two digits ("Jan 01").
+  constexpr const char *kLayout = "%.3s %.3s %.2d %.2d:%.2d:%.2d %d\n";
+#else
+  constexpr const char *kLayout = "%.3s %.3s%3d %.2d:%.2d:%.2d %d\n";
+#endif
+  int length = std::snprintf(text, sizeof text, kLayout, day, month,
                              time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec,
                              time.tm_year + 1900);
   return length > 0 && size_t(length) < sizeof text;

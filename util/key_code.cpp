@@ -52,7 +52,7 @@ FSKIT_API int32_t getKeyCode(...) {
   fskit::util::UtilState &state = fskit::util::utilState();
   uint16_t (&table)[kExtendedKeys] = state.extendedKeys;
   std::call_once(state.extendedKeysFilled, [&table] { fillExtendedKeys(table); });
-  std::lock_guard<std::mutex> turn(state.keyboard);
+  std::lock_guard<fskit::platform::Mutex> turn(state.keyboard);
   int code = fskit::platform::_getch();
   if (code != 0 && code != 224) return code;
   int second = fskit::platform::_getch();

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <mutex>
 
+#include "platform/locks.h"
+
 namespace fskit::util {
 
 inline constexpr int kExtendedKeys = 255;
@@ -16,7 +18,7 @@ struct UtilState {
   std::once_flag extendedKeysFilled;
   // Standard input is one for the process: a key is read whole by one call,
   // and calls from several threads take turns.
-  std::mutex keyboard;
+  platform::Mutex keyboard;
 };
 
 UtilState &utilState();

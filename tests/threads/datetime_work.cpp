@@ -38,9 +38,10 @@ std::string datesRound(int worker, int round) {
   std::string out;
   char text[64];
   // Seconds since 1970 go through local time and the asctime text.
-  long long seconds = 800000000LL + (worker * 131 + round) * 7919LL * 3600;
+  long long seconds = 800000000LL + (worker * 131 + round) % 500 * 7919LL * 3600;
   std::string input = std::to_string(seconds);
   for (int layout : {4, 6, 8, 10}) {
+    text[0] = '\0';  // a failed conversion leaves the output as it was
     fsDateTime(9, input.c_str(), layout, text, "", 0);
     out += text;
     out += '|';
@@ -48,7 +49,7 @@ std::string datesRound(int worker, int round) {
   // A calendar date through every output layout and back through seconds.
   std::snprintf(text, sizeof text, "%d/%d/%d", 1 + round % 12, 1 + (worker * 3 + round) % 28,
                 1950 + round % 90);
-  char stamp[64], back[64];
+  char stamp[64] = "", back[64] = "";
   fsDateTime(0, text, 9, stamp, "", 0);
   fsDateTime(9, stamp, 3, back, "", 0);
   out += std::string(stamp) + "|" + back + "|" + std::to_string(fsWeekday(1950 + round % 90, 3, 7));
