@@ -46,13 +46,14 @@ template <class T> inline T loadKey(const unsigned char *p) {
 
 // The comparators read the key offset, the data of an index sort and the
 // element size from here, because qsort hands them only two pointers. Each
-// sorting call sets what it needs; nothing is reset afterwards.
+// thread has its own, which every sorting call on it sets as it needs;
+// nothing is reset afterwards.
 struct SortContext {
   long offset = 0;
   const unsigned char *data = nullptr;
   long size = 0;
 };
-SortContext &sortContext();
+SortContext &sortContext();  // the calling thread's
 
 using Comparator = int (*)(const void *, const void *);
 enum ComparatorVariant { kElement, kElementField, kIndexed, kIndexedField };
