@@ -1,6 +1,7 @@
 // The table of 80 comparators with the qsort signature, four per sort type:
 // on elements, on a field of the elements, and the two on element numbers of
-// an index sort. They take what qsort cannot pass them from the sort context.
+// an index sort. They take what qsort cannot pass them from the calling
+// thread's sort context, read once per comparison.
 #include <array>
 #include <cmath>
 #include <utility>
@@ -38,8 +39,8 @@ int compareBytes(const unsigned char *a, const unsigned char *b, long length) {
   return 0;
 }
 
-template <int Type, int Variant> const unsigned char *keyAddress(const void *p) {
-  const SortContext &context = sortContext();
+template <int Type, int Variant>
+const unsigned char *keyAddress(const SortContext &context, const void *p) {
   const unsigned char *key = static_cast<const unsigned char *>(p);
   if constexpr (Variant == kIndexed || Variant == kIndexedField) {
     // The 8-bit types address their keys by byte, whatever the element size.
@@ -51,11 +52,11 @@ template <int Type, int Variant> const unsigned char *keyAddress(const void *p) 
 }
 
 template <int Type, int Variant> int compareKeys(const void *first, const void *second) {
-  const unsigned char *a = keyAddress<Type, Variant>(first);
-  const unsigned char *b = keyAddress<Type, Variant>(second);
+  const SortContext &context = sortContext();
+  const unsigned char *a = keyAddress<Type, Variant>(context, first);
+  const unsigned char *b = keyAddress<Type, Variant>(context, second);
   if constexpr (descending(Type)) std::swap(a, b);
   constexpr bool withOffset = Variant == kElementField || Variant == kIndexedField;
-  const SortContext &context = sortContext();
   long rest = context.size - (withOffset ? context.offset : 0);
   if constexpr (keyKind(Type) == KeyKind::String) {
     // Within an element the key cannot go past the element's end; an index

@@ -89,11 +89,11 @@ struct Source {
 
 class Merge {
  public:
-  explicit Merge(bool collapse) : collapse_(collapse) {}
+  Merge(WorkFiles &files, bool collapse) : files_(files), collapse_(collapse) {}
   ~Merge() {
     for (Source &source : sources_) {
       delete source.reader;
-      if (source.file != nullptr) closeSlot(source.file);
+      if (source.file != nullptr) files_.close(source.file);
     }
   }
 
@@ -102,9 +102,9 @@ class Merge {
     sources_.reserve(size_t(count));
     for (int k = 0; k < count; ++k) {
       sources_.push_back(Source{numbers[k]});
-      char *name = workFileName(numbers[k]);
+      char *name = files_.name(numbers[k]);
       if (name == nullptr) throw std::bad_alloc();
-      sources_.back().file = openInSlot(name, "r");
+      sources_.back().file = files_.open(name, "r");
       std::free(name);
       if (sources_.back().file == nullptr) return numbers[k];
       sources_.back().reader = new LineReader(sources_.back().file);
@@ -174,6 +174,7 @@ class Merge {
     }
   }
 
+  WorkFiles &files_;
   bool collapse_;
   std::vector<Source> sources_;
   std::vector<size_t> heap_;
@@ -181,9 +182,9 @@ class Merge {
 
 }  // namespace
 
-long mergeWorkFiles(const long *numbers, int count, std::FILE *out, bool collapse,
-                    long *unreadable) {
-  Merge merge(collapse);
+long mergeWorkFiles(WorkFiles &files, const long *numbers, int count, std::FILE *out,
+                    bool collapse, long *unreadable) {
+  Merge merge(files, collapse);
   *unreadable = merge.open(numbers, count);
   if (*unreadable >= 0) return -2;
   return merge.run(out, unreadable);

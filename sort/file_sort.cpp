@@ -26,12 +26,6 @@ constexpr long kAhead = 8;
 
 using Name = std::unique_ptr<char, decltype(&std::free)>;
 
-Name nameOf(long number) {
-  Name name(workFileName(number), &std::free);
-  if (name == nullptr) throw std::bad_alloc();
-  return name;
-}
-
 class FileSort {
  public:
   FileSort(const char *input, const char *output, bool keepDuplicates, bool withCounts)
@@ -48,7 +42,11 @@ class FileSort {
   FileSort &operator=(const FileSort &) = delete;
 
   long run(const char *prefix, long bufferSize) {
-    if (!startWorkFiles(prefix)) return noBuffer();
+    switch (files_.start(prefix)) {
+      case WorkFiles::Start::kNoMemory: return noBuffer();
+      case WorkFiles::Start::kInUse: return inUse();
+      case WorkFiles::Start::kReady: break;
+    }
     struct stat status;
     if (platform::_stat(input_, &status) != 0) return cannotOpenInput();
     long fileSize = long(status.st_size);
@@ -91,14 +89,25 @@ class FileSort {
     std::printf("Cannot create sort buffer\n");
     return 0;
   }
+  // Another sort in progress has the same prefix: nothing of it is touched.
+  long inUse() {
+    std::printf("Work files %ssort_*.tmp are in use by another sort\n", files_.prefix());
+    return 0;
+  }
   long failed() {
-    cleanUpWorkFiles();
+    files_.finish();
     return 0;
   }
   long finished(long count) {
     std::printf("%ld records written\n", count);
-    cleanUpWorkFiles();
+    files_.finish();
     return count;
+  }
+
+  Name nameOf(long number) const {
+    Name name(files_.name(number), &std::free);
+    if (name == nullptr) throw std::bad_alloc();
+    return name;
   }
 
   ChunkEnd sortChunks() {
@@ -153,16 +162,16 @@ class FileSort {
     if (!inMemory_) {
       workName = nameOf(workFileCount_);
       name = workName.get();
-      workFiles().namesUsed = workFileCount_ + 1;
+      files_.useNames(workFileCount_ + 1);
     }
     std::printf("Writing output file %s ...\n", name);
-    std::FILE *file = openInSlot(name, "w+");
+    std::FILE *file = files_.open(name, "w+");
     if (file == nullptr) {
       std::printf("Cannot open file %s\n", name);
       return ChunkEnd::Stopped;
     }
     long lines = writeLines(file, records);
-    bool closed = closeSlot(file);
+    bool closed = files_.close(file);
     if (lines < 0 || !closed) {
       std::printf("Error writing output file\n");
       return ChunkEnd::Failed;
@@ -223,8 +232,8 @@ class FileSort {
     while (pending.size() > size_t(kMergeWidth)) {
       std::printf("Merging %d work files ...\n", kMergeWidth);
       Name name = nameOf(next);
-      workFiles().namesUsed = next + 1;
-      std::FILE *file = openInSlot(name.get(), "w");
+      files_.useNames(next + 1);
+      std::FILE *file = files_.open(name.get(), "w");
       if (file == nullptr) {
         std::printf("Cannot open file %s\n", name.get());
         return finished(0);
@@ -236,7 +245,7 @@ class FileSort {
       pending.push_back(next++);
     }
     std::printf("Merging %d work files ...\n", int(pending.size()));
-    std::FILE *out = openInSlot(output_, "w");
+    std::FILE *out = files_.open(output_, "w");
     if (out == nullptr) {
       std::printf("Cannot open output file %s\n", output_);
       return finished(0);
@@ -249,8 +258,8 @@ class FileSort {
   // after printing what failed.
   long merge(const long *numbers, int count, std::FILE *file) {
     long unreadable = -1;
-    long lines = mergeWorkFiles(numbers, count, file, collapse_, &unreadable);
-    bool closed = closeSlot(file);
+    long lines = mergeWorkFiles(files_, numbers, count, file, collapse_, &unreadable);
+    bool closed = files_.close(file);
     if (lines == -2) {
       std::printf("Error reading work file %s\n", nameOf(unreadable).get());
       return -1;
@@ -272,6 +281,7 @@ class FileSort {
   std::FILE *in_ = nullptr;
   long written_ = 0;
   long workFileCount_ = 0;
+  WorkFiles files_;
 };
 
 }  // namespace
@@ -285,8 +295,8 @@ FSKIT_API long fsStrSort(const char *input, const char *output, const char *pref
     return fskit::sort::FileSort(input, output, keepDuplicates != 0, withCounts != 0)
         .run(prefix, bufferSize);
   } catch (const std::bad_alloc &) {
+    // The sort's work files went with it.
     std::printf("Cannot create sort buffer\n");
-    fskit::sort::cleanUpWorkFiles();
     return 0;
   }
 }

@@ -1,6 +1,6 @@
 // Internals shared by the sort family: sort types, the comparator table and
 // the sort context, the key-ordered sorts behind fsSort and fsSortIndex, and
-// the work-file state of the file sort.
+// the work files of the file sort.
 #pragma once
 
 #include <climits>
@@ -46,13 +46,14 @@ template <class T> inline T loadKey(const unsigned char *p) {
 
 // The comparators read the key offset, the data of an index sort and the
 // element size from here, because qsort hands them only two pointers. Each
-// sorting call sets what it needs; nothing is reset afterwards.
+// thread has its own, which every sorting call on it sets as it needs;
+// nothing is reset afterwards.
 struct SortContext {
   long offset = 0;
   const unsigned char *data = nullptr;
   long size = 0;
 };
-SortContext &sortContext();
+SortContext &sortContext();  // the calling thread's
 
 using Comparator = int (*)(const void *, const void *);
 enum ComparatorVariant { kElement, kElementField, kIndexed, kIndexedField };
@@ -87,30 +88,52 @@ bool sortRecords(int type, unsigned char *base, size_t size, long offset, size_t
 void permuteElements(unsigned char *base, size_t size, int32_t *order, size_t n,
                      unsigned char *spare);
 
-// Work files of the file sort: the files open at the moment (work files and
-// the output) and the prefix and count of the names in use, which the
-// clean-up needs. At most kMergeWidth work files are merged at once.
+// The work files of one file sort: the files it has open (work files and
+// the output) and its prefix and count of names in use, which the clean-up
+// needs. At most kMergeWidth work files are merged at once. Every sort in
+// progress is known to the library, so that no two share a prefix and the
+// unload removes the files of a sort that never finished.
 inline constexpr int kMergeWidth = 20;
 inline constexpr int kWorkSlots = kMergeWidth + 1;
-struct WorkFiles {
-  std::FILE *slots[kWorkSlots] = {};
-  char *prefix = nullptr;
-  long namesUsed = 0;
-};
-WorkFiles &workFiles();
+class WorkFiles {
+ public:
+  WorkFiles() = default;
+  ~WorkFiles();  // finish(), if started
+  WorkFiles(const WorkFiles &) = delete;
+  WorkFiles &operator=(const WorkFiles &) = delete;
 
-// Closes what an earlier sort left open, takes a copy of `prefix`, removes
-// old work files and registers the clean-up for unload. False without memory.
-bool startWorkFiles(const char *prefix);
-// Closes every open file and removes the work files "<prefix>sort_<n>.tmp"
-// for n from 0 to 19 and every further number in use.
-int cleanUpWorkFiles();
-// The name of work file `number`; null without memory (free it with free()).
-char *workFileName(long number);
-// Opens a file and keeps it in a free slot; null when it cannot be opened.
-std::FILE *openInSlot(const char *name, const char *mode);
-// Closes a file opened by openInSlot(); false when a write failed on the way.
-bool closeSlot(std::FILE *file);
+  enum class Start { kReady, kNoMemory, kInUse };
+  // Takes a copy of `prefix` and enters the sorts in progress, unless one of
+  // them has the same prefix; then removes old work files of the prefix and
+  // registers the clean-up for unload.
+  Start start(const char *prefix);
+  // Closes every open file and removes the work files "<prefix>sort_<n>.tmp"
+  // for n from 0 to 19 and every further number in use.
+  void cleanUp();
+  // cleanUp(), and the sort is no longer in progress.
+  void finish();
+
+  const char *prefix() const { return prefix_ != nullptr ? prefix_ : ""; }
+  // The name of work file `number`; null without memory (free it with free()).
+  char *name(long number) const;
+  // Names up to `count` - 1 are in use.
+  void useNames(long count) { namesUsed_ = count; }
+  // Opens a file and keeps it in a free slot; null when it cannot be opened.
+  std::FILE *open(const char *name, const char *mode);
+  // Closes a file opened by open(); false when a write failed on the way.
+  bool close(std::FILE *file);
+
+ private:
+  static int cleanUpAtUnload();
+
+  std::FILE *slots_[kWorkSlots] = {};
+  char *prefix_ = nullptr;
+  long namesUsed_ = 0;
+  // Membership of the sorts in progress.
+  bool started_ = false;
+  unsigned long ticket_ = 0;
+  WorkFiles *previous_ = nullptr, *next_ = nullptr;
+};
 
 // Lines written through a large buffer of our own; the first failed write
 // is remembered and ends the writing.
@@ -132,12 +155,12 @@ class LineWriter {
   bool failed_ = false;
 };
 
-// Merges the sorted work files `numbers` into `out`, taking the smallest
+// Merges the sorted work files `numbers` of `files` into `out`, taking the smallest
 // line of all, compared byte by byte with its newline (and its count, if it
 // has one), from the lowest-numbered file on a tie. Returns the lines
 // written; -1 when a write failed, -2 when work file `*unreadable` could not
 // be read. With `collapse`, equal lines are written once. May throw bad_alloc.
-long mergeWorkFiles(const long *numbers, int count, std::FILE *out, bool collapse,
-                    long *unreadable);
+long mergeWorkFiles(WorkFiles &files, const long *numbers, int count, std::FILE *out,
+                    bool collapse, long *unreadable);
 
 }  // namespace fskit::sort

@@ -1,14 +1,12 @@
-// The sort family's process-wide state: the sort context of the typed sorts
-// and the work files of the file sort. Constant-initialised.
+// The sort family's per-thread state: the sort context that the comparators
+// read. Constant-initialised, so reaching it costs no guard.
 #include "sort/sorting.h"
 
 namespace fskit::sort {
 namespace {
-constinit SortContext context;
-constinit WorkFiles files;
+constinit thread_local SortContext context;
 }  // namespace
 
 SortContext &sortContext() { return context; }
-WorkFiles &workFiles() { return files; }
 
 }  // namespace fskit::sort

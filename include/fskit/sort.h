@@ -1,9 +1,9 @@
 /* fskit sort: typed sorts by sort-type number, the library's own quicksort,
  * the multi-array sort and the external sort of text files.
  *
- * A sort type (1 to 20) names the key's data type and the direction. fsSort,
- * fsSortIndex, fsSortArrays and fsStrSort share one process-wide sort context
- * and must not run on two threads at once; fsQsort keeps no state. */
+ * A sort type (1 to 20) names the key's data type and the direction.
+ * Threads: any function from any number of threads at once, provided no two
+ * calls share a caller buffer and no two concurrent fsStrSort share a prefix. */
 #ifndef FSKIT_SORT_H
 #define FSKIT_SORT_H
 
@@ -80,7 +80,8 @@ FSKIT_API void fsSortArrays(int type, long n, long m, ...);
  * phase. Also: a directory as input gives "Cannot open input file %s", a
  * read error "Error reading input file", a work file that cannot be read
  * back "Error reading work file %s", memory short in the merge "Cannot create
- * sort buffer". */
+ * sort buffer", the prefix of a sort still in progress "Work files
+ * %ssort_*.tmp are in use by another sort" (nothing of that sort touched). */
 FSKIT_API long fsStrSort(const char *input, const char *output, const char *prefix,
                          long bufferSize, uint8_t keepDuplicates, uint8_t withCounts);
 
