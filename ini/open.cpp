@@ -76,7 +76,7 @@ int32_t openSlot(const char *fileName, bool readFile) {
   }
   // The file is read before the slot is locked: nobody else can reach the
   // new document yet.
-  std::lock_guard<std::shared_mutex> publish(slot->lock);
+  std::unique_lock<std::shared_mutex> publish = lockForWriting(*slot);
   slot->document = document;
   slot->fileName = nameCopy;
   slot->serial = serial;

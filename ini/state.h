@@ -33,6 +33,11 @@ struct Slot {
   // choose the same slot.
   bool taken = false;
   std::shared_mutex lock;
+  // While writers wait for `lock`, new readers queue at `turnstile` instead
+  // of joining those inside, so that a stream of lookups cannot hold a
+  // writer off for ever.
+  std::atomic<int> writersWaiting{0};
+  std::mutex turnstile;
 };
 
 // The walk of fsIniNext. It is not tied to a handle: the current paragraph
@@ -71,15 +76,33 @@ Slot *slotAt(int32_t handle);
 // caller that no other thread can disturb. Others use the holders below.
 Slot *slotOf(int32_t handle);
 
+inline std::shared_lock<std::shared_mutex> lockForReading(Slot &slot) {
+  if (slot.writersWaiting.load(std::memory_order_relaxed) != 0) {
+    std::lock_guard<std::mutex> queue(slot.turnstile);  // behind the writer that holds it
+  }
+  return std::shared_lock<std::shared_mutex>(slot.lock);
+}
+
+inline std::unique_lock<std::shared_mutex> lockForWriting(Slot &slot) {
+  slot.writersWaiting.fetch_add(1, std::memory_order_relaxed);
+  std::unique_lock<std::shared_mutex> lock;
+  {
+    std::lock_guard<std::mutex> queue(slot.turnstile);
+    lock = std::unique_lock<std::shared_mutex>(slot.lock);
+  }
+  slot.writersWaiting.fetch_sub(1, std::memory_order_relaxed);
+  return lock;
+}
+
 // The open document of a handle, held under the slot's lock for as long as
 // the holder lives; empty for a bad handle.
-template <class Lock>
+template <class Lock, Lock (*take)(Slot &)>
 class Held {
  public:
   explicit Held(int32_t handle) {
     Slot *slot = slotAt(handle);
     if (slot == nullptr) return;
-    lock_ = Lock(slot->lock);
+    lock_ = take(*slot);
     if (slot->document != nullptr) slot_ = slot;
   }
   explicit operator bool() const { return slot_ != nullptr; }
@@ -91,9 +114,9 @@ class Held {
   Slot *slot_ = nullptr;
 };
 // For looking up: other readers of the handle go on side by side.
-using ReadHeld = Held<std::shared_lock<std::shared_mutex>>;
+using ReadHeld = Held<std::shared_lock<std::shared_mutex>, lockForReading>;
 // For changing or releasing the document: nobody else uses the handle.
-using WriteHeld = Held<std::unique_lock<std::shared_mutex>>;
+using WriteHeld = Held<std::unique_lock<std::shared_mutex>, lockForWriting>;
 
 // Frees the document and file name of a slot held exclusive; the slot is
 // free again.

@@ -42,7 +42,7 @@ const char *walkedName(const Slot &own, uint64_t serial, int32_t index,
   if (serial == own.serial) return own.document->paragraphNameAt(index);
   for (Slot &slot : fskit::ini::iniState().slots) {
     if (&slot == &own) continue;
-    std::shared_lock<std::shared_mutex> lock(slot.lock);
+    std::shared_lock<std::shared_mutex> lock = fskit::ini::lockForReading(slot);
     if (slot.document != nullptr && slot.serial == serial) {
       other = std::move(lock);
       return slot.document->paragraphNameAt(index);
