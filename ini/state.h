@@ -51,6 +51,10 @@ struct Walk {
   int32_t paragraph = -1;  // -1: none
   uint64_t document = 0;   // serial of the document `paragraph` belongs to
   int32_t nextLine = 0;
+  // The first paragraph of the current paragraph's name in that same
+  // document, once looked up (null: not yet). It stays the first of its name
+  // while the document is open: paragraphs are only added at the end.
+  const FsIniParagraph *found = nullptr;
 };
 
 // Makes the stream over a temporary file's descriptor (test seam).

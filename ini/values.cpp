@@ -91,13 +91,18 @@ FSKIT_API int32_t fsIniNext(int32_t first, int32_t handle, char *paragraph, char
       walk.paragraph = walk.nextParagraph++;
       walk.document = slot->serial;
       walk.nextLine = 0;
+      walk.found = nullptr;
     }
     // Lines are taken from the first paragraph of this name in the document
     // of `handle`, so a duplicate paragraph's turn delivers the first one's
     // topics again, and a walk begun on another handle goes on with the
     // paragraph of that name here.
     const char *name = walkedName(*slot, walk.document, walk.paragraph, other);
-    const FsIniParagraph *found = document.findParagraph(name);
+    const FsIniParagraph *found = walk.found;
+    if (found == nullptr || walk.document != slot->serial) {
+      found = document.findParagraph(name);
+      if (walk.document == slot->serial) walk.found = found;
+    }
     int32_t line = walk.nextLine++;
     const char *lineTopic = found != nullptr ? found->topicAt(line) : nullptr;
     if (lineTopic == nullptr) {  // end of paragraph, or a blank or comment line
