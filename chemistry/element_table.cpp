@@ -60,17 +60,16 @@ bool isRecordedName(const char *path) {
   return *recorded == '\0';
 }
 
-// Asks the INI document for the element file. fsIniGetValue writes without a
-// bound, so the value is measured first: one set by fsIniSetValue can be
-// longer than any line of an INI file. Null when there is no value.
+// Asks the INI document for the element file, a value of any length (one
+// set by fsIniSetValue can be longer than any line of an INI file). Null
+// when there is none; a missing value is reported as fsIniGetValue reports it.
 char *configuredName(int32_t iniHandle) {
-  const ini::Slot *slot = ini::slotOf(iniHandle);
-  const char *value =
-      slot != nullptr ? slot->document->valueOf(kIniParagraph, kIniTopic) : nullptr;
-  char *name = static_cast<char *>(std::malloc(value != nullptr ? std::strlen(value) + 1 : 1));
-  char comment[2];
-  if (name == nullptr) return nullptr;
-  if (fsIniGetValue(iniHandle, kIniParagraph, kIniTopic, name, comment) == 0 || name[0] == '\0') {
+  char *name = ini::copyValueOf(iniHandle, kIniParagraph, kIniTopic);
+  if (name == nullptr) {
+    fsIniGetValue(iniHandle, kIniParagraph, kIniTopic, nullptr, nullptr);
+    return nullptr;
+  }
+  if (name[0] == '\0') {
     std::free(name);
     return nullptr;
   }

@@ -25,12 +25,13 @@ void NameIndex::reset() {
   std::free(entries_);
   entries_ = nullptr;
   capacity_ = used_ = 0;
-  indexed_ = 0;
+  indexed_.store(0, std::memory_order_relaxed);
 }
 
 int32_t NameIndex::find(const char *name, const void *items, int32_t count, NameAt nameAt) {
   if (name == nullptr) return -1;
-  if (count > kScanLimit && catchUp(items, count, nameAt)) {
+  if (count > kScanLimit &&
+      (indexed_.load(std::memory_order_acquire) == count || catchUp(items, count, nameAt))) {
     uint32_t position;
     return probe(name, hashOf(name), items, nameAt, position);
   }
@@ -50,18 +51,27 @@ int32_t NameIndex::probe(const char *name, uint32_t hash, const void *items, Nam
   }
 }
 
+// False when the table cannot cover the list now: no memory, or another
+// lookup is catching it up.
 bool NameIndex::catchUp(const void *items, int32_t count, NameAt nameAt) {
-  if (indexed_ > count) reset();  // the list was emptied and filled again
-  for (; indexed_ < count; ++indexed_) {
-    const char *name = nameAt(items, indexed_);
+  if (catchingUp_.exchange(true, std::memory_order_acquire)) return false;
+  int32_t indexed = indexed_.load(std::memory_order_relaxed);
+  if (indexed > count) {  // the list was emptied and filled again
+    reset();
+    indexed = 0;
+  }
+  for (; indexed < count; ++indexed) {
+    const char *name = nameAt(items, indexed);
     if (name == nullptr) continue;
-    if (!reserve(used_ + 1)) return false;
+    if (!reserve(used_ + 1)) break;
     uint32_t hash = hashOf(name), position;
     if (probe(name, hash, items, nameAt, position) >= 0) continue;  // the first one stays
-    entries_[position] = Entry{hash, indexed_};
+    entries_[position] = Entry{hash, indexed};
     ++used_;
   }
-  return true;
+  indexed_.store(indexed, std::memory_order_release);
+  catchingUp_.store(false, std::memory_order_release);
+  return indexed == count;
 }
 
 bool NameIndex::reserve(uint32_t wanted) {

@@ -10,10 +10,18 @@
 namespace fskit::ini {
 namespace {
 
-// The lowest free slot, or null when all are in use.
-Slot *freeSlot() {
-  for (Slot &slot : iniState().slots)
-    if (slot.document == nullptr) return &slot;
+// Takes the lowest free slot and the serial of this opening; null when all
+// slots are in use. The slot stays empty, a bad handle, until the document
+// is put in it.
+Slot *takeSlot(uint64_t &serial) {
+  IniState &state = iniState();
+  std::lock_guard<platform::Mutex> table(state.tableLock);
+  for (Slot &slot : state.slots)
+    if (!slot.taken) {
+      slot.taken = true;
+      serial = ++state.openings;
+      return &slot;
+    }
   return nullptr;
 }
 
@@ -35,19 +43,22 @@ std::FILE *openForReading(const char *fileName) {
 
 int32_t openSlot(const char *fileName, bool readFile) {
   if (fileName == nullptr) return 0;
-  Slot *slot = freeSlot();
+  uint64_t serial;
+  Slot *slot = takeSlot(serial);
   if (slot == nullptr) {
     std::fprintf(stderr, "No more file handles available for %s\n", fileName);
     return 0;
   }
   char *nameCopy = allocationAllowed() ? strmalloc(fileName) : nullptr;
   if (nameCopy == nullptr) {
+    giveBack(*slot);
     std::fprintf(stderr, "Out of memory for ini file %s\n", fileName);
     return 0;
   }
   std::FILE *stream = nullptr;
   if (readFile && (stream = openForReading(fileName)) == nullptr) {
     std::free(nameCopy);
+    giveBack(*slot);
     std::fprintf(stderr, "Error opening ini file %s\n", fileName);
     return 0;
   }
@@ -55,6 +66,7 @@ int32_t openSlot(const char *fileName, bool readFile) {
   if (document == nullptr) {
     std::free(nameCopy);
     if (stream != nullptr) std::fclose(stream);
+    giveBack(*slot);
     std::fprintf(stderr, "Error allocating ini file %s\n", fileName);
     return 0;
   }
@@ -62,9 +74,12 @@ int32_t openSlot(const char *fileName, bool readFile) {
     document->read(stream);
     std::fclose(stream);
   }
+  // The file is read before the slot is locked: nobody else can reach the
+  // new document yet.
+  std::unique_lock<platform::SharedMutex> publish = lockForWriting(*slot);
   slot->document = document;
   slot->fileName = nameCopy;
-  slot->serial = ++iniState().openings;
+  slot->serial = serial;
   return kFirstHandle + int32_t(slot - iniState().slots);
 }
 
@@ -82,7 +97,7 @@ FSKIT_API int32_t fsIniReadFile(const char *fileName) {
 }
 
 FSKIT_API void fsIniReleaseFile(int32_t handle) {
-  if (fskit::ini::Slot *slot = fskit::ini::slotOf(handle)) fskit::ini::releaseSlot(*slot);
+  if (fskit::ini::WriteHeld slot{handle}) fskit::ini::releaseSlot(*slot);
 }
 
 }  // extern "C"

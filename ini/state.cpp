@@ -1,5 +1,7 @@
 #include "ini/state.h"
 
+#include <cstring>
+
 namespace fskit::ini {
 
 namespace {
@@ -8,35 +10,54 @@ constinit IniState state;
 
 IniState &iniState() { return state; }
 
-Slot *slotOf(int32_t handle) {
+Slot *slotAt(int32_t handle) {
   if (handle < kFirstHandle || handle >= kFirstHandle + kSlotCount) return nullptr;
-  Slot &slot = state.slots[handle - kFirstHandle];
-  return slot.document != nullptr ? &slot : nullptr;
+  return &state.slots[handle - kFirstHandle];
 }
 
-const char *paragraphNameOf(uint64_t serial, int32_t index) {
-  for (const Slot &slot : state.slots)
-    if (slot.document != nullptr && slot.serial == serial)
-      return slot.document->paragraphNameAt(index);
-  return nullptr;
+Slot *slotOf(int32_t handle) {
+  Slot *slot = slotAt(handle);
+  return slot != nullptr && slot->document != nullptr ? slot : nullptr;
 }
 
 void releaseSlot(Slot &slot) {
   delete slot.document;
   std::free(slot.fileName);
-  slot = Slot{};
+  slot.document = nullptr;
+  slot.fileName = nullptr;
+  slot.serial = 0;
+  giveBack(slot);
+}
+
+void giveBack(Slot &slot) {
+  std::lock_guard<platform::Mutex> table(state.tableLock);
+  slot.taken = false;
+}
+
+char *copyValueOf(int32_t handle, const char *paragraph, const char *topic) {
+  ReadHeld slot(handle);
+  const char *value = slot ? slot->document->valueOf(paragraph, topic) : nullptr;
+  if (value == nullptr) return nullptr;
+  size_t size = std::strlen(value) + 1;
+  char *copy = static_cast<char *>(std::malloc(size));
+  if (copy != nullptr) std::memcpy(copy, value, size);
+  return copy;
 }
 
 bool allocationAllowed() {
-  if (state.allocationsLeft < 0) return true;
-  if (state.allocationsLeft == 0) return false;
-  --state.allocationsLeft;
+  // Without a limit (always, outside the tests) this is one plain load.
+  long left = state.allocationsLeft.load(std::memory_order_relaxed);
+  while (left >= 0) {
+    if (left == 0) return false;
+    if (state.allocationsLeft.compare_exchange_weak(left, left - 1, std::memory_order_relaxed))
+      return true;
+  }
   return true;
 }
 
 namespace testing {
-void failAllocationsAfter(long count) { state.allocationsLeft = count < 0 ? -1 : count; }
-void setTemporaryOpener(TemporaryOpener open) { state.openTemporary = open; }
+void failAllocationsAfter(long count) { state.allocationsLeft.store(count < 0 ? -1 : count); }
+void setTemporaryOpener(TemporaryOpener open) { state.openTemporary.store(open); }
 }  // namespace testing
 
 }  // namespace fskit::ini

@@ -1,12 +1,23 @@
 // Process-wide state of the INI family: the slot table behind the handles,
 // where fsIniNext stands, and the test seams. Constant-initialised: nothing
 // runs at load time, and the table starts zeroed.
+//
+// Locking: each slot has a reader-writer lock over its document and file
+// name. Lookups hold it shared, so readers of one handle run side by side;
+// setting, writing and releasing hold it exclusive. Which slots are taken is
+// guarded by the table lock, the walk of fsIniNext by the walk lock. Locks are
+// taken in the order walk lock, slot locks, table lock; only the walk, which
+// one thread at a time goes through, may hold two slot locks (both shared).
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
+#include <mutex>
+#include <shared_mutex>
 
 #include "ini/document.h"
+#include "platform/locks.h"
 
 namespace fskit::ini {
 
@@ -14,9 +25,20 @@ inline constexpr int32_t kSlotCount = 10;
 inline constexpr int32_t kFirstHandle = 1000;
 
 struct Slot {
-  FsIniFile *document = nullptr;  // null: the slot is free
+  // Under `lock`:
+  FsIniFile *document = nullptr;  // null: no open document
   char *fileName = nullptr;       // from strmalloc, freed with free
   uint64_t serial = 0;            // which opening put the document here
+  // Under the table lock: set from the moment an opening chooses the slot
+  // until the document there is released, so that two openings never
+  // choose the same slot.
+  bool taken = false;
+  platform::SharedMutex lock;
+  // While writers wait for `lock`, new readers queue at `turnstile` instead
+  // of joining those inside, so that a stream of lookups cannot hold a
+  // writer off for ever.
+  std::atomic<int> writersWaiting{0};
+  platform::Mutex turnstile;
 };
 
 // The walk of fsIniNext. It is not tied to a handle: the current paragraph
@@ -30,6 +52,10 @@ struct Walk {
   int32_t paragraph = -1;  // -1: none
   uint64_t document = 0;   // serial of the document `paragraph` belongs to
   int32_t nextLine = 0;
+  // The first paragraph of the current paragraph's name in that same
+  // document, once looked up (null: not yet). It stays the first of its name
+  // while the document is open: paragraphs are only added at the end.
+  const FsIniParagraph *found = nullptr;
 };
 
 // Makes the stream over a temporary file's descriptor (test seam).
@@ -37,21 +63,77 @@ using TemporaryOpener = std::FILE *(*)(int fd);
 
 struct IniState {
   Slot slots[kSlotCount];
-  Walk walk;
-  uint64_t openings = 0;  // serial of the latest document put in a slot
-  long allocationsLeft = -1;  // allocations that may still succeed; -1: all
-  TemporaryOpener openTemporary = nullptr;  // null: fdopen
+  platform::Mutex tableLock;
+  uint64_t openings = 0;  // under the table lock: serial of the latest opening
+  platform::Mutex walkLock;
+  Walk walk;              // under the walk lock
+  std::atomic<long> allocationsLeft{-1};  // allocations that may still succeed; -1: all
+  std::atomic<TemporaryOpener> openTemporary{nullptr};  // null: fdopen
 };
 
 IniState &iniState();
 
-// The slot of a valid handle, or null.
+// The slot behind `handle`, open or not, or null when the number names no
+// slot. Nothing is locked.
+Slot *slotAt(int32_t handle);
+
+// The slot of a valid handle, or null, without taking its lock: only for a
+// caller that no other thread can disturb. Others use the holders below.
 Slot *slotOf(int32_t handle);
-// The name of paragraph `index` of the open document with serial `serial`;
-// null when that document has been released or the paragraph has no name.
-const char *paragraphNameOf(uint64_t serial, int32_t index);
-// Frees the slot's document and file name; the slot is free again.
+
+inline std::shared_lock<platform::SharedMutex> lockForReading(Slot &slot) {
+  if (slot.writersWaiting.load(std::memory_order_relaxed) != 0) {
+    std::lock_guard<platform::Mutex> queue(slot.turnstile);  // behind the writer that holds it
+  }
+  return std::shared_lock<platform::SharedMutex>(slot.lock);
+}
+
+inline std::unique_lock<platform::SharedMutex> lockForWriting(Slot &slot) {
+  slot.writersWaiting.fetch_add(1, std::memory_order_relaxed);
+  std::unique_lock<platform::SharedMutex> lock;
+  {
+    std::lock_guard<platform::Mutex> queue(slot.turnstile);
+    lock = std::unique_lock<platform::SharedMutex>(slot.lock);
+  }
+  slot.writersWaiting.fetch_sub(1, std::memory_order_relaxed);
+  return lock;
+}
+
+// The open document of a handle, held under the slot's lock for as long as
+// the holder lives; empty for a bad handle.
+template <class Lock, Lock (*take)(Slot &)>
+class Held {
+ public:
+  explicit Held(int32_t handle) {
+    Slot *slot = slotAt(handle);
+    if (slot == nullptr) return;
+    lock_ = take(*slot);
+    if (slot->document != nullptr) slot_ = slot;
+  }
+  explicit operator bool() const { return slot_ != nullptr; }
+  Slot *operator->() const { return slot_; }
+  Slot &operator*() const { return *slot_; }
+
+ private:
+  Lock lock_;
+  Slot *slot_ = nullptr;
+};
+// For looking up: other readers of the handle go on side by side.
+using ReadHeld = Held<std::shared_lock<platform::SharedMutex>, lockForReading>;
+// For changing or releasing the document: nobody else uses the handle.
+using WriteHeld = Held<std::unique_lock<platform::SharedMutex>, lockForWriting>;
+
+// Frees the document and file name of a slot held exclusive; the slot is
+// free again.
 void releaseSlot(Slot &slot);
+// Lets a later opening take a slot that holds no document.
+void giveBack(Slot &slot);
+
+// A malloc'ed copy of the value of `topic` in the first paragraph named
+// `paragraph` of the handle's document (free it with free), or null for a
+// bad handle, a missing value or no memory. Prints nothing. Safe from any
+// thread: the document is held for reading meanwhile.
+char *copyValueOf(int32_t handle, const char *paragraph, const char *topic);
 
 namespace testing {
 // Makes fsIniWriteFile write a replacement through `open` instead of fdopen

@@ -3,6 +3,7 @@
 // lines and paragraphs. Nothing here throws: a failed allocation gives null.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -51,6 +52,11 @@ inline bool put(std::FILE *stream, const char *text) { return platform::putText(
 // reading, walking and setting stay linear in the size of the document. Each
 // candidate is compared with the slot's current name, so a stale entry can
 // only miss; without memory for the table, lookups fall back to the scan.
+//
+// Lookups may run side by side as long as nobody changes the list. The
+// table is then caught up by one of them at a time, the others scanning
+// meanwhile, and is used only once it covers the whole list: a lookup
+// never reads the table while another changes it.
 class NameIndex {
  public:
   using NameAt = const char *(*)(const void *items, int32_t slot);  // null: no name
@@ -77,7 +83,10 @@ class NameIndex {
   Entry *entries_ = nullptr;
   uint32_t capacity_ = 0;  // a power of two, kept at least twice `used_`
   uint32_t used_ = 0;
-  int32_t indexed_ = 0;  // slots below this are in the table
+  // Slots below this are in the table; stored once a catch-up is over, and
+  // the table is read only when this equals the list's length.
+  std::atomic<int32_t> indexed_{0};
+  std::atomic<bool> catchingUp_{false};  // a lookup is changing the table
 };
 
 // Owned items (lines or paragraphs) in the order they were read or added.

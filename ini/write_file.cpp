@@ -32,7 +32,7 @@ bool writeInPlace(const FsIniFile &document, const char *fileName) {
 // its place, for one) is written into the file itself instead.
 bool writeReplacement(const FsIniFile &document, const char *fileName,
                       platform::Replacement &replacement, int fd) {
-  TemporaryOpener open = iniState().openTemporary;
+  TemporaryOpener open = iniState().openTemporary.load();
   std::FILE *stream = open != nullptr ? open(fd) : fdopen(fd, "w");
   if (stream == nullptr) {
     close(fd);
@@ -51,8 +51,8 @@ bool writeReplacement(const FsIniFile &document, const char *fileName,
 
 extern "C" FSKIT_API int32_t fsIniWriteFile(int32_t handle) {
   using namespace fskit::ini;
-  Slot *slot = slotOf(handle);
-  if (slot == nullptr) return 0;
+  WriteHeld slot(handle);
+  if (!slot) return 0;
   fskit::platform::Replacement replacement;
   int fd;
   bool written;

@@ -10,7 +10,8 @@
  * name win. Lines are read in pieces of at most 1022 bytes, so a value read
  * from a file has at most 1020 characters and a name at most 1021.
  * Messages go to standard error. The slot table and the walk state of
- * fsIniNext() are process-wide: one thread at a time. */
+ * fsIniNext() are process-wide.
+ * Threads: any function from any thread at once; each call sees a document whole. */
 #ifndef FSKIT_INI_H
 #define FSKIT_INI_H
 

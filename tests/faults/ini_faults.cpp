@@ -4,8 +4,10 @@
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 
+#include "ini/state.h"
 #include "tests/support/alloc_fault.h"
 #include "tests/support/test_support.h"
 
@@ -141,4 +143,22 @@ TEST(IniFaults, LookupsWithoutMemoryForTheirIndexScan) {
                                          EXPECT_STREQ(value, "1939");
                                        });
   EXPECT_GE(runs, 3);  // the index of the paragraphs, then of the lines
+}
+
+TEST(IniFaults, ACopiedValueIsWholeOrNone) {
+  TempDir dir;
+  const std::string path = dir.file("a.ini");
+  writeFile(path, kText);
+  const int32_t handle = fsIniReadFile(path.c_str());
+  char *copy = nullptr;
+  long runs = forEachAllocationFailure([&] { copy = fskit::ini::copyValueOf(handle, "A", "y"); },
+                                       [&](long, bool refused) {
+                                         EXPECT_EQ(copy == nullptr, refused);
+                                         if (copy != nullptr) {
+                                           EXPECT_STREQ(copy, "2");
+                                         }
+                                         std::free(copy);
+                                       });
+  EXPECT_EQ(runs, 2);
+  fsIniReleaseFile(handle);
 }

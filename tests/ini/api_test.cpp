@@ -7,6 +7,7 @@
 #endif
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -141,6 +142,33 @@ TEST(IniApi, WalkQuirks) {
   EXPECT_EQ(fsIniNext(0, handle, p, t, v), 1);
   EXPECT_STREQ(t, "a1");
   fsIniReleaseFile(handle);
+}
+
+TEST(IniApi, CopyValueOfGivesTheFirstMatchSilently) {
+  int32_t handle = fsIniNewFile("c.ini");
+  ASSERT_NE(handle, 0);
+  fsIniSetValue(handle, "A", "x", "first", "");
+  fsIniSetValue(handle, "A", "y", std::string(2000, 'l').c_str(), "");  // longer than any line
+  fsIniSetValue(handle, "A", "empty", "", "a comment only");
+  auto copied = [&](int32_t h, const char *paragraph, const char *topic) {
+    char *copy = fskit::ini::copyValueOf(h, paragraph, topic);
+    std::string text = copy != nullptr ? copy : "<null>";
+    std::free(copy);
+    return text;
+  };
+  EXPECT_EQ(captureStderr([&] {
+              EXPECT_EQ(copied(handle, "A", "x"), "first");
+              EXPECT_EQ(copied(handle, "A", "y"), std::string(2000, 'l'));
+              EXPECT_EQ(copied(handle, "A", "empty"), "<null>");
+              EXPECT_EQ(copied(handle, "A", "z"), "<null>");
+              EXPECT_EQ(copied(handle, "B", "x"), "<null>");
+              EXPECT_EQ(copied(handle, "A", nullptr), "<null>");
+              EXPECT_EQ(copied(handle + 1, "A", "x"), "<null>");
+              EXPECT_EQ(copied(0, "A", "x"), "<null>");
+            }),
+            "");
+  fsIniReleaseFile(handle);
+  EXPECT_EQ(copied(handle, "A", "x"), "<null>");
 }
 
 TEST(IniApi, WriteTargetsThatCannotBeOpenedKeepTheirHandles) {

@@ -62,6 +62,25 @@ TEST(IniRegression, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
   }
 }
 
+TEST(IniRegression, WalkOnAHandleOpenedAgainGoesOnWithTheNextParagraph) {
+  // The walk keeps the paragraph it found for its current name; a document
+  // read again into the same slot is another document, whose paragraph must
+  // be looked up anew (here: the old one has no name any more).
+  TempDir dir;
+  writeFile(dir.file("a.ini"), "[X]\na=1\nb=2\n[Y]\nq=5\n");
+  int32_t a = fsIniReadFile(dir.file("a.ini").c_str());
+  ASSERT_NE(a, 0);
+  char paragraph[64], topic[64], value[64];
+  ASSERT_EQ(fsIniNext(1, a, paragraph, topic, value), 1);
+  fsIniReleaseFile(a);
+  ASSERT_EQ(fsIniReadFile(dir.file("a.ini").c_str()), a);
+  std::string delivered;
+  while (fsIniNext(0, a, paragraph, topic, value) == 1)
+    delivered += std::string(paragraph) + "|" + topic + "|" + value + ";";
+  EXPECT_EQ(delivered, "Y|q|5;");
+  fsIniReleaseFile(a);
+}
+
 TEST(IniRegression, ADirectoryIsAFileThatCannotBeOpened) {
   TempDir dir;
   std::string name = dir.file("settings");

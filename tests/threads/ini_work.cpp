@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+// Stress workloads of the INI family: one document read by every worker at
+// once (its name indexes still to be built when the threads start), one
+// document per worker set, written and read back, and a walk beside readers.
+// Then readers starting at once on long lists not yet indexed, and a writer
+// changing values of a handle that readers and walkers use.
+#include <fskit/ini.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <semaphore>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ini/state.h"
+#include "tests/support/test_support.h"
+#include "tests/threads/stress.h"
+
+namespace {
+
+// More paragraphs and topics than a plain scan serves, so that lookups go
+// through the hash index, and so many paragraphs that catching their index
+// up takes long enough for other readers to arrive meanwhile.
+constexpr int kParagraphs = 300;
+constexpr int kTopics = 24;
+
+std::string expectedValue(const std::string &paragraph, const std::string &topic) {
+  return paragraph + "." + topic;
+}
+
+// Every paragraph "S<p>" has topics "k<t>" = "S<p>.k<t>", then a second
+// "k0" that a lookup never finds; a second "S3" comes last, never found
+// either.
+std::string sharedText() {
+  std::string text;
+  for (int p = 0; p < kParagraphs; ++p) {
+    std::string name = "S" + std::to_string(p);
+    text += "[" + name + "]\n";
+    for (int t = 0; t < kTopics; ++t)
+      text += "k" + std::to_string(t) + " = " + expectedValue(name, "k" + std::to_string(t)) + "\n";
+    text += "k0 = second\n";
+  }
+  text += "[S3]\nk1 = second\n";
+  return text;
+}
+
+std::string sharedPath() { return fskit::stress::scratchDir() + "/shared.ini"; }
+
+int32_t openRetrying(const std::string &path, bool read) {
+  for (;;) {
+    int32_t handle = read ? fsIniReadFile(path.c_str()) : fsIniNewFile(path.c_str());
+    if (handle != 0) return handle;
+    std::this_thread::yield();  // all slots in use for now
+  }
+}
+
+std::atomic<int32_t> shared{0};
+std::thread::id setUpThread;
+std::once_flag rereadOnce;
+
+void setUpShared() {
+  fskit::test::writeFile(sharedPath(), sharedText());
+  shared = openRetrying(sharedPath(), true);
+  setUpThread = std::this_thread::get_id();
+}
+
+// The shared handle. The one-thread pass has built its name indexes, so the
+// first call from a worker thread reads the document again, the others
+// waiting: the threads then start on indexes that are all behind.
+int32_t sharedHandle() {
+  if (std::this_thread::get_id() != setUpThread)
+    std::call_once(rereadOnce, [] {
+      fsIniReleaseFile(shared);
+      shared = openRetrying(sharedPath(), true);
+    });
+  return shared;
+}
+
+// "value;" for each of a spread of lookups, through both ways of asking; a
+// topic past the last ("k24") has no value and gives "-".
+std::string sharedReads(int worker, int round) {
+  int32_t handle = sharedHandle();
+  std::string out;
+  char value[64];
+  for (int i = 0; i < 40; ++i) {
+    std::string paragraph = "S" + std::to_string((worker * 7 + round * 3 + i) % kParagraphs);
+    std::string topic = "k" + std::to_string((worker + round * 5 + i * 11) % (kTopics + 1));
+    char *copy = fskit::ini::copyValueOf(handle, paragraph.c_str(), topic.c_str());
+    out += copy != nullptr ? copy : "-";
+    if (copy != nullptr &&
+        fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, nullptr) == 1 &&
+        copy != std::string(value))
+      out += "(differs)";
+    std::free(copy);
+    out += ";";
+  }
+  return out;
+}
+
+// Worker 0 walks the whole shared document, the only walk in the process
+// while the others look values up.
+std::string walkBesideReaders(int worker, int round) {
+  if (worker != 0) return sharedReads(worker, round);
+  int32_t handle = sharedHandle();
+  std::string out;
+  char paragraph[64], topic[64], value[64];
+  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
+    out += std::string(paragraph) + "|" + topic + "|" + value + ";";
+  return out;
+}
+
+// Each worker sets a document of its own, writes it, reads it back and
+// reports a spread of its values. At most six such documents are open at
+// once, so that with the shared one and another family's the slots suffice.
+std::counting_semaphore<6> ownSlots{6};
+
+std::string ownDocument(int worker, int round) {
+  std::string path = fskit::stress::scratchDir() + "/own" + std::to_string(worker) + ".ini";
+  std::string tag = std::to_string(worker) + "/" + std::to_string(round);
+  auto name = [](char kind, int n) { return kind + std::to_string(n); };
+  ownSlots.acquire();
+  int32_t handle = openRetrying(path, false);
+  for (int p = 0; p < 18; ++p)
+    for (int t = 0; t < 18; ++t)
+      fsIniSetValue(handle, name('P', p).c_str(), name('t', t).c_str(),
+                    (tag + ":" + std::to_string(p * t)).c_str(), t == 0 ? "first" : "");
+  char value[64];
+  std::string out = fsIniGetValue(handle, "P17", "t17", value, nullptr) == 1 ? value : "-";
+  out += fsIniWriteFile(handle) == 1 ? " written;" : " not written;";
+  handle = openRetrying(path, true);
+  for (int i = 0; i < 18; ++i) {
+    int p = (i * 5 + round) % 18, t = (i * 7 + worker) % 18;
+    if (fsIniGetValue(handle, name('P', p).c_str(), name('t', t).c_str(), value, nullptr) == 1)
+      out += value;
+    out += ";";
+  }
+  fsIniReleaseFile(handle);
+  ownSlots.release();
+  return out;
+}
+
+const fskit::stress::Registration sharedWork{{"ini shared reads", 150, sharedReads, setUpShared}};
+const fskit::stress::Registration walkWork{{"ini walk beside readers", 10, walkBesideReaders}};
+const fskit::stress::Registration ownWork{{"ini own documents", 30, ownDocument}};
+
+// Readers that all start at once on a document just read, with long lists
+// of paragraphs and lines: they all find the indexes behind, and all must
+// get the first matches.
+TEST(IniThreads, ReadersAtOnceOnIndexesBehind) {
+  constexpr int kLong = 3000;
+  std::string text;
+  for (int i = 0; i < kLong; ++i)
+    text += "[P" + std::to_string(i) + "]\nt = " + std::to_string(i) + "\n";
+  text += "[Last]\n";
+  for (int i = 0; i < kLong; ++i)
+    text += "k" + std::to_string(i) + " = " + std::to_string(i) + "\n";
+  text += "k0 = second\n[P0]\nt = second\n";
+  const std::string path = fskit::stress::scratchDir() + "/behind.ini";
+  fskit::test::writeFile(path, text);
+  int32_t handle = openRetrying(path, true);
+
+  std::atomic<bool> go{false};
+  std::atomic<long> bad{0};
+  auto reader = [&](int seed) {
+    while (!go) std::this_thread::yield();
+    char value[64];
+    for (int i = 0; i < 200; ++i) {
+      int n = (seed * 13 + i * 101) % kLong;
+      std::string topic = "k" + std::to_string(n), paragraph = "P" + std::to_string(n);
+      if (fsIniGetValue(handle, "Last", topic.c_str(), value, nullptr) != 1 ||
+          value != std::to_string(n))
+        ++bad;
+      if (fsIniGetValue(handle, paragraph.c_str(), "t", value, nullptr) != 1 ||
+          value != std::to_string(n))
+        ++bad;
+    }
+  };
+  std::vector<std::thread> readers;
+  for (int seed = 0; seed < 4; ++seed) readers.emplace_back(reader, seed);
+  go = true;
+  for (std::thread &t : readers) t.join();
+  fsIniReleaseFile(handle);
+  EXPECT_EQ(bad.load(), 0);
+}
+
+// A writer sets one topic of a shared handle to values of very different
+// lengths, each all one letter, and keeps adding topics and paragraphs;
+// readers and walkers check that every value they get is whole: one of
+// those written, or the expected value of a topic that never changes.
+TEST(IniThreads, ReadersNeverSeeATornValue) {
+  const std::vector<std::string> written = {std::string(1000, 'a'), "b", std::string(300, 'c'),
+                                            std::string(17, 'd'), std::string(700, 'e')};
+  auto isWritten = [&](const std::string &value) {
+    for (const std::string &one : written)
+      if (value == one) return true;
+    return false;
+  };
+  int32_t handle = openRetrying(fskit::stress::scratchDir() + "/torn.ini", false);
+  for (int p = 0; p < 20; ++p)
+    for (int t = 0; t < 20; ++t) {
+      std::string paragraph = "Q" + std::to_string(p), topic = "f" + std::to_string(t);
+      fsIniSetValue(handle, paragraph.c_str(), topic.c_str(),
+                    expectedValue(paragraph, topic).c_str(), "");
+    }
+  fsIniSetValue(handle, "Q0", "v", written[0].c_str(), "");
+
+  std::atomic<bool> writing{true};
+  std::atomic<int> started{0};
+  std::atomic<long> bad{0}, reads{0}, walked{0};
+  std::thread writer([&] {
+    while (started < 5) std::this_thread::yield();  // the three readers and the walkers
+    for (int i = 0; i < 3000 || reads < 20000; ++i) {
+      fsIniSetValue(handle, "Q0", "v", written[size_t(i) % written.size()].c_str(), "");
+      if (i % 10 == 0 &&
+          i < 3000) {  // a topic that grows the lines of Q0, a paragraph that grows the list
+        std::string topic = "n" + std::to_string(i), paragraph = "R" + std::to_string(i);
+        fsIniSetValue(handle, "Q0", topic.c_str(), expectedValue("Q0", topic).c_str(), "");
+        fsIniSetValue(handle, paragraph.c_str(), "f0", expectedValue(paragraph, "f0").c_str(), "");
+      }
+    }
+    writing = false;
+  });
+  auto reader = [&](int seed) {
+    char value[1100];
+    ++started;
+    for (int i = seed; writing; ++i) {
+      std::string paragraph = "Q" + std::to_string(i % 20), topic = "f" + std::to_string(i % 19);
+      if (fsIniGetValue(handle, "Q0", "v", value, nullptr) != 1 || !isWritten(value)) ++bad;
+      char *copy = fskit::ini::copyValueOf(handle, "Q0", "v");
+      if (copy == nullptr || !isWritten(copy)) ++bad;
+      std::free(copy);
+      if (fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, nullptr) != 1 ||
+          value != expectedValue(paragraph, topic))
+        ++bad;
+      ++reads;
+    }
+  };
+  // Two walkers share the one walk: neither sees all values, but every one
+  // delivered must be whole.
+  auto walker = [&] {
+    char paragraph[64], topic[64], value[1100];
+    ++started;
+    while (writing)
+      for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0) {
+        ++walked;
+        if (std::string(topic) == "v" ? !isWritten(value)
+                                      : value != expectedValue(paragraph, topic))
+          ++bad;
+      }
+  };
+  std::vector<std::thread> readers;
+  for (int seed = 0; seed < 3; ++seed) readers.emplace_back(reader, seed * 7);
+  readers.emplace_back(walker);
+  readers.emplace_back(walker);
+  writer.join();
+  for (std::thread &t : readers) t.join();
+  fsIniReleaseFile(handle);
+  EXPECT_EQ(bad.load(), 0);
+  EXPECT_GT(reads.load(), 0);
+  EXPECT_GT(walked.load(), 0);
+}
+
+}  // namespace
