@@ -5,8 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <mutex>
-#include <shared_mutex>
+#include <atomic>
 
 #include <fskit/chemistry.h>
 
@@ -42,26 +41,44 @@ class LabelIndex {
   Slot slots_[kSlots] = {};
 };
 
-// The table is read under `lock` held shared for a whole call, and loaded or
-// released under it held exclusively, so that a call sees one table whole.
-struct ElementTable {
-  platform::SharedMutex lock;
+// An element table as readers see it. A table is never changed once
+// published, and never freed while the library is loaded: a call on another
+// thread may still be reading it after a newer one has taken its place. So
+// readers take no lock; loading the same contents again reuses the table
+// kept for them, so that reloads do not add up.
+struct TableSnapshot {
   bool present = false;
   FsElementRecord *records = nullptr;  // kCapacity records, malloc'ed
   int32_t count = 0;                   // -1 when the file filled the block
   int32_t filled = 0;                  // records read, also when count is -1
-  char *configuredName = nullptr;      // the INI file's choice; malloc'ed
-  char *recordedName = nullptr;        // lower-cased, from fsLoadElemTable; malloc'ed
   LabelIndex index;
+  TableSnapshot *older = nullptr;      // the list of every table kept
+};
+
+// The table readers see; null: no table present. Readers only load it.
+inline constinit std::atomic<const TableSnapshot *> currentTable{nullptr};
+
+// The loaders' state. Loads and releases hold `loading`.
+struct ElementTable {
+  platform::Mutex loading;
+  TableSnapshot *kept = nullptr;   // every table made, newest first
+  char *configuredName = nullptr;  // the INI file's choice; malloc'ed
+  char *recordedName = nullptr;    // lower-cased, from fsLoadElemTable; malloc'ed
 };
 
 ElementTable &elementTable();
 
-// Frees the records; no table is present afterwards. Exclusive lock held.
+// No table is present afterwards. `loading` held.
 void releaseTable();
 
-// What loading a table has to report. Reports are made once the table's
-// lock is released, so that a message function may use the table.
+// Makes the `filled` records read into `records` (from allocateRecords) the
+// present table, or the kept table with the same contents (then `records`
+// is freed). False without memory: `records` freed, no table present.
+// `loading` held.
+bool installTable(FsElementRecord *records, int32_t count, int32_t filled);
+
+// What loading a table has to report. Reports are made once `loading` is
+// let go, so that a message function may load a table itself.
 struct LoadReport {
   int32_t result = 1;               // fsInitElemTable's result
   const char *routine = nullptr;    // null: nothing to report
@@ -71,27 +88,24 @@ struct LoadReport {
   void send() const;
 };
 
-// fsInitElemTable with the exclusive lock held.
+// fsInitElemTable with `loading` held.
 LoadReport initTable(int32_t iniHandle, int32_t load);
 
-// Read access to the element table for one call: the lock is taken at the
-// first use and held until the call ends (or release()), so that the whole
-// call sees one table, never one being loaded or freed.
+// The table one call reads: the first use picks the table present then, and
+// the call keeps it to its end, whatever other threads load meanwhile.
 class TableReader {
  public:
-  TableReader() = default;
-  TableReader(const TableReader &) = delete;
-  TableReader &operator=(const TableReader &) = delete;
   // The table; loads one first (fsInitElemTable(1000, 1)) when none is
-  // present and `loadIfMissing`.
-  const ElementTable &table(bool loadIfMissing = false);
-  // Lets the lock go, before a message is sent.
-  void release() {
-    if (lock_.owns_lock()) lock_.unlock();
+  // present and `loadIfMissing`. Without a table: one whose `present` is
+  // false.
+  const TableSnapshot &table(bool loadIfMissing = false) {
+    if (table_ == nullptr) table_ = currentTable.load(std::memory_order_acquire);
+    return table_ != nullptr ? *table_ : missing(loadIfMissing);
   }
 
  private:
-  std::shared_lock<platform::SharedMutex> lock_;
+  const TableSnapshot &missing(bool loadIfMissing);
+  const TableSnapshot *table_ = nullptr;
 };
 
 // Reads an element file into `records` (room for kCapacity). The number of

@@ -3,7 +3,6 @@
 #include <cstring>
 #include <memory>
 #include <mutex>
-#include <shared_mutex>
 
 #include <fskit/frame.h>
 #include <fskit/ini.h>
@@ -38,13 +37,11 @@ LoadReport cannotOpen(const char *routine, const char *name) {
   return {0, routine, 0, "Failed to open element file %s", name};
 }
 
-// Makes the records read from `file` the present table.
-void install(FsElementRecord *records, std::FILE *file) {
-  ElementTable &table = elementTable();
-  table.records = records;
-  table.count = readElementFile(file, records, table.filled);
-  table.present = true;
-  if (table.count > 0) table.index.build(records, table.count);
+// Makes the records read from `file` the present table; false without memory.
+bool install(FsElementRecord *records, std::FILE *file) {
+  int32_t filled = 0;
+  int32_t count = readElementFile(file, records, filled);
+  return installTable(records, count, filled);
 }
 
 void forgetRecordedName() {
@@ -76,7 +73,7 @@ char *configuredName(int32_t iniHandle) {
   return name;
 }
 
-bool holdsRecords(const ElementTable &table) { return table.present && table.count != 0; }
+bool holdsRecords(const TableSnapshot &table) { return table.present && table.count != 0; }
 
 }  // namespace
 
@@ -85,30 +82,35 @@ void LoadReport::send() const {
 }
 
 LoadReport initTable(int32_t iniHandle, int32_t load) {
+  // Other threads see the old table until the new one is in place (or none,
+  // once this load has failed).
   ElementTable &table = elementTable();
-  releaseTable();
   // The name fsLoadElemTable recorded no longer describes the table.
   forgetRecordedName();
   std::free(table.configuredName);
   table.configuredName = configuredName(iniHandle);
-  if (load == 0) return {};
-
+  if (load == 0) {
+    releaseTable();
+    return {};
+  }
   File file;
   if (table.configuredName != nullptr) file = openForReading(table.configuredName);
   for (const char *name : kDefaultFiles)
     if (!file) file = openForReading(name);
-  if (!file) return cannotOpen("fsInitElemTable", kDefaultFiles[0]);
+  if (!file) {
+    releaseTable();
+    return cannotOpen("fsInitElemTable", kDefaultFiles[0]);
+  }
   FsElementRecord *records = allocateRecords();
-  if (records == nullptr) return noMemory("fsInitElemTable");
-  install(records, file.get());
+  if (records == nullptr) releaseTable();
+  if (records == nullptr || !install(records, file.get())) return noMemory("fsInitElemTable");
   return {};
 }
 
 int32_t findLabel(TableReader &reader, const char *name) {
-  const ElementTable &table = reader.table(true);
+  const TableSnapshot &table = reader.table(true);
   if (!table.present) return -1;  // the load failed and has said why
   if (table.count < 1) {
-    reader.release();
     fsMessage("findElemInTbl", 1, 0, "No element table present");
     return -1;
   }
@@ -124,7 +126,7 @@ extern "C" {
 FSKIT_API int32_t fsInitElemTable(int32_t iniHandle, int32_t load) {
   LoadReport report;
   {
-    std::unique_lock<fskit::platform::SharedMutex> exclusive(elementTable().lock);
+    std::lock_guard<fskit::platform::Mutex> hold(elementTable().loading);
     report = initTable(iniHandle, load);
   }
   report.send();
@@ -136,18 +138,22 @@ FSKIT_API int32_t fsLoadElemTable(const char *path) {
   LoadReport report;
   {
     ElementTable &table = elementTable();
-    std::unique_lock<fskit::platform::SharedMutex> exclusive(table.lock);
-    if (table.present && isRecordedName(path)) return 1;
-    releaseTable();
+    std::lock_guard<fskit::platform::Mutex> hold(table.loading);
+    if (currentTable.load() != nullptr && isRecordedName(path)) return 1;
+    // Other threads see the old table until the new one is in place (or
+    // none, once this load has failed).
     FsElementRecord *records = allocateRecords();
     File file = records != nullptr ? openForReading(path) : File();
     if (records == nullptr) {
+      releaseTable();
       report = noMemory("fsLoadElemTable");
     } else if (!file) {
       std::free(records);
+      releaseTable();
       report = cannotOpen("fsLoadElemTable", path);
+    } else if (!install(records, file.get())) {
+      report = noMemory("fsLoadElemTable");
     } else {
-      install(records, file.get());
       forgetRecordedName();
       table.recordedName = strmalloc(path);
       if (table.recordedName != nullptr) strlower(table.recordedName);
@@ -164,9 +170,8 @@ FSKIT_API int32_t fsFindElemInTbl(const char *name) {
 
 FSKIT_API int32_t fsFindElement(const char *name, FsElementRecord *record) {
   TableReader reader;
-  const ElementTable &table = reader.table();
+  const TableSnapshot &table = reader.table();
   if (!holdsRecords(table)) {
-    reader.release();
     fsMessage("fsFindElement", 1, 0, "No element table present");
     return -1;
   }
@@ -177,14 +182,12 @@ FSKIT_API int32_t fsFindElement(const char *name, FsElementRecord *record) {
 
 FSKIT_API int32_t fsGetElementInfo(int32_t index, FsElementRecord *record) {
   TableReader reader;
-  const ElementTable &table = reader.table();
+  const TableSnapshot &table = reader.table();
   if (!holdsRecords(table)) {
-    reader.release();
     fsMessage("fsGetElementInfo", 1, 0, "No element table present");
     return 0;
   }
   if (index < 0 || index >= table.count) {
-    reader.release();
     fsMessage("fsGetElementInfo", 1, 0, "Index %d does not exist in element table", index);
     return 0;
   }
@@ -196,7 +199,7 @@ FSKIT_API int32_t fsGetElementInfo(int32_t index, FsElementRecord *record) {
 FSKIT_API int32_t fsGetElemSymbol(int32_t index, char *symbol) {
   if (symbol == nullptr) return 0;
   TableReader reader;
-  const ElementTable &table = reader.table();
+  const TableSnapshot &table = reader.table();
   // A table that the file filled has count -1, but its records are there.
   if (!table.present || index < 0 || index >= table.filled) {
     symbol[0] = '\0';

@@ -26,7 +26,6 @@ extern "C" FSKIT_API int32_t fsTblParseMFRange(const char *formula, int32_t sepa
     if (symbols != nullptr) std::memcpy(symbols[count], token.symbol, sizeof token.symbol);
     int32_t record = findLabel(reader, token.symbol);
     if (record < 0) {
-      reader.release();
       fsMessage("fsTblParseMFRange", 1, 0, "<%s> is an invalid symbol", token.symbol);
       return refusedAt(position);
     }
@@ -37,7 +36,6 @@ extern "C" FSKIT_API int32_t fsTblParseMFRange(const char *formula, int32_t sepa
     if (isotopeShifts != nullptr) isotopeShifts[count] = element.isotopeShift;
     if (flags != nullptr) flags[count] = (token.exclamation ? 2 : 0) + (token.star ? 1 : 0);
     if (++count >= limit) {
-      reader.release();
       fsMessage("fsTblParseMFRange", 1, 0, "Exceeding number of tokens expected");
       return 0;
     }
