@@ -11,12 +11,14 @@
  * table loads one through INI handle 1000 (paragraph "Formula Files", topic
  * "elementFile"), else from "kw_elements.tbl", "kw_ele.tbl" or
  * "QUOR_SYSTEM:KW_ELEMENTS.TBL" in the current directory. Problems are
- * reported through fsMessage(), once the table's lock is let go (a message
- * function may use the table).
+ * reported through fsMessage() once the reporting load is over (a message
+ * function may load a table itself).
  * Threads: every function may be called from any number of threads at once.
  * A call sees one table whole: a formula parsed while another thread loads a
  * table uses the old table or the new one, never a mix; the first load
- * happens once, whichever thread asks first.
+ * happens once, whichever thread asks first. So that no call loses the table
+ * it reads, a table once loaded stays in memory until the library is
+ * unloaded; loading the same contents again reuses it.
  *
  * Reading never writes past its records: lines are read in pieces of at most
  * 131 characters (a longer line counts as several), fields are cut to 19
