@@ -104,6 +104,11 @@ int commitReplacement(Replacement &replacement);
 // Removes the temporary file; the target stays as it was.
 void abandonReplacement(Replacement &replacement);
 
+// Makes a new directory inside `parent` that no one else uses (mode 0700
+// where the system has modes) and returns its malloc'ed path, or null with
+// errno set.
+char *makePrivateDirectory(const char *parent);
+
 // Directory services. Every path and pattern given to them may use `\` as
 // well as `/` to separate directories: on Windows both are the system's own,
 // and the paths go to it as they are.

@@ -3,7 +3,9 @@
 // into chunks, each sorted and written to a work file, and the work files are
 // merged, at most kMergeWidth at a time.
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,6 +17,7 @@
 #include <fskit/sort.h>
 
 #include "platform/platform.h"
+#include "sort/file_sort_internal.h"
 #include "sort/sorting.h"
 
 namespace fskit::sort {
@@ -26,13 +29,29 @@ constexpr long kAhead = 8;
 
 using Name = std::unique_ptr<char, decltype(&std::free)>;
 
+// The reason is kept as far as it fits.
+void keepReason(FileSortResult &result, const char *text) {
+  size_t length = strnlen(text, sizeof result.reason - 1);
+  std::memcpy(result.reason, text, length);
+  result.reason[length] = '\0';
+}
+
+void toStandardOutput(void *, const char *line, bool) {
+  std::fputs(line, stdout);
+  std::fputc('\n', stdout);
+}
+
 class FileSort {
  public:
-  FileSort(const char *input, const char *output, bool keepDuplicates, bool withCounts)
-      : input_(input != nullptr ? input : ""),
+  FileSort(const FileSortRequest &request, const char *output, FileSortResult &result)
+      : input_(request.input != nullptr ? request.input : ""),
         output_(output != nullptr ? output : ""),
-        collapse_(!keepDuplicates),
-        counted_(!keepDuplicates && withCounts) {}
+        shownOutput_(request.output != nullptr ? request.output : ""),
+        collapse_(!request.keepDuplicates),
+        counted_(!request.keepDuplicates && request.withCounts),
+        progress_(request.progress != nullptr ? request.progress : toStandardOutput),
+        progressContext_(request.progressContext),
+        result_(result) {}
   ~FileSort() {
     if (in_ != nullptr) std::fclose(in_);
     std::free(buffer_);
@@ -60,9 +79,9 @@ class FileSort {
     in_ = S_ISDIR(status.st_mode) ? nullptr : std::fopen(input_, "r");
     if (in_ == nullptr) return cannotOpenInput();
     inMemory_ = size_ == fileSize;
-    std::printf(inMemory_ ? "Sorting file %s with %ld bytes, in memory %ld\n"
-                          : "Sorting file %s with %ld bytes, %ld bytes at a time\n",
-                input_, fileSize, size_);
+    say(inMemory_ ? "Sorting file %s with %ld bytes, in memory %ld"
+                  : "Sorting file %s with %ld bytes, %ld bytes at a time",
+        input_, fileSize, size_);
 
     switch (sortChunks()) {
       case ChunkEnd::Failed: return failed();
@@ -81,17 +100,56 @@ class FileSort {
  private:
   enum class ChunkEnd { Input, Stopped, Failed };
 
+  // A progress line, or (complain) the reason why the sort is not complete.
+  __attribute__((format(printf, 2, 3))) void say(const char *format, ...) {
+    va_list args;
+    va_start(args, format);
+    sayList(false, format, args);
+    va_end(args);
+  }
+  __attribute__((format(printf, 2, 3))) void complain(const char *format, ...) {
+    va_list args;
+    va_start(args, format);
+    sayList(true, format, args);
+    va_end(args);
+  }
+  void sayList(bool isReason, const char *format, va_list args) {
+    char line[1024];
+    va_list copy;
+    va_copy(copy, args);
+    int length = std::vsnprintf(line, sizeof line, format, args);
+    if (length >= 0 && size_t(length) >= sizeof line) {
+      // A long file name: the line is made whole on the heap.
+      std::unique_ptr<char[]> whole(new (std::nothrow) char[size_t(length) + 1]);
+      if (whole != nullptr) {
+        std::vsnprintf(whole.get(), size_t(length) + 1, format, copy);
+        va_end(copy);
+        deliver(isReason, whole.get());
+        return;
+      }
+    }
+    va_end(copy);
+    deliver(isReason, length >= 0 ? line : "");
+  }
+  void deliver(bool isReason, const char *line) {
+    if (isReason) {
+      complained_ = true;
+      keepReason(result_, line);
+    }
+    progress_(progressContext_, line, isReason);
+  }
+
   long cannotOpenInput() {
-    std::printf("Cannot open input file %s\n", input_);
+    complain("Cannot open input file %s", input_);
     return 0;
   }
   long noBuffer() {
-    std::printf("Cannot create sort buffer\n");
+    complain("Cannot create sort buffer");
     return 0;
   }
   // Another sort in progress has the same prefix: nothing of it is touched.
   long inUse() {
-    std::printf("Work files %ssort_*.tmp are in use by another sort\n", files_.prefix());
+    complain("Work files %ssort_*.tmp are in use by another sort", files_.prefix());
     return 0;
   }
   long failed() {
@@ -99,8 +157,12 @@ class FileSort {
     return 0;
   }
   long finished(long count) {
-    std::printf("%ld records written\n", count);
+    say("%ld records written", count);
     files_.finish();
+    if (stoppedEarly_)
+      result_.outcome = FileSortOutcome::kIncomplete;
+    else if (!complained_)
+      result_.outcome = FileSortOutcome::kComplete;
     return count;
   }
 
@@ -115,19 +177,26 @@ class FileSort {
       const long start = std::ftell(in_);
       size_t got = std::fread(buffer_, 1, size_t(size_), in_);
       if (std::ferror(in_)) {
-        std::printf("Error reading input file\n");
+        complain("Error reading input file");
         return ChunkEnd::Failed;
       }
       if (got == 0) break;
       size_t bytes = got;
       while (bytes > 0 && buffer_[bytes - 1] != '\n') --bytes;
       // No line end at all: a line longer than the buffer ends the sort.
-      if (bytes == 0) break;
+      if (bytes == 0) {
+        stoppedEarly_ = true;
+        std::snprintf(result_.reason, sizeof result_.reason,
+                      "a line longer than the sort buffer (%ld bytes) at byte %ld of %s: "
+                      "the lines from there on are not sorted",
+                      size_, start, input_);
+        break;
+      }
       // A Windows text stream over a file with LF-only line ends can seek
       // back to where the chunk began; the sort would then never end.
       if (bytes < got &&
           (std::fseek(in_, -long(got - bytes), SEEK_CUR) != 0 || std::ftell(in_) <= start)) {
-        std::printf("Error seeking in input file\n");
+        complain("Error seeking in input file");
         return ChunkEnd::Stopped;
       }
       long records = 0;
@@ -137,10 +206,10 @@ class FileSort {
       std::free(index_);
       index_ = static_cast<int32_t *>(std::malloc(size_t(records + 1) * sizeof(int32_t)));
       if (index_ == nullptr) {
-        std::printf("Cannot allocate index for %ld records\n", records);
+        complain("Cannot allocate index for %ld records", records);
         return ChunkEnd::Failed;
       }
-      std::printf("Indexing %ld records of %ld bytes ...\n", records, long(bytes));
+      say("Indexing %ld records of %ld bytes ...", records, long(bytes));
       index_[0] = 0;
       long line = 0;
       for (char *p = buffer_, *end = buffer_ + bytes;
@@ -148,7 +217,7 @@ class FileSort {
         *p++ = '\0';
         index_[++line] = int32_t(p - buffer_);
       }
-      std::printf("Sorting %ld records ...\n", records);
+      say("Sorting %ld records ...", records);
       fsSortIndex(FS_SORT_STRING, 0, 1, int(records), buffer_, index_);
       ChunkEnd end = writeChunk(records);
       if (end != ChunkEnd::Input) return end;
@@ -164,16 +233,16 @@ class FileSort {
       name = workName.get();
       files_.useNames(workFileCount_ + 1);
     }
-    std::printf("Writing output file %s ...\n", name);
+    say("Writing output file %s ...", inMemory_ ? shownOutput_ : name);
     std::FILE *file = files_.open(name, "w+");
     if (file == nullptr) {
-      std::printf("Cannot open file %s\n", name);
+      complain("Cannot open file %s", inMemory_ ? shownOutput_ : name);
       return ChunkEnd::Stopped;
     }
     long lines = writeLines(file, records);
     bool closed = files_.close(file);
     if (lines < 0 || !closed) {
-      std::printf("Error writing output file\n");
+      complain("Error writing output file");
       return ChunkEnd::Failed;
     }
     written_ += lines;
@@ -230,12 +299,12 @@ class FileSort {
     long next = workFileCount_;
     // Too many work files for one merge: merge the oldest into a new one.
     while (pending.size() > size_t(kMergeWidth)) {
-      std::printf("Merging %d work files ...\n", kMergeWidth);
+      say("Merging %d work files ...", kMergeWidth);
       Name name = nameOf(next);
       files_.useNames(next + 1);
       std::FILE *file = files_.open(name.get(), "w");
       if (file == nullptr) {
-        std::printf("Cannot open file %s\n", name.get());
+        complain("Cannot open file %s", name.get());
         return finished(0);
       }
       long result = merge(pending.data(), kMergeWidth, file);
@@ -244,10 +313,10 @@ class FileSort {
       pending.erase(pending.begin(), pending.begin() + kMergeWidth);
       pending.push_back(next++);
     }
-    std::printf("Merging %d work files ...\n", int(pending.size()));
+    say("Merging %d work files ...", int(pending.size()));
     std::FILE *out = files_.open(output_, "w");
     if (out == nullptr) {
-      std::printf("Cannot open output file %s\n", output_);
+      complain("Cannot open output file %s", shownOutput_);
       return finished(0);
     }
     long lines = merge(pending.data(), int(pending.size()), out);
@@ -261,18 +330,19 @@ class FileSort {
     long lines = mergeWorkFiles(files_, numbers, count, file, collapse_, &unreadable);
     bool closed = files_.close(file);
     if (lines == -2) {
-      std::printf("Error reading work file %s\n", nameOf(unreadable).get());
+      complain("Error reading work file %s", nameOf(unreadable).get());
       return -1;
     }
     if (lines < 0 || !closed) {
-      std::printf("Error writing output file\n");
+      complain("Error writing output file");
       return -1;
     }
     return lines;
   }
 
   const char *input_;
-  const char *output_;
+  const char *output_;       // where the output is written
+  const char *shownOutput_;  // its name in messages: the caller's
   bool collapse_, counted_;
   bool inMemory_ = false;
   long size_ = 0;
@@ -281,24 +351,76 @@ class FileSort {
   std::FILE *in_ = nullptr;
   long written_ = 0;
   long workFileCount_ = 0;
+  bool stoppedEarly_ = false;  // a line longer than the buffer ended the chunks
+  bool complained_ = false;    // something went wrong, and was said
+  ProgressSink progress_;
+  void *progressContext_;
+  FileSortResult &result_;
   WorkFiles files_;
 };
 
+// Runs the sort into `output`; bad_alloc ends it as a failure.
+void runInto(const FileSortRequest &request, const char *output, FileSortResult &result) {
+  try {
+    result.lines = FileSort(request, output, result).run(request.prefix, request.bufferSize);
+  } catch (const std::bad_alloc &) {
+    // The sort's work files went with it.
+    const char *reason = "Cannot create sort buffer";
+    keepReason(result, reason);
+    (request.progress != nullptr ? request.progress : toStandardOutput)(request.progressContext,
+                                                                       reason, true);
+    result.outcome = FileSortOutcome::kFailed;
+    result.lines = 0;
+  }
+}
+
 }  // namespace
+
+FileSortResult sortFile(const FileSortRequest &request) {
+  FileSortResult result;
+  if (!request.replaceOutput || request.output == nullptr) {
+    runInto(request, request.output, result);
+    return result;
+  }
+  platform::Replacement replacement;
+  int fd = -1;
+  switch (platform::beginReplacement(request.output, replacement, fd)) {
+    case platform::ReplaceStart::kNotReplaceable:
+      runInto(request, request.output, result);
+      return result;
+    case platform::ReplaceStart::kFailed:
+      std::snprintf(result.reason, sizeof result.reason,
+                    "cannot make a temporary file beside %s", request.output);
+      return result;
+    case platform::ReplaceStart::kReady:
+      break;
+  }
+  close(fd);  // the sort opens the temporary file by its name
+  runInto(request, replacement.temporary, result);
+  if (result.outcome != FileSortOutcome::kComplete) {
+    platform::abandonReplacement(replacement);
+  } else if (platform::commitReplacement(replacement) != 0) {
+    std::snprintf(result.reason, sizeof result.reason, "cannot put the sorted file in place of %s",
+                  request.output);
+    result.outcome = FileSortOutcome::kFailed;
+  }
+  return result;
+}
+
 }  // namespace fskit::sort
 
 extern "C" {
 
 FSKIT_API long fsStrSort(const char *input, const char *output, const char *prefix,
                          long bufferSize, uint8_t keepDuplicates, uint8_t withCounts) {
-  try {
-    return fskit::sort::FileSort(input, output, keepDuplicates != 0, withCounts != 0)
-        .run(prefix, bufferSize);
-  } catch (const std::bad_alloc &) {
-    // The sort's work files went with it.
-    std::printf("Cannot create sort buffer\n");
-    return 0;
-  }
+  fskit::sort::FileSortRequest request;
+  request.input = input;
+  request.output = output;
+  request.prefix = prefix;
+  request.bufferSize = bufferSize;
+  request.keepDuplicates = keepDuplicates != 0;
+  request.withCounts = withCounts != 0;
+  return fskit::sort::sortFile(request).lines;
 }
 
 }  // extern "C"

@@ -109,17 +109,19 @@ const std::vector<Command> &commands() {
        runDate},
       // -- sort
       {"sort", "sort the lines of a text file, in memory or through work files",
-       "usage: fskit sort INPUT OUTPUT [--prefix P] [--buffer BYTES] [--unique] [--count]\n"
-       "Sorts the lines of INPUT byte by byte into OUTPUT. The library prints its\n"
-       "progress lines, and the reason of a failure, on standard output; the tool\n"
-       "adds one line on standard error when it fails. A file larger than the\n"
-       "buffer (default: the whole file) is sorted in chunks through work files\n"
-       "named Psort_N.tmp (P is taken literally, so a directory ends in '/'),\n"
-       "which are removed afterwards.\n"
+       "usage: fskit sort INPUT OUTPUT [--buffer BYTES] [--unique] [--count]\n"
+       "                  [--temporary-directory DIR] [--prefix P]\n"
+       "Sorts the lines of INPUT byte by byte into OUTPUT. A file larger than the\n"
+       "buffer (default: the whole file) is sorted in chunks through work files in\n"
+       "a new directory of the tool's own, made in DIR (default: $TMPDIR, else\n"
+       "/tmp) and removed afterwards, so no other file is ever touched; P starts\n"
+       "the work files' names there. OUTPUT is replaced only once the sort is\n"
+       "complete. The library's progress lines go to standard error.\n"
        "  --unique  write equal lines once and drop empty lines\n"
        "  --count   as --unique, each line followed by a blank and its count\n"
-       "Exit status 1 when no line was written (an error, or nothing to sort).\n"
-       "example: fskit sort names.txt sorted.txt --buffer 1000000 --prefix /tmp/\n",
+       "Exit status 1, with OUTPUT left as it was, when the sort fails or stops\n"
+       "early (a line longer than the buffer).\n"
+       "example: fskit sort names.txt sorted.txt --buffer 1000000\n",
        runSort},
       // -- files
       {"ls", "list the files of a directory that match a pattern",

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "sort/file_sort_internal.h"
 #include "tests/support/test_support.h"
 
 using fskit::test::TempDir;
@@ -201,12 +202,13 @@ TEST(FileSort, FailuresPrintTheirTextAndLeaveNoWorkFile) {
   EXPECT_EQ(stopped.output, "a\nb\n");
 }
 
-TEST(FileSort, ToolSortsWithTheLibraryTexts) {
+TEST(FileSort, ToolSortsWithTheLibraryTextsOnStandardError) {
   TempDir dir;
   fskit::test::writeFile(dir.file("in.txt"), "b\na\nb\n");
   auto result = fskit::test::runTool({"sort", "in.txt", "out.txt", "--count"}, "", dir.path());
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out, "Sorting file in.txt with 6 bytes, in memory 6\nIndexing 3 records of 6 bytes ...\n"
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "Sorting file in.txt with 6 bytes, in memory 6\nIndexing 3 records of 6 bytes ...\n"
                         "Sorting 3 records ...\nWriting output file out.txt ...\n2 records written\n");
   EXPECT_EQ(fskit::test::readText(dir.file("out.txt")), "a 1\nb 2\n");
   result = fskit::test::runTool({"sort", "in.txt", "sorted.txt", "--buffer", "2", "--prefix", "w_"}, "", dir.path());
@@ -214,7 +216,117 @@ TEST(FileSort, ToolSortsWithTheLibraryTexts) {
   EXPECT_EQ(fskit::test::readText(dir.file("sorted.txt")), "a\nb\nb\n");
   EXPECT_EQ(fskit::test::runTool({"sort", "in.txt"}).status, 2);
   EXPECT_EQ(fskit::test::runTool({"sort", "in.txt", "out", "--buffer", "x"}).status, 2);
+  EXPECT_EQ(fskit::test::runTool({"sort", "in.txt", "out", "--prefix", "../x"}).status, 2);
   result = fskit::test::runTool({"sort", "absent.txt", "out.txt"}, "", dir.path());
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "Cannot open input file absent.txt\n");
+  EXPECT_EQ(result.err, "fskit sort: Cannot open input file absent.txt\n");
+}
+
+// The library removes files named like its work files under its prefix: the
+// tool gives it a directory of its own, so that no file of the user's is
+// ever among them, whatever it is called, input and output included.
+TEST(FileSort, ToolRemovesNothingItDidNotCreate) {
+  TempDir dir;
+  const std::string lines = "d\nb\na\nc\n";
+  for (int n : {0, 3, 5, 19}) fskit::test::writeFile(dir.file("sort_" + std::to_string(n) + ".tmp"), lines);
+  auto result = fskit::test::runTool({"sort", "sort_5.tmp", "out.txt", "--buffer", "4"}, "", dir.path());
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(fskit::test::readText(dir.file("out.txt")), "a\nb\nc\nd\n");
+  result = fskit::test::runTool({"sort", "sort_0.tmp", "sort_3.tmp", "--buffer", "4"}, "", dir.path());
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(fskit::test::readText(dir.file("sort_3.tmp")), "a\nb\nc\nd\n");
+  for (int n : {0, 5, 19}) EXPECT_EQ(fskit::test::readFile(dir.file("sort_" + std::to_string(n) + ".tmp")), lines);
+  // The work directory goes too, and the work files are made where asked.
+  TempDir work;
+  result = fskit::test::runTool({"sort", "sort_0.tmp", "out.txt", "--buffer", "4", "--temporary-directory", work.path()},
+                                "", dir.path());
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_NE(result.err.find("Writing output file " + work.path()), std::string::npos) << result.err;
+  EXPECT_TRUE(std::filesystem::is_empty(work.path()));
+  result = fskit::test::runTool({"sort", "sort_0.tmp", "out.txt", "--temporary-directory", dir.file("absent")},
+                                "", dir.path());
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("fskit sort: cannot make a work directory in "), std::string::npos) << result.err;
+}
+
+// A sort that could not write every line fails, and leaves the old output.
+TEST(FileSort, ToolFailsWhenLinesAreMissingAndKeepsTheOldOutput) {
+  TempDir dir;
+  fskit::test::writeFile(dir.file("in.txt"), "b\na\nlong line\nc\nd\ne\n");
+  fskit::test::writeFile(dir.file("out.txt"), "precious\n");
+  auto result = fskit::test::runTool({"sort", "in.txt", "out.txt", "--buffer", "4"}, "", dir.path());
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("fskit sort: stopped early, out.txt left as it was: a line longer than the sort "
+                            "buffer (4 bytes)"),
+            std::string::npos)
+      << result.err;
+  EXPECT_EQ(fskit::test::readFile(dir.file("out.txt")), "precious\n");
+  result = fskit::test::runTool({"sort", "absent.txt", "out.txt"}, "", dir.path());
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(fskit::test::readFile(dir.file("out.txt")), "precious\n");
+  // Nothing of the sort is left beside the output.
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2);
+}
+
+// The internal entry point behind the tool: the same sort and lines as
+// fsStrSort, sent where it is told, and an outcome that tells a stop or a
+// failure from a complete sort.
+TEST(FileSort, InternalEntryTellsTheOutcomeAndSendsItsLinesWhereAsked) {
+  TempDir dir;
+  struct Heard {
+    std::string lines, problems;
+  };
+  auto hear = [](void *context, const char *line, bool problem) {
+    auto *heard = static_cast<Heard *>(context);
+    (problem ? heard->problems : heard->lines) += std::string(line) + "\n";
+  };
+  auto run = [&](const std::string &content, long buffer, Heard &heard, bool replace) {
+    fskit::test::writeFile(dir.file("in.txt"), content);
+    fskit::sort::FileSortRequest request;
+    std::string input = dir.file("in.txt"), output = dir.file("out.txt"), prefix = dir.path() + "/";
+    request.input = input.c_str();
+    request.output = output.c_str();
+    request.prefix = prefix.c_str();
+    request.bufferSize = buffer;
+    request.progress = hear;
+    request.progressContext = &heard;
+    request.replaceOutput = replace;
+    return fskit::sort::sortFile(request);
+  };
+  const std::string content = "d\nb\na\nc\nb\n";
+  for (long buffer : {0L, 4L}) {
+    Heard heard;
+    fskit::sort::FileSortResult result = run(content, buffer, heard, false);
+    Sorted classic = sortFile(dir, content, buffer, true, false);
+    EXPECT_EQ(result.outcome, fskit::sort::FileSortOutcome::kComplete);
+    EXPECT_EQ(result.lines, classic.result);
+    EXPECT_EQ(heard.lines, classic.printed);
+    EXPECT_EQ(heard.problems, "");
+  }
+  Heard stopped;
+  fskit::test::writeFile(dir.file("out.txt"), "old\n");
+  fskit::sort::FileSortResult result = run("b\na\nlong line\nc\n", 4, stopped, true);
+  EXPECT_EQ(result.outcome, fskit::sort::FileSortOutcome::kIncomplete);
+  EXPECT_EQ(result.lines, 2);
+  EXPECT_NE(std::string(result.reason).find("longer than the sort buffer (4 bytes) at byte 4"), std::string::npos);
+  EXPECT_EQ(fskit::test::readFile(dir.file("out.txt")), "old\n");
+  Heard failed;
+  std::filesystem::remove(dir.file("in.txt"));
+  fskit::sort::FileSortRequest request;
+  std::string absent = dir.file("absent.txt"), output = dir.file("out.txt");
+  request.input = absent.c_str();
+  request.output = output.c_str();
+  request.progress = hear;
+  request.progressContext = &failed;
+  request.replaceOutput = true;
+  result = fskit::sort::sortFile(request);
+  EXPECT_EQ(result.outcome, fskit::sort::FileSortOutcome::kFailed);
+  EXPECT_EQ(failed.problems, "Cannot open input file " + absent + "\n");
+  EXPECT_STREQ(result.reason, ("Cannot open input file " + absent).c_str());
+  EXPECT_EQ(fskit::test::readFile(dir.file("out.txt")), "old\n");
+  Heard replaced;
+  result = run(content, 0, replaced, true);
+  EXPECT_EQ(result.outcome, fskit::sort::FileSortOutcome::kComplete);
+  EXPECT_EQ(fskit::test::readText(dir.file("out.txt")), "a\nb\nb\nc\nd\n");
+  EXPECT_NE(replaced.lines.find("Writing output file " + dir.file("out.txt") + " ..."), std::string::npos);
 }
