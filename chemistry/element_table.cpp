@@ -1,4 +1,6 @@
 // The exported element-table functions: loading, lookup and record copies.
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -23,7 +25,16 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-File openForReading(const char *name) { return File(std::fopen(name, "r")); }
+// A directory is not an element file: where the C library opens one as a
+// stream it is closed again, as if it had not opened.
+File openForReading(const char *name) {
+  File file(std::fopen(name, "r"));
+#if !defined(_WIN32)
+  struct stat status;
+  if (file && fstat(fileno(file.get()), &status) == 0 && S_ISDIR(status.st_mode)) file.reset();
+#endif
+  return file;
+}
 
 FsElementRecord *allocateRecords() {
   return static_cast<FsElementRecord *>(std::malloc(sizeof(FsElementRecord) * kCapacity));

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <limits>
 
 #include <fskit/datetime.h>
 #include <fskit/strings.h>
@@ -27,7 +28,8 @@ int32_t fieldNumber(const char *field) {
 }
 
 // The leading decimal number of `text` (blanks, an optional sign, digits), as
-// seconds; false when there is none or it does not fit in 64 bits.
+// seconds; false when there is none or it does not fit in 64 bits or in a
+// time_t.
 bool leadingSeconds(const char *text, std::time_t &seconds) {
   while (ascii::isSpace(*text)) ++text;
   bool negative = *text == '-';
@@ -39,7 +41,11 @@ bool leadingSeconds(const char *text, std::time_t &seconds) {
     if (value > (LLONG_MAX - digit) / 10) return false;
     value = value * 10 + digit;
   }
-  seconds = static_cast<std::time_t>(negative ? -value : value);
+  if (negative) value = -value;
+  if (value < std::numeric_limits<std::time_t>::min() ||
+      value > std::numeric_limits<std::time_t>::max())
+    return false;  // a 32-bit time_t would wrap it
+  seconds = static_cast<std::time_t>(value);
   return true;
 }
 
@@ -96,33 +102,73 @@ bool readStamp(const char *input, DateRecord &record) {
   return true;
 }
 
+// Whether the number a %d conversion read from `text` on (blanks, an
+// optional sign, digits) lies in the range of an int. sscanf does not say
+// when it does not, and stores some wrapped value instead.
+bool fitsInt(const char *text) {
+  while (ascii::isSpace(*text)) ++text;
+  bool negative = *text == '-';
+  if (*text == '-' || *text == '+') ++text;
+  const long long limit = negative ? -static_cast<long long>(INT_MIN) : INT_MAX;
+  long long value = 0;
+  for (; ascii::isDigit(*text); ++text)
+    if ((value = value * 10 + (*text - '0')) > limit) return false;
+  return true;
+}
+
+// Where each %d without a width began to read (%n just before it), -1 for
+// those the scan did not reach; only these can meet a number beyond an int.
+struct NumberStarts {
+  int at[5] = {-1, -1, -1, -1, -1};
+  bool allFit(const char *input) const {
+    for (int start : at)
+      if (start >= 0 && !fitsInt(input + start)) return false;
+    return true;
+  }
+};
+
 // Layouts 0 to 5, 7, 8, 10 and 11 with their separators: the number of fields
-// `sscanf` filled, and the number the layout needs.
+// `sscanf` filled, and the number the layout needs. A number beyond the range
+// of an int makes the input unreadable.
 bool readSeparated(int32_t layout, const char *input, Conversion &conversion) {
   DateRecord &r = conversion.record;
   char *dayName = conversion.dayName, *monthName = conversion.monthName;
   char s1, s2, s3, s4, s5;  // any one character separates
   int filled = 0, needed = 5;
+  NumberStarts n;
+  int *at = n.at;
   switch (layout) {
-    case 0: filled = std::sscanf(input, "%d%c%d%c%d", &r.month, &s1, &r.day, &s2, &r.year); break;
-    case 1: filled = std::sscanf(input, "%d%c%d%c%d", &r.year, &s1, &r.month, &s2, &r.day); break;
+    case 0:
+      filled = std::sscanf(input, "%n%d%c%n%d%c%n%d", &at[0], &r.month, &s1, &at[1], &r.day,
+                           &s2, &at[2], &r.year);
+      break;
+    case 1:
+      filled = std::sscanf(input, "%n%d%c%n%d%c%n%d", &at[0], &r.year, &s1, &at[1], &r.month,
+                           &s2, &at[2], &r.day);
+      break;
     case 2: filled = std::sscanf(input, "%2d%c%3s%c%2d", &r.day, &s1, monthName, &s2, &r.year); break;
     case 3: filled = std::sscanf(input, "%2d%c%3s%c%4d", &r.day, &s1, monthName, &s2, &r.year); break;
     case 4:
       needed = 7;
-      filled = std::sscanf(input, "%3s %3s %d %d:%d:%d %d", dayName, monthName, &r.day,
-                           &r.hour, &r.minute, &r.second, &r.year);
+      filled = std::sscanf(input, "%3s %3s %n%d %n%d:%n%d:%n%d %n%d", dayName, monthName, &at[0],
+                           &r.day, &at[1], &r.hour, &at[2], &r.minute, &at[3], &r.second,
+                           &at[4], &r.year);
       break;
-    case 5: filled = std::sscanf(input, "%d%c%d%c%d", &r.hour, &s1, &r.minute, &s2, &r.second); break;
+    case 5:
+      filled = std::sscanf(input, "%n%d%c%n%d%c%n%d", &at[0], &r.hour, &s1, &at[1], &r.minute,
+                           &s2, &at[2], &r.second);
+      break;
     case 7:
       needed = 11;
-      filled = std::sscanf(input, "%2d%c%3s%c%2d%c%d%c%d%c%d", &r.day, &s1, monthName, &s2,
-                           &r.year, &s3, &r.hour, &s4, &r.minute, &s5, &r.second);
+      filled = std::sscanf(input, "%2d%c%3s%c%2d%c%n%d%c%n%d%c%n%d", &r.day, &s1, monthName,
+                           &s2, &r.year, &s3, &at[0], &r.hour, &s4, &at[1], &r.minute, &s5,
+                           &at[2], &r.second);
       break;
     case 8:
       needed = 11;
-      filled = std::sscanf(input, "%2d%c%3s%c%4d%c%d%c%d%c%d", &r.day, &s1, monthName, &s2,
-                           &r.year, &s3, &r.hour, &s4, &r.minute, &s5, &r.second);
+      filled = std::sscanf(input, "%2d%c%3s%c%4d%c%n%d%c%n%d%c%n%d", &r.day, &s1, monthName,
+                           &s2, &r.year, &s3, &at[0], &r.hour, &s4, &at[1], &r.minute, &s5,
+                           &at[2], &r.second);
       break;
     case 10:
       needed = 8;
@@ -135,7 +181,7 @@ bool readSeparated(int32_t layout, const char *input, Conversion &conversion) {
                            &r.hour, &r.minute, conversion.amPm);
       break;
   }
-  return filled >= needed;
+  return filled >= needed && n.allFit(input);
 }
 
 bool readsMonthName(int32_t layout) {

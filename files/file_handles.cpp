@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <cwchar>
 
 #include <fskit/files.h>
 #include <fskit/frame.h>
@@ -11,8 +12,29 @@
 
 namespace {
 
+// The size of an error text, as the header documents it.
+constexpr size_t kErrTextSize = 80;
+
+// "%d %s" into the caller's 80 bytes. A translated system text may be longer:
+// it is cut at a whole character (as the current locale encodes them) so
+// that the number and as much of the text as fits are kept.
 void writeError(char *errText, int error, const char *text) {
-  if (errText != nullptr) std::sprintf(errText, "%d %s", error, text);
+  if (errText == nullptr) return;
+  int written = std::snprintf(errText, kErrTextSize, "%d ", error);
+  if (written < 0 || size_t(written) >= kErrTextSize) return;
+  size_t room = kErrTextSize - 1 - size_t(written), length = 0;
+  std::mbstate_t state{};
+  for (size_t left = std::strlen(text); length < left;) {
+    size_t step = std::mbrlen(text + length, left - length, &state);
+    if (step == 0 || step > left - length) {  // not a character here: one byte
+      step = 1;
+      state = std::mbstate_t{};
+    }
+    if (length + step > room) break;
+    length += step;
+  }
+  std::memcpy(errText + written, text, length);
+  errText[size_t(written) + length] = '\0';
 }
 
 void writeError(char *errText, int error) {

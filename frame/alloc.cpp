@@ -27,8 +27,10 @@ FSKIT_API char *strnmalloc(const char *s, uint32_t size) {
 
 FSKIT_API char *strrealloc(char *old, const char *s) {
   if (s == nullptr) s = "";
-  if (old != nullptr && old != s) std::free(old);
-  return strmalloc(s);
+  // Copied before `old` goes: `s` may lie inside it.
+  char *copy = strmalloc(s);
+  if (old != s) std::free(old);
+  return copy;
 }
 
 FSKIT_API char *strrealloc2(char *old, const char *first, ...) {

@@ -65,9 +65,13 @@ FSKIT_API void fsMessage(const char *routine, int32_t code, int32_t auxCode,
                          const char *format, ...) {
   char buffer[1024];
   va_list args;
-  va_start(args, format);
-  int produced = std::vsnprintf(buffer, sizeof buffer, format, args);
-  va_end(args);
+  int produced = 0;
+  buffer[0] = '\0';
+  if (format != nullptr) {  // a null format is the empty text
+    va_start(args, format);
+    produced = std::vsnprintf(buffer, sizeof buffer, format, args);
+    va_end(args);
+  }
   if (produced < 0) {
     produced = 0;
     buffer[0] = '\0';

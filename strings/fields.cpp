@@ -41,7 +41,10 @@ FSKIT_API char *strncpyp(char *dst, const char *src, int32_t n, char pad) {
 
 FSKIT_API char *strncpyb(char *dst, const char *src, int32_t n) {
   if (dst == nullptr || n <= 0) return dst;
-  src = text(src);
+  if (src == nullptr) {  // no field: the empty text, nothing read
+    dst[0] = '\0';
+    return dst;
+  }
   // The whole field is read, whatever NUL it holds, to find its last
   // non-blank byte.
   int32_t used = n;
@@ -75,10 +78,14 @@ FSKIT_API char *strcenter(char *dst, const char *src, uint32_t width) {
 
 FSKIT_API char *strfcpy(char *dst, uint32_t dstSize, const char *src, uint32_t srcLen) {
   if (dst == nullptr || dstSize == 0) return dst;
-  char *work = static_cast<char *>(std::malloc(size_t{srcLen} + 1));
+  // The work copy holds the text as far as the field goes, not the whole
+  // field: a short text in a field said to be huge costs nothing.
+  src = text(src);
+  const size_t length = strnlen(src, srcLen);
+  char *work = static_cast<char *>(std::malloc(length + 1));
   if (work == nullptr) return nullptr;
-  std::strncpy(work, text(src), srcLen);
-  work[srcLen] = '\0';
+  std::memcpy(work, src, length);
+  work[length] = '\0';
   strcompress(work);
   strtrim(work);
   // strncpy pads with NULs up to the count; the count never exceeds the

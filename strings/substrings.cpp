@@ -1,5 +1,6 @@
 // Substrings: strleft, strmid, strright, strextract, strrepeat, strreverse.
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include <fskit/strings.h>
@@ -32,7 +33,8 @@ FSKIT_API char *strmid(char *dst, const char *src, uint32_t from, uint32_t to) {
   if (dst == nullptr) return nullptr;
   src = text(src);
   // Only the bytes up to `to` are looked at, so a short `src` is never overrun.
-  size_t end = strnlen(src, size_t{to} + 1);
+  // (to + 1 is counted in 64 bits: it must not wrap to 0 where size_t has 32.)
+  size_t end = strnlen(src, static_cast<size_t>(std::min<uint64_t>(uint64_t{to} + 1, SIZE_MAX)));
   if (from > to || from > end) return copyPart(dst, src, 0);
   return copyPart(dst, src + from, end - from);
 }

@@ -1,4 +1,6 @@
 // Tokens: strtoken reads one at a time, strqtoks finds all at once.
+#include <cstring>
+
 #include <fskit/strings.h>
 
 #include "strings/scan.h"
@@ -37,8 +39,9 @@ FSKIT_API char *strtoken(const char *s, const char *delims, int32_t maxLen, char
   const CharSet delimiters(delims);
   *token = '\0';
   if (*pos < 0) return nullptr;
+  // A position at or beyond the end is the end: nothing past the NUL is read.
+  if (strnlen(s, static_cast<size_t>(*pos) + 1) <= static_cast<size_t>(*pos)) return nullptr;
   const char *at = s + *pos;
-  if (*at == '\0') return nullptr;
   if (delimiters.contains(*at)) {
     ++*pos;
     return token;

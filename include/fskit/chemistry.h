@@ -75,13 +75,14 @@ FSKIT_CHEMISTRY_ASSERT(offsetof(FsElementRecord, symbol) == 39, "symbol at 39");
 /* Releases the table, reads the element file named in INI document
  * `iniHandle` ("Formula Files"/"elementFile", of any length), and when `load`
  * is not 0 loads the first of that name, "kw_elements.tbl", "kw_ele.tbl" and
- * "QUOR_SYSTEM:KW_ELEMENTS.TBL" that opens.
+ * "QUOR_SYSTEM:KW_ELEMENTS.TBL" that opens (a directory does not).
  * 1 done (with `load` 0: no table present afterwards), 0 failed. */
 FSKIT_API int32_t fsInitElemTable(int32_t iniHandle, int32_t load);
 
 /* Loads the element file `path` unless the table present was loaded by this
  * function from the same name (compared lower-cased). 1 loaded, 0 failed
- * (no table present then). Names of any length; a null `path` fails.
+ * (no table present then). Names of any length; a null `path` fails, and so
+ * does a directory, as a file that does not open.
  * fsInitElemTable() forgets the name, so the next call reads the file again. */
 FSKIT_API int32_t fsLoadElemTable(const char *path);
 

@@ -86,6 +86,9 @@ FSKIT_API char *fsNowAscTime(void);
  * stays, and output layout 4 prints it with the current date.
  * Input layout 9 with a text that does not begin with a number (optional
  * blanks and sign, then digits) is unreadable.
+ * Numbers: a field holding a number beyond the range of an int (-2147483648 to
+ * 2147483647) makes the input unreadable, never a value wrapped into it; so
+ * do seconds (layout 9) beyond time_t or the years local time can give.
  *
  * Messages on standard error: "Unsupported date/time input format N",
  * "Unable to generate valid input date from: TEXT" (output left unchanged)

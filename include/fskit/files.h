@@ -7,7 +7,7 @@
  * given. The directory functions read `\` as `/` in every path and pattern, so
  * both "data\raw" and "data/raw" name the same directory (on Windows both are
  * the system's own separators, and paths go to it unchanged). Nothing here
- * prints.
+ * prints, except fsLastModified for a file dated before the year 0.
  * Threads: every function may be called from any number of threads at once,
  * each on its own buffers and FsFile records. */
 #ifndef FSKIT_FILES_H
@@ -48,21 +48,27 @@ FSKIT_API int32_t fsFileExists(const char *path);
  * `path` (replacing the previous one; a stream still open in the record is
  * not closed). 1 when open. On failure 0, stream and name null, and, when
  * `errText` is given, "%d %s" with errno and strerror(errno) written into it
- * (12 and "Not enough memory" when the name cannot be copied); 80 bytes hold
- * every system text. A null path or mode fails with 22 (EINVAL); a null
- * `file` just gives 0. */
+ * (12 and "Not enough memory" when the name cannot be copied). `errText`
+ * needs 80 bytes: a longer system text (some translations are) is cut at a
+ * whole character, the number kept. A null path or mode fails with 22
+ * (EINVAL); a null `file` just gives 0. */
 FSKIT_API int32_t fsFileOpen(const char *path, const char *mode, FsFile *file, char *errText);
 
 /* Closes the record's stream and empties the record (all fields zero). 1 when
  * a stream was closed without error; 0 when there was none, or closing failed
- * (then `errText`, if given, receives "%d %s" with errno and its text). */
+ * (then `errText`, if given, receives "%d %s" with errno and its text, in
+ * 80 bytes as fsFileOpen's). */
 FSKIT_API int32_t fsFileClose(FsFile *file, char *errText);
 
 /* The modification time of `path` as local time: `text` receives
- * yyyymmddhhmmss+0000 (20 bytes for years 1000 to 9999) and `value` the
- * fourteen digits as a number (19991231235959.0). 0, with "" and 0.0, when
- * the status of `path` cannot be read. A null `text` or `value` is not
- * written. */
+ * yyyymmddhhmmss+0000 and `value` the digits before the + as a number
+ * (19991231235959.0). The year is printed as fsDateTime's layout 6 prints
+ * it: 4 digits (blank-padded), more after 9999; 26 bytes hold the stamp of
+ * every time the system represents (years up to 2147483647). A year from 0 to
+ * 99 counts in the current century (year 5 gives 2005). 0, with "" and 0.0,
+ * when the status of `path` cannot be read, and for a date before year 0
+ * (then fsDateTime's "Unable to generate valid input date from: TEXT" is on
+ * standard error). A null `text` or `value` is not written. */
 FSKIT_API int32_t fsLastModified(const char *path, char *text, double *value);
 
 /* The size of an open stream in bytes; the stream is left at its start

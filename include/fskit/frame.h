@@ -35,7 +35,8 @@ FSKIT_API extern const char FsmOutOfMemory[];
  * to the log function while logging is on. Layout code 0: the text alone and a
  * line feed; 3: "routine: text" and a carriage return; 5: the same and a
  * blank; any other: "routine: text" and a line feed. A formatted text longer
- * than 1023 bytes is cut at 1023 bytes (never written past the buffer). */
+ * than 1023 bytes is cut at 1023 bytes (never written past the buffer). A
+ * null `format` is the empty text. */
 FSKIT_API void fsMessage(const char *routine, int32_t code, int32_t auxCode,
                          const char *format, ...);
 

@@ -1,10 +1,12 @@
 // Cases that once went wrong in the chemistry family, one line each on what did.
 #include <fskit/chemistry.h>
+#include <fskit/ini.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -111,4 +113,35 @@ TEST(ChemistryRegression, WindowsLineEndsReadAsLineEnds) {
     fsGetElementInfo(i, &record);
     EXPECT_EQ(std::memcmp(&record, &expected[size_t(i)], sizeof record), 0) << i;
   }
+}
+
+TEST(ChemistryRegression, ADirectoryIsAnElementFileThatDoesNotOpen) {
+  // A directory opened as an empty stream: the load reported success with an
+  // empty table, and the first candidate that was a directory ended the search.
+  TempDir dir;
+  ChangeDir inside(dir.path());
+  loadTable(dir, kExampleTable);
+  ASSERT_EQ(fsElementTableCount(), 10);
+  const std::string tables = dir.file("tables");
+  ASSERT_TRUE(std::filesystem::create_directory(tables));
+  EXPECT_EQ(captureStdout([&] { EXPECT_EQ(fsLoadElemTable(tables.c_str()), 0); }),
+            "Failed to open element file " + tables + "\n");
+  EXPECT_EQ(fsElementTableCount(), 0);
+  EXPECT_EQ(captureStdout([] { EXPECT_EQ(fsFindElement("C", nullptr), -1); }),
+            "fsFindElement: No element table present\n");
+
+  // The configured name and the first default name are directories: the
+  // search goes on to the next default, a file.
+  writeFile("fskit.ini", "[Formula Files]\nelementFile=tables\n");
+  ASSERT_EQ(fsIniReadFile("fskit.ini"), 1000);
+  ASSERT_TRUE(std::filesystem::create_directory("kw_elements.tbl"));
+  writeFile("kw_ele.tbl", kExampleTable);
+  EXPECT_EQ(captureStdout([] { EXPECT_EQ(fsInitElemTable(1000, 1), 1); }), "");
+  EXPECT_EQ(fsElementTableCount(), 10);
+  // With no file among them, the failure of a name that does not open.
+  std::filesystem::remove("kw_ele.tbl");
+  EXPECT_EQ(captureStdout([] { EXPECT_EQ(fsInitElemTable(1000, 1), 0); }),
+            "Failed to open element file kw_elements.tbl\n");
+  EXPECT_EQ(fsElementTableCount(), 0);
+  fsIniReleaseFile(1000);
 }

@@ -2,8 +2,10 @@
 #include <fskit/datetime.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "tests/support/test_support.h"
 
@@ -59,4 +61,54 @@ TEST(DateTimeRegression, WeekdayOfThe1900sKeepsTheTruncatedRemainder) {
   };
   for (const Case &c : cases)
     EXPECT_EQ(fsWeekday(c.year, c.month, c.day), c.weekday) << c.year << "-" << c.month << "-" << c.day;
+}
+
+TEST(DateTimeRegression, NumbersBeyondAnIntMakeTheInputUnreadable) {
+  // sscanf's %d stored such numbers wrapped: "1/2/4294967394" read as year 98,
+  // a month of 4294967297 as January. Every field read without a width is
+  // tried (@ stands for the number); the others cannot hold that many digits.
+  struct Layout {
+    int32_t in;
+    std::vector<std::string> fields;
+  };
+  const Layout layouts[] = {
+      {0, {"@/2/98", "1/@/98", "1/2/@"}},
+      {1, {"@/1/2", "98/@/2", "98/1/@"}},
+      {4, {"Sun Jan @ 00:00:00 1998", "Sun Jan 1 @:00:00 1998", "Sun Jan 1 00:@:00 1998",
+           "Sun Jan 1 00:00:@ 1998", "Sun Jan 1 00:00:00 @"}},
+      {5, {"@:0:0", "0:@:0", "0:0:@"}},
+      {7, {"01-JAN-98 @:00:00", "01-JAN-98 00:@:00", "01-JAN-98 00:00:@"}},
+      {8, {"01-JAN-1998 @:00:00", "01-JAN-1998 00:@:00", "01-JAN-1998 00:00:@"}},
+      // Seconds beyond the years local time gives, and beyond 64 bits.
+      {9, {"@000000000", "@00000000000"}},
+  };
+  const long long beyond = static_cast<long long>(INT_MAX) + 1;
+  for (const std::string &number :
+       {std::to_string(beyond), std::to_string(-beyond - 1), std::to_string(2 * beyond + 1),
+        std::to_string(2 * beyond + 98), std::string(20, '9')}) {
+    for (const Layout &layout : layouts) {
+      for (const std::string &field : layout.fields) {
+        std::string input = field;
+        input.replace(input.find('@'), 1, number);
+        SCOPED_TRACE(input);
+        for (int32_t out : {3, 5}) {
+          char output[64] = "#";
+          std::string err = fskit::test::captureStderr(
+              [&] { EXPECT_EQ(fsDateTime(layout.in, input.c_str(), out, output, "", 0), 0); });
+          EXPECT_STREQ(output, "#");
+          EXPECT_EQ(err, "Unable to generate valid input date from: " + input + "\n");
+        }
+      }
+    }
+  }
+  // Up to the limits of an int (leading zeros or not) numbers read as before.
+  for (long long hour : {static_cast<long long>(INT_MAX), static_cast<long long>(INT_MIN)}) {
+    for (const std::string &zeros : {std::string(), std::string(10, '0')}) {
+      std::string digits = std::to_string(hour < 0 ? -hour : hour);
+      std::string input = (hour < 0 ? "-" : "") + zeros + digits + ":7:8";
+      char output[64] = "#";
+      EXPECT_EQ(fsDateTime(5, input.c_str(), 5, output, "", 0), 1) << input;
+      EXPECT_EQ(output, std::to_string(hour) + ":07:08");
+    }
+  }
 }

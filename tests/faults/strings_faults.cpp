@@ -2,6 +2,7 @@
 #include <fskit/strings.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 #include "tests/support/alloc_fault.h"
@@ -19,4 +20,15 @@ TEST(StringsFaults, FieldCopyLeavesDestinationUntouched) {
         EXPECT_EQ(std::string(dst, sizeof dst), refused ? "~~~~~~~~" : std::string("ab cd\0\0\0", 8));
       });
   EXPECT_EQ(runs, 2);
+}
+
+TEST(StringsFaults, AShortTextInAHugeFieldNeedsLittleMemory) {
+  // The work copy was as large as the field said, 4 GiB here (and calloc'ed
+  // and filled); where that much cannot be had the copy failed.
+  fskit::test::refuseAllocationsAbove(1 << 20);
+  char dst[16];
+  std::string(sizeof dst, '~').copy(dst, sizeof dst);
+  EXPECT_EQ(strfcpy(dst, sizeof dst, "  ab   cd", UINT32_MAX), dst);
+  fskit::test::refuseAllocationsAbove(0);
+  EXPECT_EQ(std::string(dst, sizeof dst), std::string("ab cd\0\0\0\0\0\0\0\0\0\0\0", 16));
 }

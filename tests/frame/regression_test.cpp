@@ -111,3 +111,40 @@ TEST(FrameRegression, LogFunctionAsMessageFunctionSurvivesAnUnopenableFile) {
   fsDefaultMessage();
   fsRegisterMsgLog(nullptr);
 }
+
+TEST(FrameRegression, ACopyFromInsideTheOldBlockIsMadeBeforeItIsFreed) {
+  // strrealloc freed `old` first and then copied `s` out of the freed block.
+  const std::string text = "abcdefghijklmnopqrstuvwxyz0123456789";
+  for (size_t k : {size_t{1}, size_t{8}, text.size() - 1, text.size()}) {
+    char *old = strmalloc(text.c_str());
+    ASSERT_NE(old, nullptr);
+    char *copy = strrealloc(old, old + k);
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(copy, text.substr(k)) << k;
+    fsFree(&copy);
+  }
+}
+
+namespace {
+
+std::vector<std::string> textsSeen;
+int32_t recordTexts(const char *, int32_t *count, int32_t *, int32_t *, int32_t *lengths,
+                    char **texts) {
+  for (int32_t i = 0; i < *count; ++i) textsSeen.emplace_back(texts[i], size_t(lengths[i]));
+  return 1;
+}
+
+// Through a pointer, so that the compiler sees no null format at the call.
+void (*const sendMessage)(const char *, int32_t, int32_t, const char *, ...) = fsMessage;
+
+}  // namespace
+
+TEST(FrameRegression, ANullFormatIsTheEmptyText) {
+  // vsnprintf was handed the null format.
+  fsRegisterMessage(recordTexts);
+  sendMessage("r", 1, 0, nullptr);
+  sendMessage("r", 1, 0, nullptr, 42, "ignored");
+  sendMessage("r", 1, 0, "%d", 42);
+  EXPECT_EQ(textsSeen, (std::vector<std::string>{"", "", "42"}));
+  fsDefaultMessage();
+}

@@ -3,7 +3,9 @@
 #include <fskit/strings.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "tests/strings/sentinel.h"
@@ -96,4 +98,34 @@ TEST(Copy, InPlace) {
   EXPECT_STREQ(strcvtesc(escaped, escaped), "aA\tbA");
   EXPECT_STREQ(strncpyb(field, field, 4), "ab");
   EXPECT_EQ(strupper(nullptr), nullptr);
+}
+
+TEST(Copy, NothingIsReadPastTheEndOfTheSource) {
+  // strncpyb read the n-byte field from the one-byte empty text a null source
+  // stands for (the sanitizer build sees it).
+  fskit::test::Sentinel field;
+  EXPECT_EQ(strncpyb(field.bytes, nullptr, 6), field.bytes);
+  EXPECT_EQ(field.written(), "\0"s);
+
+  // strtoken went on reading after the NUL from a position beyond the end:
+  // here the bytes after it were taken for a token.
+  const char hidden[] = "ab\0yz,c";
+  char token[8] = "~";
+  for (int32_t start : {2, 3, 5}) {
+    int32_t pos = start;
+    EXPECT_EQ(strtoken(hidden, ",", 7, token, &pos), nullptr) << start;
+    EXPECT_STREQ(token, "") << start;
+    EXPECT_EQ(pos, start);
+  }
+  auto exact = std::make_unique<char[]>(3);  // "ab" in a block of its size
+  std::strcpy(exact.get(), "ab");
+  int32_t pos = 3;
+  EXPECT_EQ(strtoken(exact.get(), ",", 7, token, &pos), nullptr);
+  pos = 1;
+  EXPECT_STREQ(strtoken(exact.get(), ",", 7, token, &pos), "b");
+
+  // strmid's last position + 1 wrapped to 0 where size_t has 32 bits.
+  fskit::test::Sentinel mid;
+  EXPECT_STREQ(strmid(mid.bytes, "abcd", 1, UINT32_MAX), "bcd");
+  EXPECT_EQ(mid.written(), "bcd\0"s);
 }

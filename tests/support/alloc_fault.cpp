@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <new>
 
 extern "C" {
@@ -26,9 +27,11 @@ struct Injector {
   bool refused = false;
 };
 constinit Injector injector;
+constinit size_t largestAllowed = 0;  // 0: any size
 
 // Counts one allocation; true when it is to fail.
-bool refuseThisOne() {
+bool refuseThisOne(size_t size = 0) {
+  if (largestAllowed != 0 && size > largestAllowed) return true;
   if (injector.failFrom <= 0) return false;
   ++injector.counted;
   if (injector.counted < injector.failFrom || injector.counted > injector.failTo) return false;
@@ -40,32 +43,34 @@ bool refuseThisOne() {
 
 extern "C" {
 
-void *__wrap_malloc(size_t size) { return refuseThisOne() ? nullptr : __real_malloc(size); }
+void *__wrap_malloc(size_t size) { return refuseThisOne(size) ? nullptr : __real_malloc(size); }
 
 void *__wrap_calloc(size_t count, size_t size) {
-  return refuseThisOne() ? nullptr : __real_calloc(count, size);
+  return refuseThisOne(size != 0 && count > SIZE_MAX / size ? SIZE_MAX : count * size)
+             ? nullptr
+             : __real_calloc(count, size);
 }
 
 void *__wrap_realloc(void *block, size_t size) {
-  return refuseThisOne() ? nullptr : __real_realloc(block, size);
+  return refuseThisOne(size) ? nullptr : __real_realloc(block, size);
 }
 
 void *__wrap__Znwm(size_t size) {
-  if (refuseThisOne()) throw std::bad_alloc();
+  if (refuseThisOne(size)) throw std::bad_alloc();
   return __real__Znwm(size);
 }
 
 void *__wrap__Znam(size_t size) {
-  if (refuseThisOne()) throw std::bad_alloc();
+  if (refuseThisOne(size)) throw std::bad_alloc();
   return __real__Znam(size);
 }
 
 void *__wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t &tag) {
-  return refuseThisOne() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
+  return refuseThisOne(size) ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
 }
 
 void *__wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t &tag) {
-  return refuseThisOne() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+  return refuseThisOne(size) ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
 }
 
 // strdup allocates inside the C library, out of reach of the malloc wrapper.
@@ -78,6 +83,8 @@ namespace fskit::test {
 void failAllocationFrom(long k) { injector = Injector{k, LONG_MAX, 0, false}; }
 
 void failOnlyAllocation(long k) { injector = Injector{k, k, 0, false}; }
+
+void refuseAllocationsAbove(size_t bytes) { largestAllowed = bytes; }
 
 namespace {
 

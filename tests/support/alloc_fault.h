@@ -4,6 +4,7 @@
 // be told to fail the k-th call.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -15,6 +16,10 @@ namespace fskit::test {
 void failAllocationFrom(long k);
 // From now on, fail the k-th allocation only: a retry after it succeeds.
 void failOnlyAllocation(long k);
+
+// From now on, refuse every allocation of more than `bytes` (as a system
+// short of memory does), armed or not; 0 lifts the limit.
+void refuseAllocationsAbove(size_t bytes);
 
 // For k = 1, 2, ... runs `call` with allocations failing from the k-th on,
 // then (with allocation working again) `check(k, refused)`, until a run of
