@@ -164,7 +164,8 @@ void Document::setValue(const std::string &paragraph, const std::string &topic,
     // After the lines that the C functions read into the paragraph: before
     // the next header or the first line they stop at.
     size_t at = header + 1;
-    while (at < lines_.size() && lines_[at].kind != Kind::kHeader && lines_[at].kind != Kind::kOther)
+    while (at < lines_.size() && lines_[at].kind != Kind::kHeader &&
+           lines_[at].kind != Kind::kOther)
       ++at;
     insert(at, line.text());
   }
@@ -173,7 +174,8 @@ void Document::setValue(const std::string &paragraph, const std::string &topic,
 std::vector<Document::Entry> Document::values() const {
   std::unordered_map<std::string, size_t> firstHeader;
   for (size_t i = 0; i < lines_.size(); ++i)
-    if (lines_[i].kind == Kind::kHeader && lines_[i].named) firstHeader.try_emplace(lines_[i].name, i);
+    if (lines_[i].kind == Kind::kHeader && lines_[i].named)
+      firstHeader.try_emplace(lines_[i].name, i);
   std::vector<Entry> entries;
   for (const Line &header : lines_) {
     if (header.kind != Kind::kHeader || !header.named) continue;

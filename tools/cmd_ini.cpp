@@ -39,7 +39,9 @@ int runGet(std::vector<std::string> &args) {
 std::optional<std::string> refusal(const std::string &paragraph, const std::string &topic,
                                    const std::string &value, const std::string &comment) {
   for (const auto &[what, text] : {std::pair{"paragraph name", &paragraph},
-                                   {"topic", &topic}, {"value", &value}, {"comment", &comment}})
+                                   {"topic", &topic},
+                                   {"value", &value},
+                                   {"comment", &comment}})
     if (text->find_first_of("\r\n") != std::string::npos)
       return std::string("a line feed or carriage return in the ") + what + " would break the line";
   if (paragraph.empty()) return "the paragraph name is empty";
@@ -61,7 +63,8 @@ int runSet(std::vector<std::string> &args) {
   if (std::optional<std::string> why = refusal(paragraph, topic, value, comment))
     return usageError("ini", *why);
   if (std::string back = ini::lossless::readBack(topic, value); back != value)
-    std::fprintf(stderr, "fskit ini: warning: the value cannot be read back whole; it reads as \"%s\"\n",
+    std::fprintf(stderr,
+                 "fskit ini: warning: the value cannot be read back whole; it reads as \"%s\"\n",
                  back.c_str());
   struct stat status;
   std::optional<Document> document =
@@ -78,7 +81,8 @@ int runList(std::vector<std::string> &args) {
   if (!document) return kFailed;
   for (const Document::Entry &entry : document->values()) {
     if (entry.value)
-      std::printf("%s\t%s\t%s\n", entry.paragraph.c_str(), entry.topic.c_str(), entry.value->c_str());
+      std::printf("%s\t%s\t%s\n", entry.paragraph.c_str(), entry.topic.c_str(),
+                  entry.value->c_str());
     else
       reportNoValue(entry.paragraph, entry.topic);
   }
