@@ -139,8 +139,15 @@ std::string Document::lineEnd(size_t after) const {
 void Document::insert(size_t at, std::string text) {
   std::string end = lineEnd(at - 1);
   // Only the last line can be without a line end; one is put after it first.
-  if (at == lines_.size() && at > 0 && lineEndOf(lines_.back().bytes).empty())
-    lines_.back() = lineOf(lines_.back().bytes + end, at == 1);
+  if (at == lines_.size() && at > 0 && lineEndOf(lines_.back().bytes).empty()) {
+    Line &last = lines_.back();
+    std::string bytes = last.bytes;
+    // A header without its ']' would take the line end into its name: the
+    // ']' goes after the name first.
+    if (last.kind == Kind::kHeader && last.named && lineOf(bytes + end, at == 1).name != last.name)
+      bytes.insert(bytes.find('[') + 1 + last.name.size(), "]");
+    last = lineOf(bytes + end, at == 1);
+  }
   lines_.insert(lines_.begin() + ptrdiff_t(at), lineOf(withLineEnd(std::move(text), end), at == 0));
 }
 

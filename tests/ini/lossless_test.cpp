@@ -264,6 +264,7 @@ TEST(IniLossless, SetsOneLineWhereTheClassicWriterWould) {
   // A new paragraph at the end, after a line end given to the last line.
   EXPECT_EQ(set("[A]\r\n[]\nx=1", "B", "t", "v"), "[A]\r\n[]\nx=1\n[B]\nt = v\n");
   EXPECT_EQ(set("", "P", "t", "v"), "[P]" + kEnd + "t = v" + kEnd);
+  EXPECT_EQ(set("[A]\n[B", "B", "t", "v"), "[A]\n[B]\nt = v\n");
   EXPECT_EQ(set("[A]\n", "", "t", "v"), "[A]\n");  // never written by the classic writer either
   // First matches; a byte order mark and lines after "[]" or NUL bytes.
   EXPECT_EQ(set("[A]\nx=1\nx=2\n[A]\nx=3\n", "A", "x", "9"), "[A]\nx = 9\nx=2\n[A]\nx=3\n");
