@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 #include "ini/storage.h"
 
@@ -31,16 +32,33 @@ class FsIniLine {
   void setValue(const char *text) { setText(value_, text, Trim::kTrailing); }
   void setComment(const char *text) { setText(comment_, text, Trim::kBoth); }
 
+  // What a line of text is to the reader.
+  enum class Kind {
+    kBlank,
+    kComment,
+    kTopic,   // has a '=' (the topic may still be empty, thus null)
+    kHeader,  // begins with '[': the paragraph ends before it
+    kOther,   // none of these: the paragraph ends, the line is dropped
+  };
+  // Takes its topic, value and comment from `text`, one piece of at most
+  // kLineBuffer - 1 bytes as it was read (cut up in place), and says what the
+  // text is; a header leaves the line empty.
+  Kind take(char *text);
   // Takes one text line: kOk when it belongs to the paragraph (blank lines
   // included), kFailed when the paragraph ends here.
   int read(std::FILE *stream);
   int write(std::FILE *stream) const;
+  // What write() puts out, as a text.
+  std::string text() const;
 
   const char *topic() const { return topic_; }
   const char *value() const { return value_; }
   const char *comment() const { return comment_; }
 
  private:
+  template <class Put>
+  bool format(Put put) const;
+
   char *topic_ = nullptr;    // null on blank and comment lines
   char *value_ = nullptr;    // without its quotes
   char *comment_ = nullptr;  // without the ';' and the blanks after it
@@ -63,6 +81,9 @@ class FsIniParagraph {
   void setComment(const char *topic, const char *text);
   const char *topicAt(int32_t index) const;
 
+  // The name in `text`, a header line from its '[' on, cut out in place; null
+  // when the text is no header with a name.
+  static char *headerName(char *text);
   // kOk when a paragraph was read, kFailed when none starts here (the
   // stream is then set back to where it was).
   int read(std::FILE *stream);

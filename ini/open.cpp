@@ -4,6 +4,7 @@
 #include <fskit/frame.h>
 #include <fskit/ini.h>
 
+#include "ini/files.h"
 #include "ini/state.h"
 #include "platform/platform.h"
 
@@ -23,22 +24,6 @@ Slot *takeSlot(uint64_t &serial) {
       return &slot;
     }
   return nullptr;
-}
-
-// The file to read, or null when it cannot be opened. A directory opens for
-// reading here but holds no lines; it counts as a file that cannot be opened.
-std::FILE *openForReading(const char *fileName) {
-  // Binary, as everywhere but Windows anyway: the reader goes back to a
-  // line's start with ftell/fseek, which a Windows text stream miscounts on
-  // lines ending in LF alone; a CR before the LF is trimmed like other
-  // trailing control characters.
-  std::FILE *stream = std::fopen(fileName, "rb");
-  struct stat status;
-  if (stream != nullptr && platform::_stat(fileName, &status) == 0 && S_ISDIR(status.st_mode)) {
-    std::fclose(stream);
-    stream = nullptr;
-  }
-  return stream;
 }
 
 int32_t openSlot(const char *fileName, bool readFile) {
@@ -84,6 +69,21 @@ int32_t openSlot(const char *fileName, bool readFile) {
 }
 
 }  // namespace
+
+std::FILE *openForReading(const char *fileName) {
+  // Binary, as everywhere but Windows anyway: the reader goes back to a
+  // line's start with ftell/fseek, which a Windows text stream miscounts on
+  // lines ending in LF alone; a CR before the LF is trimmed like other
+  // trailing control characters.
+  std::FILE *stream = std::fopen(fileName, "rb");
+  struct stat status;
+  if (stream != nullptr && platform::_stat(fileName, &status) == 0 && S_ISDIR(status.st_mode)) {
+    std::fclose(stream);
+    stream = nullptr;
+  }
+  return stream;
+}
+
 }  // namespace fskit::ini
 
 extern "C" {

@@ -29,6 +29,14 @@ const char *FsIniParagraph::topicAt(int32_t index) const {
   return line != nullptr ? line->topic() : nullptr;
 }
 
+char *FsIniParagraph::headerName(char *text) {
+  // A header needs a name: "[" at the very end of the input or "[]" has none.
+  if (text[0] != '[' || text[1] == '\0' || text[1] == ']') return nullptr;
+  // Without a ']' the name runs to the end of the line, line feed included.
+  if (char *close = std::strchr(text + 1, ']')) *close = '\0';
+  return text + 1;
+}
+
 int FsIniParagraph::read(std::FILE *stream) {
   clear();
   if (stream == nullptr) return kFailed;
@@ -43,14 +51,12 @@ int FsIniParagraph::read(std::FILE *stream) {
     p = text;
     while (ascii::isSpace(*p)) ++p;
   } while (*p == '\0');
-  // A header needs a name: "[" at the very end of the input or "[]" has none.
-  if (p[0] != '[' || p[1] == '\0' || p[1] == ']') {
+  char *name = headerName(p);
+  if (name == nullptr) {
     std::fseek(stream, start, SEEK_SET);
     return kFailed;
   }
-  // Without a ']' the name runs to the end of the line, line feed included.
-  if (char *close = std::strchr(p + 1, ']')) *close = '\0';
-  setName(p + 1);
+  setName(name);
   lines_.readAll(stream);
   return kOk;
 }

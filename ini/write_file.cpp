@@ -1,12 +1,18 @@
-// fsIniWriteFile: a regular file is replaced only by a complete new text, so
-// that a failure half-way (a full disk, a quota) leaves the old file as it
-// was; other targets are written in place.
+// Writing files, for fsIniWriteFile and the lossless documents: a regular
+// file is replaced only by a complete new text, so that a failure half-way (a
+// full disk, a quota) leaves the old file as it was; other targets are
+// written in place.
 #include <unistd.h>
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#endif
 
 #include <cstdio>
 
 #include <fskit/ini.h>
 
+#include "ini/files.h"
 #include "ini/state.h"
 #include "platform/platform.h"
 
@@ -14,60 +20,69 @@ namespace fskit::ini {
 namespace {
 
 // Output errors may surface only when the buffer is flushed at the close.
-bool writeAndClose(const FsIniFile &document, std::FILE *stream) {
-  bool written = document.write(stream) == kOk;
+bool writeAndClose(TextWriter write, const void *source, std::FILE *stream) {
+  bool written = write(source, stream);
   return std::fclose(stream) == 0 && written;
 }
 
-bool writeInPlace(const FsIniFile &document, const char *fileName) {
-  std::FILE *stream = std::fopen(fileName, "w");
+bool writeInPlace(const char *fileName, TextWriter write, const void *source, bool binary) {
+  std::FILE *stream = std::fopen(fileName, binary ? "wb" : "w");
   if (stream == nullptr) {
     std::fprintf(stderr, "Error opening ini file %s\n", fileName);
     return false;
   }
-  return writeAndClose(document, stream);
+  return writeAndClose(write, source, stream);
 }
 
 // A complete text that cannot be renamed over the file (a file mounted in
 // its place, for one) is written into the file itself instead.
-bool writeReplacement(const FsIniFile &document, const char *fileName,
+bool writeReplacement(const char *fileName, TextWriter write, const void *source, bool binary,
                       platform::Replacement &replacement, int fd) {
+#if defined(_WIN32)
+  if (binary) _setmode(fd, _O_BINARY);
+#endif
   TemporaryOpener open = iniState().openTemporary.load();
-  std::FILE *stream = open != nullptr ? open(fd) : fdopen(fd, "w");
+  std::FILE *stream = open != nullptr ? open(fd) : fdopen(fd, binary ? "wb" : "w");
   if (stream == nullptr) {
     close(fd);
     platform::abandonReplacement(replacement);
     return false;
   }
-  if (!writeAndClose(document, stream)) {
+  if (!writeAndClose(write, source, stream)) {
     platform::abandonReplacement(replacement);
     return false;
   }
-  return platform::commitReplacement(replacement) == 0 || writeInPlace(document, fileName);
+  return platform::commitReplacement(replacement) == 0 ||
+         writeInPlace(fileName, write, source, binary);
+}
+
+bool writeDocument(const void *document, std::FILE *stream) {
+  return static_cast<const FsIniFile *>(document)->write(stream) == kOk;
 }
 
 }  // namespace
+
+bool replaceFile(const char *fileName, TextWriter write, const void *source, bool binary) {
+  platform::Replacement replacement;
+  int fd;
+  switch (platform::beginReplacement(fileName, replacement, fd)) {
+    case platform::ReplaceStart::kReady:
+      return writeReplacement(fileName, write, source, binary, replacement, fd);
+    case platform::ReplaceStart::kNotReplaceable:
+      return writeInPlace(fileName, write, source, binary);
+    default:
+      std::fprintf(stderr, "Error opening ini file %s\n", fileName);
+      return false;
+  }
+}
+
 }  // namespace fskit::ini
 
 extern "C" FSKIT_API int32_t fsIniWriteFile(int32_t handle) {
   using namespace fskit::ini;
   WriteHeld slot(handle);
   if (!slot) return 0;
-  fskit::platform::Replacement replacement;
-  int fd;
-  bool written;
-  switch (fskit::platform::beginReplacement(slot->fileName, replacement, fd)) {
-    case fskit::platform::ReplaceStart::kReady:
-      written = writeReplacement(*slot->document, slot->fileName, replacement, fd);
-      break;
-    case fskit::platform::ReplaceStart::kNotReplaceable:
-      written = writeInPlace(*slot->document, slot->fileName);
-      break;
-    default:
-      std::fprintf(stderr, "Error opening ini file %s\n", slot->fileName);
-      written = false;
-  }
-  if (!written) return 0;
+  if (!replaceFile(slot->fileName, writeDocument, slot->document, false)) return 0;
   releaseSlot(*slot);
   return 1;
 }

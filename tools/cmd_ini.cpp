@@ -1,54 +1,91 @@
-// fskit ini get|set|list: INI files at the command line.
+// fskit ini get|set|list: INI files at the command line, through the lossless
+// document: a file keeps every line but the one `set` changes or adds.
 #include <sys/stat.h>
 
 #include <cstdio>
+#include <optional>
+#include <string>
 
-#include <fskit/ini.h>
-
+#include "frame/ascii.h"
+#include "ini/lossless.h"
 #include "tools/command.h"
 
 namespace fskit::tool {
 namespace {
 
-// Any name, topic or value read from a file fits (lines are read in pieces
-// of at most 1022 bytes); a longer value given to `set` is never read back
-// into these.
-constexpr int kTextSize = 1024;
+using ini::lossless::Document;
+
+// What the C functions say when a lookup finds no value.
+void reportNoValue(const std::string &paragraph, const std::string &topic) {
+  std::fprintf(stderr, "Cannot find value for paragraph \"%s\" topic \"%s\"\n", paragraph.c_str(),
+               topic.c_str());
+}
 
 int runGet(std::vector<std::string> &args) {
   if (args.size() != 3) return usageError("ini", "usage: fskit ini get FILE PARAGRAPH TOPIC");
-  int32_t handle = fsIniReadFile(args[0].c_str());
-  if (handle == 0) return kFailed;  // the library has said why
-  char value[kTextSize], comment[1];
-  int32_t found = fsIniGetValue(handle, args[1].c_str(), args[2].c_str(), value, comment);
-  fsIniReleaseFile(handle);
-  if (found == 0) return kFailed;
-  std::printf("%s\n", value);
+  std::optional<Document> document = Document::readFile(args[0].c_str());
+  if (!document) return kFailed;  // the library has said why
+  std::optional<std::string> value = document->value(args[1], args[2]);
+  if (!value) {
+    reportNoValue(args[1], args[2]);
+    return kFailed;
+  }
+  std::printf("%s\n", value->c_str());
   return kOk;
+}
+
+// Why `set` cannot write these texts without changing how the file reads
+// (other lines, or the name it is found by), or nullopt when it can.
+std::optional<std::string> refusal(const std::string &paragraph, const std::string &topic,
+                                   const std::string &value, const std::string &comment) {
+  for (const auto &[what, text] : {std::pair{"paragraph name", &paragraph},
+                                   {"topic", &topic},
+                                   {"value", &value},
+                                   {"comment", &comment}})
+    if (text->find_first_of("\r\n") != std::string::npos)
+      return std::string("a line feed or carriage return in the ") + what + " would break the line";
+  if (paragraph.empty()) return "the paragraph name is empty";
+  if (paragraph.find(']') != std::string::npos) return "a paragraph name cannot contain ']'";
+  if (topic.empty() || ascii::isSpace(topic.front()) || ascii::isSpace(topic.back()) ||
+      ascii::isCntrl(topic.back()))
+    return "a topic cannot be empty nor begin or end with a blank";
+  if (topic.find('=') != std::string::npos) return "a topic cannot contain '='";
+  if (topic.front() == '[' || topic.front() == ';' || topic.front() == '#')
+    return "a topic cannot begin with '[', ';' or '#'";
+  return std::nullopt;
 }
 
 int runSet(std::vector<std::string> &args) {
   if (args.size() != 4 && args.size() != 5)
     return usageError("ini", "usage: fskit ini set FILE PARAGRAPH TOPIC VALUE [COMMENT]");
-  const char *file = args[0].c_str();
+  const std::string &file = args[0], &paragraph = args[1], &topic = args[2], &value = args[3];
+  std::string comment = args.size() == 5 ? args[4] : "";
+  if (std::optional<std::string> why = refusal(paragraph, topic, value, comment))
+    return usageError("ini", *why);
+  if (std::string back = ini::lossless::readBack(topic, value); back != value)
+    std::fprintf(stderr,
+                 "fskit ini: warning: the value cannot be read back whole; it reads as \"%s\"\n",
+                 back.c_str());
   struct stat status;
-  int32_t handle = stat(file, &status) == 0 ? fsIniReadFile(file) : fsIniNewFile(file);
-  if (handle == 0) return kFailed;
-  fsIniSetValue(handle, args[1].c_str(), args[2].c_str(), args[3].c_str(),
-                args.size() == 5 ? args[4].c_str() : "");
-  if (fsIniWriteFile(handle) == 1) return kOk;
-  fsIniReleaseFile(handle);
-  return failure("ini", "cannot write " + args[0]);
+  std::optional<Document> document =
+      stat(file.c_str(), &status) == 0 ? Document::readFile(file.c_str()) : Document();
+  if (!document) return kFailed;
+  document->setValue(paragraph, topic, value, comment);
+  if (document->writeFile(file.c_str())) return kOk;
+  return failure("ini", "cannot write " + file);
 }
 
 int runList(std::vector<std::string> &args) {
   if (args.size() != 1) return usageError("ini", "usage: fskit ini list FILE");
-  int32_t handle = fsIniReadFile(args[0].c_str());
-  if (handle == 0) return kFailed;
-  char paragraph[kTextSize], topic[kTextSize], value[kTextSize];
-  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
-    std::printf("%s\t%s\t%s\n", paragraph, topic, value);
-  fsIniReleaseFile(handle);
+  std::optional<Document> document = Document::readFile(args[0].c_str());
+  if (!document) return kFailed;
+  for (const Document::Entry &entry : document->values()) {
+    if (entry.value)
+      std::printf("%s\t%s\t%s\n", entry.paragraph.c_str(), entry.topic.c_str(),
+                  entry.value->c_str());
+    else
+      reportNoValue(entry.paragraph, entry.topic);
+  }
   return kOk;
 }
 

@@ -1,6 +1,8 @@
 // fskit ini get|set|list.
+#include <fskit/ini.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -36,12 +38,62 @@ TEST(IniTool, GetSetList) {
   EXPECT_EQ(notFound.out, "");
   EXPECT_EQ(notFound.err, "Cannot find value for paragraph \"P\" topic \"T\"\n");
 
-  for (const auto &args : std::vector<std::vector<std::string>>{
-           {"ini"}, {"ini", "drop", fresh}, {"ini", "get", fresh, "P"},
-           {"ini", "set", fresh, "P", "t"}, {"ini", "list"}}) {
+  for (const auto &args : std::vector<std::vector<std::string>>{{"ini"},
+                                                                {"ini", "drop", fresh},
+                                                                {"ini", "get", fresh, "P"},
+                                                                {"ini", "set", fresh, "P", "t"},
+                                                                {"ini", "list"}}) {
     auto bad = runTool(args);
     EXPECT_EQ(bad.status, 2);
     EXPECT_EQ(bad.out, "");
     EXPECT_EQ(bad.err.find("fskit ini: "), 0u) << bad.err;
   }
+}
+
+// `set` refuses what would change how the file reads, and warns when the
+// value will not read back whole, which the C functions confirm.
+TEST(IniTool, SetRefusesBreakingNamesAndWarnsOfValuesThatDoNotReadBack) {
+  TempDir dir;
+  std::string file = dir.file("app.ini");
+  const std::string before = "; settings\n[A]\nx=1\n";
+  writeFile(file, before);
+  for (const auto &[paragraph, topic, value] :
+       std::vector<std::array<std::string, 3>>{{"A\nB", "t", "v"},
+                                               {"A", "t\r", "v"},
+                                               {"A", "t", "v\nw"},
+                                               {"", "t", "v"},
+                                               {"A]", "t", "v"},
+                                               {"A", "", "v"},
+                                               {"A", "a=b", "v"},
+                                               {"A", "[t", "v"},
+                                               {"A", ";t", "v"},
+                                               {"A", "#t", "v"},
+                                               {"A", " t", "v"},
+                                               {"A", "t ", "v"}}) {
+    auto refused = runTool({"ini", "set", file, paragraph, topic, value});
+    EXPECT_EQ(refused.status, 2) << topic;
+    EXPECT_EQ(refused.err.find("fskit ini: "), 0u) << refused.err;
+    EXPECT_EQ(fskit::test::readFile(file), before);
+  }
+  auto comment = runTool({"ini", "set", file, "A", "t", "v", "two\nlines"});
+  EXPECT_EQ(comment.status, 2);
+  EXPECT_EQ(fskit::test::readFile(file), before);
+
+  // Warned of: the C functions read something else back. Not warned of: the
+  // C functions read the value back whole.
+  const std::string readable = "[A]\nx=1\n";
+  writeFile(file, readable);
+  for (const std::string &value : std::vector<std::string>{
+           "a;\"b\"", "\"q;\"", "\"quoted\"", " lead", "=x", "trail ", std::string(1100, 'v'),
+           "a;b", " lead;x", "=x;y", "a\"b", "plain", ""}) {
+    auto result = runTool({"ini", "set", file, "A", "t", value});
+    EXPECT_EQ(result.status, 0);
+    int32_t handle = fsIniReadFile(file.c_str());
+    char back[1100], comment[1];
+    if (fsIniGetValue(handle, "A", "t", back, comment) == 0) back[0] = '\0';
+    fsIniReleaseFile(handle);
+    bool warned = result.err.find("fskit ini: warning: ") == 0;
+    EXPECT_EQ(warned, std::string(back) != value) << value << " read back as " << back;
+  }
+  EXPECT_EQ(fskit::test::readFile(file), readable + "t = \n");
 }
