@@ -12,6 +12,8 @@ install(DIRECTORY include/fskit DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
 install(FILES ${PROJECT_BINARY_DIR}/include/fskit/version.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fskit)
 install(EXPORT fskitTargets NAMESPACE fskit:: DESTINATION ${FSKIT_CMAKE_DIR})
+# The licence goes with every copy of the library.
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 set(FSKIT_ELEMENT_FILE ${CMAKE_INSTALL_DATADIR}/fskit/kw_elements.tbl)
 configure_package_config_file(cmake/fskitConfig.cmake.in

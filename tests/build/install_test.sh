@@ -27,6 +27,7 @@ cmake --install "$build" --prefix "$prefix" >/dev/null
 for file in include/fskit/{fskit,frame,export,version}.h share/man/man1/fskit.1 share/fskit/kw_elements.tbl; do
   [ -f "$prefix/$file" ] || { echo "FAIL: $file not installed"; exit 1; }
 done
+cmp -s "$source/LICENSE" "$prefix/share/doc/fskit/LICENSE" || { echo "FAIL: LICENSE not installed"; exit 1; }
 [ -x "$prefix/bin/fskit" ] || { echo "FAIL: bin/fskit not installed"; exit 1; }
 # The installed tool finds its library and the shipped element table by its
 # own place, without LD_LIBRARY_PATH.

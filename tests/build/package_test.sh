@@ -24,7 +24,8 @@ lib='usr/lib(/[a-z0-9_-]+)?'  # usr/lib, or usr/lib/<multiarch> when configured 
 for file in usr/bin/fskit usr/include/fskit/fskit.h usr/include/fskit/version.h \
             $lib/libfskit.so $lib/libfskit.so.1 $lib/libfskit.a \
             $lib/cmake/fskit/fskitConfig.cmake $lib/pkgconfig/fskit.pc \
-            usr/share/fskit/kw_elements.tbl usr/share/man/man1/fskit.1; do
+            usr/share/fskit/kw_elements.tbl usr/share/man/man1/fskit.1 \
+            usr/share/doc/fskit/LICENSE; do
   grep -Eq "^\./$file( |$)" <<<"$contents" || { echo "FAIL: $file not in the package"; exit 1; }
 done
 for header in "$source"/include/fskit/*.h; do
