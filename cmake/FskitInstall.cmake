@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 include(CMakePackageConfigHelpers)
 
 set(FSKIT_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/fskit)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # libfskit.so and libfskit.a from the objects of every family.
 
 get_property(fskit_objects GLOBAL PROPERTY FSKIT_OBJECT_LIBRARIES)

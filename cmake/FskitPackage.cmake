@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # `cpack -G DEB` in the build tree makes one Debian package with everything
 # `cmake --install` puts in place: the shared and static library, headers,
 # CMake package, pkg-config file, element file, tool and manual page.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit: the library's main jobs at the command line.
 #include <cstdio>
 #include <cstring>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the built tree into a temporary prefix, then builds and runs small
 # C and C++ programs against it, through find_package and through pkg-config,
 # with the shared and with the static library.

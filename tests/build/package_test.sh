@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the Debian package with cpack, checks what it holds, extracts it into
 # a temporary directory (it is never installed into the system) and runs the
 # tool and the examples against the extracted files. Exits 77 (skipped) when

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fskit tool's own behaviour: help, version, platform and usage errors.
 #include <gtest/gtest.h>
 
