@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internals of the chemistry family: the process-wide element table with its
 // label index, the element-file reader and the formula token scanner.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading an element file into records.
 #include <algorithm>
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The process-wide element table: the table readers see, the tables kept for
 // them, and the first load. Constant-initialised: nothing runs at load time,
 // and no table is present until the first load.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exported element-table functions: loading, lookup and record copies.
 #include <sys/stat.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsTblParseMF: a formula reduced to its distinct symbols, masses and
 // ring-plus-double-bond value, and written back in element-table order.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsTblParseMFRange: one entry per token, with count ranges and marks.
 #include <cstring>
 #include <utility>

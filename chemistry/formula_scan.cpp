@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // scanFormulaToken: the one tokeniser of both formula parsers.
 #include <cstdint>
 

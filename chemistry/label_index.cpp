@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The label index that makes lookups independent of the table's size.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Shared compile settings and the family helper.
 #
 # Every family is an OBJECT library `fskit_<family>`; the shared and the static

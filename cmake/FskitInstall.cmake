@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 include(CMakePackageConfigHelpers)
 
 set(FSKIT_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/fskit)
@@ -12,6 +13,8 @@ install(DIRECTORY include/fskit DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
 install(FILES ${PROJECT_BINARY_DIR}/include/fskit/version.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fskit)
 install(EXPORT fskitTargets NAMESPACE fskit:: DESTINATION ${FSKIT_CMAKE_DIR})
+# The licence goes with every copy of the library.
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 set(FSKIT_ELEMENT_FILE ${CMAKE_INSTALL_DATADIR}/fskit/kw_elements.tbl)
 configure_package_config_file(cmake/fskitConfig.cmake.in
@@ -27,6 +30,16 @@ install(FILES ${PROJECT_BINARY_DIR}/fskitConfig.cmake
 # The .pc file finds its prefix from its own place, so an installed tree can
 # be moved (and tested in a temporary prefix).
 file(RELATIVE_PATH FSKIT_PC_UP "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+# A static link (pkg-config --static) adds what libfskit.a needs besides: the
+# C++ runtime (for a program linked by the C driver), the maths library and
+# the thread library where the platform has one of its own.
+set(FSKIT_PC_LIBS_PRIVATE "")
+foreach(lib IN LISTS FSKIT_CXX_RUNTIME ITEMS m)
+  list(APPEND FSKIT_PC_LIBS_PRIVATE -l${lib})
+endforeach()
+list(APPEND FSKIT_PC_LIBS_PRIVATE ${CMAKE_THREAD_LIBS_INIT})
+list(REMOVE_DUPLICATES FSKIT_PC_LIBS_PRIVATE)
+list(JOIN FSKIT_PC_LIBS_PRIVATE " " FSKIT_PC_LIBS_PRIVATE)
 configure_file(cmake/fskit.pc.in ${PROJECT_BINARY_DIR}/fskit.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/fskit.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

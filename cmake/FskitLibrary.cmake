@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # libfskit.so and libfskit.a from the objects of every family.
 
 get_property(fskit_objects GLOBAL PROPERTY FSKIT_OBJECT_LIBRARIES)
@@ -6,6 +7,7 @@ foreach(obj IN LISTS fskit_objects)
   list(APPEND fskit_object_files $<TARGET_OBJECTS:${obj}>)
 endforeach()
 
+find_package(Threads REQUIRED)
 add_library(fskit SHARED ${fskit_object_files})
 add_library(fskit_static STATIC ${fskit_object_files})
 foreach(lib fskit fskit_static)
@@ -14,7 +16,20 @@ foreach(lib fskit fskit_static)
     $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_libraries(${lib} PRIVATE $<BUILD_INTERFACE:fskit_options>)
-  target_link_libraries(${lib} PUBLIC m)
+  target_link_libraries(${lib} PUBLIC m PRIVATE Threads::Threads)
+endforeach()
+
+# The C++ runtime the library's objects need (libstdc++ or libc++, with what
+# it brings): the libraries the C++ driver links that the C driver does not.
+# A program of C alone links libfskit.a with the C driver, so the static
+# library names them itself for a C link; a link by the C++ driver has them.
+set(FSKIT_CXX_RUNTIME ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
+if(CMAKE_C_IMPLICIT_LINK_LIBRARIES)
+  list(REMOVE_ITEM FSKIT_CXX_RUNTIME ${CMAKE_C_IMPLICIT_LINK_LIBRARIES})
+endif()
+list(REMOVE_DUPLICATES FSKIT_CXX_RUNTIME)
+foreach(runtime IN LISTS FSKIT_CXX_RUNTIME)
+  target_link_libraries(fskit_static INTERFACE $<$<LINK_LANGUAGE:C>:${runtime}>)
 endforeach()
 # The exported names live in exports.txt. FSKIT_API marks them in the sources.
 # On ELF a version script made from the same list keeps everything else

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # `cpack -G DEB` in the build tree makes one Debian package with everything
 # `cmake --install` puts in place: the shared and static library, headers,
 # CMake package, pkg-config file, element file, tool and manual page.
@@ -12,6 +13,11 @@ number formats, dates, sorts, files and directories, command lines and tag
 tables, and the fskit command-line tool that puts its main jobs in a user's
 hands.")
 set(CPACK_PACKAGE_VENDOR "fskit developers")
+# The licence: its text for the generators that show one, its name where a
+# package has a field for it (RPM); a Debian package has the text installed
+# in /usr/share/doc/fskit.
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_RPM_PACKAGE_LICENSE MIT)
 if(NOT CPACK_PACKAGE_CONTACT)
   set(CPACK_PACKAGE_CONTACT "fskit developers <fskit@localhost>")
 endif()

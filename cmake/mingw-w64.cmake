@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Cross-compiling fskit for Windows with Debian's mingw-w64 compilers.
 #
 #   cmake -S . -B build-win64 --toolchain cmake/mingw-w64.cmake -DFSKIT_WINDOWS_ARCH=x86_64

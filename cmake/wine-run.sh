@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs a Windows program under wine for CTest: wine's own diagnostics off,
 # and a wine prefix of fskit's own, made on first use (one maker at a time).
 # usage: wine-run.sh WINE PROGRAM [ARGUMENTS...]

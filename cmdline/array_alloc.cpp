@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kwaArrayAlloc: sizing a caller's growable array record.
 #include <cstdlib>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kwaCmdLnStr: a program's arguments joined back into one line.
 #include <cstdint>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kwaCmdLnPrts: one left-to-right pass over a writable line, splitting it in
 // place into arguments and slash qualifiers.
 #include <cstdio>

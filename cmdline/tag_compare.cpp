@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two orders of a tag table, as comparators for a standard sort.
 #include <cstring>
 

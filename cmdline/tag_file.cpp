@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kwaReadTags: a tag file read line by line into a tag table.
 #include <cstdio>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tag tables: adding pairs and looking tags and labels up.
 #include <algorithm>
 #include <cstdlib>

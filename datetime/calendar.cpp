@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Leap years, month names and numbers, and days of the year.
 #include <fskit/datetime.h>
 #include <fskit/strings.h>

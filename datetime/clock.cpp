@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The current local time, and local times as seconds since 1970. Nothing is
 // shared between threads: fsNowAscTime hands out a text of the calling
 // thread's own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The calendar tables and the working record of the date/time conversion,
 // shared by the calendar functions, the layout readers and writers.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsDateTime: reads a date/time text in one layout and writes it in another.
 #include <cstdio>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading the input layouts of fsDateTime. Every text field is read with a
 // width (%3s, %2s, %3c), so no input can write past the conversion's fields.
 #include <climits>

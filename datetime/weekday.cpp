@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The weekday of a date, 1 Monday to 7 Sunday.
 //
 // Dates of the 1900s, and two-digit years, which the data system's files hold

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* Parsing a command line of arguments and slash qualifiers.
  *
  *   command_line ARGUMENT... [/QUALIFIER[=VALUE]]...

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* Decoding a file of foreign number words.
  *
  *   decode_words vaxf FILE   a file of DEC VAX F floating-point numbers

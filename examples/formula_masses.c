@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* Loading the element table and computing the masses of molecular formulas.
  *
  *   formula_masses ELEMENT_FILE FORMULA...

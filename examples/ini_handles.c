@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* Reading and updating an INI file through handles.
  *
  *   ini_handles FILE

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* Taking over the library's messages and log, and asking a long job to stop.
  *
  *   messages_and_log

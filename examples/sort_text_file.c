@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* Sorting a text file too large for memory with fsStrSort.
  *
  *   sort_text_file INPUT OUTPUT BUFFER_BYTES [WORK_PREFIX]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Creating and removing directories.
 #include <cerrno>
 #include <cstring>

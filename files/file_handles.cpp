@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Opening and closing files with printable error texts, existence and size.
 #include <cerrno>
 #include <climits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Splitting paths into directory, name and extension, and appending
 // sub-directories. Only the backslash separates.
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Releasing lists of file records.
 #include <cstdlib>
 #include <initializer_list>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The modification time of a file as the stamp yyyymmddhhmmss+0000.
 #include <cstdlib>
 #include <cstring>

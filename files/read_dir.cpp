@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Directory listing: the search pattern, the records of the names found and
 // the growth of the list.
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The allocation helpers that hand texts to callers, and their release.
 // Every block comes from malloc so that callers free it with fsFree().
 #include <cstdarg>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsMessage, fsMessages, the default message function and the registration
 // of message and stop functions.
 #include <cstdarg>

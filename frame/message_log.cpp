@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The default log function and the log registration.
 #include <cstdio>
 #include <mutex>

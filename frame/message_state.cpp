@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "frame/message_state.h"
 
 namespace fskit::frame {

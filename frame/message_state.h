@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Process-wide state of the message framework, shared by the message and the
 // log functions. Constant-initialised: nothing runs at load time. The
 // registered functions and the logging flag are atomic, so a thread reads

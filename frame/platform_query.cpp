@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The platform query, the platform services that are empty here, and the
 // shell escape.
 #include <cstdlib>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the fuzz preset and runs every fuzz target for SECONDS each (default
 # 30), starting from its seed corpus in fuzz/corpus/<target>/, FUZZ_JOBS
 # targets at a time (default: one per processor). New inputs go to a scratch

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The in-memory INI document: paragraphs of lines, each line a topic with its
 // value and comment, a comment alone, or blank. Every line that is understood
 // is kept in file order, so that a document written back keeps its comments

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The document: its list of paragraphs and the lookups across them.
 #include "ini/document.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One line of a paragraph: taking it from a stream or a text and writing it back.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The first-match name index behind the lookups of lines and paragraphs.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Opening documents into slots and releasing them.
 #include <cstdio>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A paragraph: its header, its lines, and the lookups of topics within it.
 #include <cstring>
 

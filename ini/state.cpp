@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ini/state.h"
 
 #include <cstring>

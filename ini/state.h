@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Process-wide state of the INI family: the slot table behind the handles,
 // where fsIniNext stands, and the test seams. Constant-initialised: nothing
 // runs at load time, and the table starts zeroed.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Storage of the INI document: allocation that a test can make fail, texts,
 // and the growing list of slots in which paragraphs and documents keep their
 // lines and paragraphs. Nothing here throws: a failed allocation gives null.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text setters' rules, shared by lines, paragraphs and documents.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Looking values up, setting them, and walking through all of them.
 #include <cstdio>
 #include <cstring>

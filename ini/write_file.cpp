@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writing files, for fsIniWriteFile and the lossless documents: a regular
 // file is replaced only by a complete new text, so that a failure half-way (a
 // full disk, a quota) leaves the old file as it was; other targets are

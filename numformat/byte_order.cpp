@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // IEEE copies and the big-endian HP and Nova words. Every source byte is read
 // before the first one is written, so each works in place.
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The INCOS mass word: three exponent bits over a 13-bit mantissa. Exponent
 // 0 counts in steps of 1/256; exponents 1 to 7 add 8196 (not 8192, so the
 // second range begins at 32.015625, leaving a gap after 31.99609375) and

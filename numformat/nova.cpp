@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Data General Nova floating point: sign, a power of sixteen with excess 64
 // and a fraction below 1, most significant byte first. The fraction is an
 // integer of 24 (56) bits converted to double and scaled by a power of two

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Quor intensity word, mass word and six-byte record. Both words are an
 // IEEE number with a five-bit exponent and its sign and lowest fraction bits
 // cut away: the intensity is 1.m x 2^(x-1) with eleven fraction bits, the mass

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DEC VAX F_floating and D_floating. A VAX number holds the same fields as an
 // IEEE one (sign, exponent, fraction, from the top bit down), but stored as
 // 16-bit little-endian words beginning with the most significant word. So

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loading and storing the words of the foreign formats. Foreign byte orders
 // are turned into the host's through std::endian, so the code is right on a
 // host of either byte order; every access goes through memcpy, which makes it

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "frame/ascii.h"
 #include "platform/platform.h"
 

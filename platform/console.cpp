@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // _getch: one key from standard input, unbuffered and without echo, in the
 // codes of the original console. Keys that a terminal sends as escape
 // sequences come back as two codes, a prefix (0 or 224) and the key's code;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Directory creation and removal, and the paths the directory services take.
 #include <unistd.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Directory searches over opendir/readdir with the original platform's
 // pattern rules.
 #include <dirent.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Functions registered to run when the library goes away. They run from the
 // shared library's destructor, which runs both at dlclose() and at process
 // exit, before the C runtime closes the standard streams.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The thin layer between the library and the operating system. The library's
 // own code reaches the platform only through these names, which are those of
 // the original platform; a Windows build maps them back to the real calls

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/temporary_name.h"
 
 #if defined(_WIN32)

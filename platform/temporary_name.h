@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The temporary file of a file replacement (both sides of replace_file):
 // beside its target, so that the rename stays within one directory.
 #pragma once

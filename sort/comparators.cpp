@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of 80 comparators with the qsort signature, four per sort type:
 // on elements, on a field of the elements, and the two on element numbers of
 // an index sort. They take what qsort cannot pass them from the calling

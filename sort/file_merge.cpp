@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The merge of sorted work files. Each file is read through a buffer that
 // grows to hold its longest line, so lines of any length survive; the files'
 // current lines are kept in a heap, smallest on top, equal lines taken from

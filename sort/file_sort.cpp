@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsStrSort: the lines of a text file sorted into another file. A file that
 // fits into the buffer is sorted in memory; a larger one is cut at line ends
 // into chunks, each sorted and written to a work file, and the work files are

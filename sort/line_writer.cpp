@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Output of the file sort: lines gathered in a large buffer and written in
 // blocks, which spares a formatted call per line.
 #include <cstdio>

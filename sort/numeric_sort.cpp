@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numeric keys: turned into unsigned integers whose plain order is the key
 // order and sorted by radix, which beats any comparison sort on such keys and
 // is stable, so equal keys keep their order.

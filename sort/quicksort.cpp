@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsQsort: the library's quicksort for callers with their own comparison.
 // The pivot is whatever occupies the last slot of a range, compared in place,
 // so the order it leaves equal keys in is fixed by the partition steps below.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsSortArrays: parallel arrays sorted by the first. The order is worked out
 // once on the key array; then every array's elements move along the cycles of
 // that permutation, so each element is moved once and no copy of a whole

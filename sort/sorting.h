@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Internals shared by the sort family: sort types, the comparator table and
 // the sort context, the key-ordered sorts behind fsSort and fsSortIndex, and
 // the work files of the file sort.

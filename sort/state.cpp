@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sort family's per-thread state: the sort context that the comparators
 // read. Constant-initialised, so reaching it costs no guard.
 #include "sort/sorting.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // String and byte-block keys, sorted eight bytes at a time: each element
 // carries the next eight bytes of its key as one integer, so most comparisons
 // touch no key memory at all; only runs that tie on those bytes load the next

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsSort and fsSortIndex. Both set the sort context as the comparators expect
 // it, then sort with code that knows the key's type (no call per comparison);
 // the comparators and the C library's qsort remain the way out when working

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The work files of the file sort: their names, the slots that hold the open
 // files, and the clean-up that closes and removes them, after every sort and
 // once more when the library is unloaded. The sorts in progress are kept in

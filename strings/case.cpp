@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Copies with a change of case, and case changes in place.
 #include <fskit/strings.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Removing and replacing: strremove, strreplace, strRemOuter.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // strcvtesc: backslash escapes to the characters they stand for.
 #include <fskit/strings.h>
 

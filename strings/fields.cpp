@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fixed lengths and fields: strncpyn, strncpyp, strncpyb, strnpad, strcenter,
 // strfcpy.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // stringHash: a hash of a text for a table of a given size.
 #include <cstring>
 

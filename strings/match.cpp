@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Matching: wildcard patterns, unambiguous abbreviations and quit words.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Helpers shared by the string functions: null-tolerant reading, signed-byte
 // views and delimiter sets.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Searching and comparing: stridx, striidx, strcmps, stricmps.
 #include <cstring>
 

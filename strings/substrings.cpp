@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Substrings: strleft, strmid, strright, strextract, strrepeat, strreverse.
 #include <algorithm>
 #include <cstdint>

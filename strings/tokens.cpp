@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tokens: strtoken reads one at a time, strqtoks finds all at once.
 #include <cstring>
 

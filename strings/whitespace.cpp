@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // White space: strcompress, strtrim, strcollapse, strqcollapse, strwhite.
 #include <fskit/strings.h>
 

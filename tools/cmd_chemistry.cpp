@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit formula, fskit elements.
 //
 // The element table comes from, in this order: --elements FILE; the file an

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit cmdline, fskit tags.
 #include <cerrno>
 #include <cstdio>

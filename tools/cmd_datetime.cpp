@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit date: converts a date/time text between the layouts of fsDateTime.
 #include <charconv>
 #include <cstdio>

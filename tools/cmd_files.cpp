@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit ls: the records of a directory listing.
 #include <dirent.h>
 

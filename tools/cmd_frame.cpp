@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit version, fskit platform.
 #include <cstdio>
 

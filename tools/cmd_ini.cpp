@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit ini get|set|list: INI files at the command line, through the lossless
 // document: a file keeps every line but the one `set` changes or adds.
 #include <sys/stat.h>

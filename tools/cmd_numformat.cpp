@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit convert: foreign numbers to text and back, one value per argument or
 // a whole binary file of them.
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit sort: the library's external sort of a text file's lines.
 #include <cerrno>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit key, fskit des.
 #include <cstdio>
 #include <string>

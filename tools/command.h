@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fskit tool's commands and the small helpers they share.
 #pragma once
 

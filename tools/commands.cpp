@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of the tool's commands. Each family's commands live in their own
 // file (cmd_<family>.cpp); their entries go under the family's marker below.
 #include "tools/command.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit: the library's main jobs at the command line.
 #include <cstdio>
 #include <cstring>
@@ -12,7 +13,8 @@ using fskit::tool::commands;
 void printOverview(std::FILE *out) {
   std::fprintf(out,
                "usage: fskit COMMAND [ARGUMENTS...]\n"
-               "       fskit COMMAND --help\n\ncommands:\n");
+               "       fskit COMMAND --help\n"
+               "       fskit --version\n\ncommands:\n");
   for (const Command &command : commands())
     std::fprintf(out, "  %-10s %s\n", command.name, command.summary);
 }
@@ -33,6 +35,8 @@ int main(int argc, char **argv) {
     printOverview(stdout);
     return fskit::tool::kOk;
   }
+  // --version is the conventional spelling of the version command.
+  if (std::strcmp(name, "--version") == 0) name = "version";
   const Command *command = findCommand(name);
   if (command == nullptr)
     return fskit::tool::usageError("", std::string("unknown command '") + name +

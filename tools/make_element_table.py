@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Builds data/kw_elements.tbl, the element file shipped with fskit.
 
 Source: data/nist-isotopes.txt, the NIST "Atomic Weights and Isotopic

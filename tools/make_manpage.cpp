@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes the tool's manual page: the template with its @VERSION@ replaced
 // and its @COMMANDS@ line replaced by one section per command, made from the
 // command table, so the page says what `fskit COMMAND --help` says.

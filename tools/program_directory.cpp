@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the running fskit program lies, from the system's own record of it.
 #if defined(_WIN32)
 #include <windows.h>

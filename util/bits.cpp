@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bit helpers and the three exported bit tables.
 #include <fskit/util.h>
 

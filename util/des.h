@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DES block cipher and key schedule behind desEncrypt()/desDecrypt().
 //
 // A 64-bit block is two 32-bit words. In DES's own numbering of the block's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DES (FIPS PUB 46): the standard's permutations, expansion and S-boxes.
 // Bit k of DES's numbering (1 to 64) is bit k - 1 of a uint64_t here, so the
 // tables below are the standard's own, position for position.

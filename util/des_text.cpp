@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // desEncrypt() and desDecrypt(): texts in 8-byte blocks under the library's
 // fixed key, written as hexadecimal digits. An obfuscation, not protection:
 // the key ships inside the library.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lookups of names and constants in a caller's identification table.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // getKeyCode(): one key press as one number. The console delivers function,
 // cursor and editing keys as a prefix (0 or 224) and a second code; the
 // extended-key table turns that code into the key's named code.

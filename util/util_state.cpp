@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "util/util_state.h"
 
 namespace fskit::util {

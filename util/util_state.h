@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Process-wide state of the util family: the extended-key table of
 // getKeyCode(). Constant-initialised: nothing runs at load time; the table is
 // filled once, by the first call, whichever thread makes it.

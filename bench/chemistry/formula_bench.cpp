@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Formula parsing and element lookup against the shipped element file.
 //
 // Baselines, measured in the same run: for a parse, copying the formula text

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading, walking and writing generated INI files of 1 MB and 20 MB through
 // the handle API, against a plain fgets loop over the same file as the floor.
 // Prints MB/s per benchmark, then each one's time as a multiple of the floor

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "call_floor.h"
 
 #include <cstdint>

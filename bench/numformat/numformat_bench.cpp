@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Each converter turns a 64 MB array value by value, one call through the
 // shared library per value as callers do, and is reported next to two floors
 // measured in the same run: a byte swap of the same size called the same way

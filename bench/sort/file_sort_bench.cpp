@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsStrSort on a generated text file, in memory and with a buffer of a tenth
 // of the file (ten work files), against GNU sort (LC_ALL=C, --parallel=1)
 // with the same memory. The 50 MB file runs by default; --large adds a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the registered benchmarks and then prints, for each comparison, the
 // time of the baseline divided by the time of the candidate, both measured
 // in this run (above 1: the candidate is faster). CPU time by default: it

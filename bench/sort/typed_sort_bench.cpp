@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsSort and fsSortIndex on 10 million keys against what a caller would use
 // instead: the C library's qsort with an equivalent comparison function, and
 // std::sort on the bare key type.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The string scanners on 1 MB inputs against the C library and a plain copy
 // loop, measured in the same run; the ratios are printed at the end.
 #include <benchmark/benchmark.h>

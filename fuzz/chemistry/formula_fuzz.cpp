@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The formula parsers on any text, with the shipped element table. What
 // fsTblParseMF stores agrees with the table, its masses are the sums over the
 // symbols, and its canonical text (dotted) parses again to the same result;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kwaCmdLnPrts on any line: the record points into the line, the messages
 // are the documented ones, and a line written back from a clean parse (every
 // token quoted) parses to the same parts.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kwaReadTags on any tag file: every record is well formed, and the table
 // written back as a tag file reads into the same table.
 // Input: one byte (odd: keyword mode), then the file.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsDateTime on any text in every input layout, into every output layout:
 // results fit 60 characters, the messages are the documented ones, and what
 // it writes as the asctime text (output 4) or as the stamp (output 6) reads

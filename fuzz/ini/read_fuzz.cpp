@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The INI reader on any text: lookups find the first paragraph and line of
 // each name, and a document that is written, read again and written again
 // gives the same bytes. With the first input byte odd, memory runs out after

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every number decoder on any bit pattern (the first 8 input bytes, zero
 // padded): each gives a number, never NaN, the same in place as into another
 // buffer, and encoding the number again and decoding it gives it back.

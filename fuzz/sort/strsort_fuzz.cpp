@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsStrSort on any small file with small buffers, in memory, in chunks and
 // through merge passes: the output holds exactly the lines the chunks read
 // (in order, unless a line holds a byte below the line feed, which the merge

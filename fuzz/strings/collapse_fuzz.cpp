@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The white-space editors on any text: strcompress and strtrim against a
 // split into words, strcollapse and strqcollapse against what they may
 // remove, strfcpy on a field that has no NUL of its own.

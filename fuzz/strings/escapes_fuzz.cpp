@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // strcvtesc on any text, in place and into a separate buffer, and on an
 // escaped form of the input that must turn back into the input.
 #include <fskit/strings.h>

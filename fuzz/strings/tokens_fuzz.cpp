@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // strqtoks and strtoken on any text and delimiter set.
 // Input: one byte (low 4 bits: strtoken's maxLen, high 4 bits: strqtoks'
 // capacity), then the delimiters, a NUL and the text; without a NUL the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // strwildcmp against a plain table-filling matcher.
 // Input: the any-character byte, the any-run byte, then the pattern, a NUL
 // and the text (without a NUL the text is empty).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Helpers shared by the fuzz targets: invariant checks that stop the run,
 // exact-size copies of the input, and a place to catch what a call prints.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // desDecrypt on any text, into a buffer of exactly the documented size, and
 // desDecrypt(desEncrypt(x)) giving x up to its first blank.
 #include <fskit/util.h>

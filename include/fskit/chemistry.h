@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit chemistry: the process-wide element table and the molecular-formula
  * parsers.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit cmdline: a command line of arguments and slash qualifiers, growable
  * array records, and tag/label tables read from tag files.
  *

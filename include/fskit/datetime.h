@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit datetime: calendar helpers and the conversion of dates and times
  * between numbered text layouts.
  *

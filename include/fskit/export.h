@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit: export and linkage macros shared by every public header. */
 #ifndef FSKIT_EXPORT_H
 #define FSKIT_EXPORT_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit files: file names, file records, file times and sizes, directory
  * listing, creation and removal.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit frame: messages, logging, stop requests, allocation helpers and
  * platform services.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit: the whole public interface. Each family's header can also be
  * included on its own. */
 #ifndef FSKIT_FSKIT_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit ini: INI files through small integer handles.
  *
  * A document is read from a file (or created empty) into one of 10 slots,

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit numformat: single values between the host's IEEE numbers and the
  * formats of older computers and instruments (DEC VAX F and D, HP and Data
  * General Nova words, Nova floating point, the INCOS mass word and the Quor

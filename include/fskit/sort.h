@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit sort: typed sorts by sort-type number, the library's own quicksort,
  * the multi-array sort and the external sort of text files.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit strings: copying, padding, case, substrings, searching, matching,
  * trimming, quoting, escapes and tokens on NUL-terminated 8-bit texts and on
  * fixed-width fields (runs of exactly n bytes that need not end with a NUL).

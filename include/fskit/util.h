@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: MIT */
 /* fskit util: name and constant identification, bit helpers, console key
  * codes and a DES-based string cipher.
  *

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The C runtime's own case-insensitive comparisons. Its "C" locale, which a
 // program has unless it calls setlocale, changes the case of A-Z only.
 #include <cstring>

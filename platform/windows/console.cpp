@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // _getch on Windows: the console's own key read, which already delivers the
 // two codes of the extended keys, when standard input is the console. Input
 // that is piped or redirected from a file gives its bytes one by one, as the

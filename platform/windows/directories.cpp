@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Directory creation and removal by the C runtime, paths as they are given.
 #include <direct.h>
 #include <windows.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The C runtime's _stat, whose record has the fields of struct stat under
 // other types; copied field by field rather than cast.
 #include "platform/platform.h"

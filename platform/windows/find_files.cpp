@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Directory searches by the system's FindFirstFileA, whose record is the one
 // the listing expects: its 318 bytes of fields are copied whole (the
 // system's own struct adds two bytes of tail padding).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Replacing a file on Windows: the new text goes to a temporary file beside
 // the target, opened in text mode like the target's own fopen(..., "w")
 // would be, and ReplaceFile then puts it in the target's place, keeping the

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # The library must export exactly the names in exports.txt: nothing missing,
 # nothing more. A shared object's dynamic symbol table is read with nm -D, a
 # DLL's export table with objdump -p (undecorated names, as C callers and

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the built tree into a temporary prefix and runs the examples
 # against it (run_examples.sh).
 # usage: examples_test.sh BUILD_DIR SOURCE_DIR

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the built tree into a temporary prefix, then builds and runs small
-# C and C++ programs against it, through find_package and through pkg-config.
+# C and C++ programs against it, through find_package and through pkg-config,
+# with the shared and with the static library.
 # usage: install_test.sh BUILD_DIR SOURCE_DIR
 set -euo pipefail
 build=$1 source=$2
@@ -8,6 +10,12 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
 expected='consumer: fskit winnt little ieee'
+
+static() {  # static NAME PROGRAM: the program holds the library itself
+  if objdump -p "$2" | grep -q 'NEEDED.*libfskit'; then
+    echo "FAIL $1: linked with the shared library"; exit 1
+  fi
+}
 
 check() {  # check NAME PROGRAM...
   local name=$1 out; shift
@@ -20,6 +28,7 @@ cmake --install "$build" --prefix "$prefix" >/dev/null
 for file in include/fskit/{fskit,frame,export,version}.h share/man/man1/fskit.1 share/fskit/kw_elements.tbl; do
   [ -f "$prefix/$file" ] || { echo "FAIL: $file not installed"; exit 1; }
 done
+cmp -s "$source/LICENSE" "$prefix/share/doc/fskit/LICENSE" || { echo "FAIL: LICENSE not installed"; exit 1; }
 [ -x "$prefix/bin/fskit" ] || { echo "FAIL: bin/fskit not installed"; exit 1; }
 # The installed tool finds its library and the shipped element table by its
 # own place, without LD_LIBRARY_PATH.
@@ -36,9 +45,23 @@ cmake --build "$work/consumer" >/dev/null
 check find_package-c "$work/consumer/consumer_c"
 check find_package-c++ "$work/consumer/consumer_cxx"
 check find_package-static "$work/consumer/consumer_static"
+static find_package-static "$work/consumer/consumer_static"
+# A project of C alone: the static library brings its C++ runtime with it.
+cmake -S "$source/tests/build/consumer_c" -B "$work/consumer_c" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$work/consumer_c" >/dev/null || { echo "FAIL: C-only find_package consumer does not build"; exit 1; }
+check find_package-c-only-shared "$work/consumer_c/consumer_shared"
+check find_package-c-only-static "$work/consumer_c/consumer_static"
+static find_package-c-only-static "$work/consumer_c/consumer_static"
 
 export PKG_CONFIG_PATH=$libdir/pkgconfig
 cc -o "$work/pc_c" "$source/tests/build/consumer/consumer.c" $(pkg-config --cflags --libs fskit)
 c++ -std=c++20 -o "$work/pc_cxx" "$source/tests/build/consumer/consumer.cpp" $(pkg-config --cflags --libs fskit)
 LD_LIBRARY_PATH=$libdir check pkg-config-c "$work/pc_c"
 LD_LIBRARY_PATH=$libdir check pkg-config-c++ "$work/pc_cxx"
+# --static adds what libfskit.a needs; -l:libfskit.a picks it over libfskit.so.
+static_libs=$(pkg-config --static --libs fskit)
+static_libs=${static_libs/-lfskit/-l:libfskit.a}
+cc -o "$work/pc_static" "$source/tests/build/consumer/consumer.c" $(pkg-config --cflags fskit) $static_libs ||
+  { echo "FAIL: C program does not link with pkg-config --static"; exit 1; }
+check pkg-config-c-static "$work/pc_static"
+static pkg-config-c-static "$work/pc_static"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs a Windows build into a temporary prefix, builds the consumer
 # programs against it with the same cross compiler (through find_package, the
 # DLL's import library and the static library), and runs them and the

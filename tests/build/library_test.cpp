@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shared library as a program that loads it by name sees it: data and
 // functions work through the addresses found, and unloading runs the
 // library's clean-up. (That every listed name is exported, nothing more, is

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the Debian package with cpack, checks what it holds, extracts it into
 # a temporary directory (it is never installed into the system) and runs the
 # tool and the examples against the extracted files. Exits 77 (skipped) when
@@ -24,7 +25,8 @@ lib='usr/lib(/[a-z0-9_-]+)?'  # usr/lib, or usr/lib/<multiarch> when configured 
 for file in usr/bin/fskit usr/include/fskit/fskit.h usr/include/fskit/version.h \
             $lib/libfskit.so $lib/libfskit.so.1 $lib/libfskit.a \
             $lib/cmake/fskit/fskitConfig.cmake $lib/pkgconfig/fskit.pc \
-            usr/share/fskit/kw_elements.tbl usr/share/man/man1/fskit.1; do
+            usr/share/fskit/kw_elements.tbl usr/share/man/man1/fskit.1 \
+            usr/share/doc/fskit/LICENSE; do
   grep -Eq "^\./$file( |$)" <<<"$contents" || { echo "FAIL: $file not in the package"; exit 1; }
 done
 for header in "$source"/include/fskit/*.h; do

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the programs of examples/ against an installed fskit, once through
 # find_package and once through pkg-config, runs each in a directory of its
 # own (holding copies of the data files made below) and compares what it

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The element table: reading the element file, loading rules, lookups and
 // the messages of each failure.
 #include <fskit/chemistry.h>

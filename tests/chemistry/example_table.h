@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The small element file the table and formula tests share: three elements,
 // seven isotopes, ten records (C 12C 13C H 1H 2H O 16O 17O 18O).
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The formula parsers against the example element file (C, H and O with
 // isotopes at indexes 0 to 9).
 #include <fskit/chemistry.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cases that once went wrong in the chemistry family, one line each on what did.
 #include <fskit/chemistry.h>
 #include <fskit/ini.h>

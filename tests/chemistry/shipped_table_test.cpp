@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shipped element file: complete, and reproducing published masses.
 #include <fskit/chemistry.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit formula and fskit elements.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kwaCmdLnStr and kwaArrayAlloc.
 #include <fskit/cmdline.h>
 #include <fskit/frame.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kwaCmdLnPrts: the documented examples, and generated lines checked against
 // a second, plain implementation that builds each token's text by appending
 // characters instead of parsing in place.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cases of the command-line and tag family that once went wrong.
 #include <fskit/cmdline.h>
 #include <gtest/gtest.h>

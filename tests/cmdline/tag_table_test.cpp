@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tag tables: reading tag files, adding pairs, lookups both ways, the two
 // comparators.
 #include <fskit/cmdline.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The cmdline and tags commands of the fskit tool.
 #include <gtest/gtest.h>
 

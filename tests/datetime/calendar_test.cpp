@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Calendar functions, checked against the C++ calendar over whole ranges.
 #include <fskit/datetime.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsDateTime: every input and output layout, separators, useNow and messages.
 #include <fskit/datetime.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cases that once went wrong in the datetime family, each with what it used to do.
 #include <fskit/datetime.h>
 #include <gtest/gtest.h>

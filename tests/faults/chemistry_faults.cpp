@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The element table and the formula parser under allocation failure: a load
 // that gets no memory leaves no table and says so; a parser asked for more
 // than 100 symbols falls back to 100 or leaves its text empty.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command-line and tag-table functions under allocation failure.
 #include <fskit/cmdline.h>
 #include <fskit/frame.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files family's allocating functions under allocation failure.
 #include <fskit/files.h>
 #include <gtest/gtest.h>

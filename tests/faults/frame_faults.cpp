@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The frame's allocating functions under allocation failure.
 #include <fskit/frame.h>
 #include <gtest/gtest.h>

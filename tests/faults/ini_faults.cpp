@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The INI functions under allocation failure: a document keeps what was read
 // or set before memory ran out, and a file is replaced only when the whole
 // document could be written.

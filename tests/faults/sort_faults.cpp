@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sorts under allocation failure: the typed sorts fall back to sorting
 // in place, fsSortArrays either sorts or reports and moves nothing, and
 // fsStrSort writes the whole output or fails with its text, never leaving a

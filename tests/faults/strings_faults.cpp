@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The one allocating string function under allocation failure.
 #include <fskit/strings.h>
 #include <gtest/gtest.h>

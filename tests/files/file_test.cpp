@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Path helpers, file records, file times and sizes.
 #include <fskit/files.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Directory listing, directory creation and removal, and the directory
 // services beneath them, on real temporary directories.
 #include <fskit/files.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cases that once went wrong in the files family, one line each on what did.
 // (Linux only: the program is built with the allocation-failure injector.)
 // The listing cases concern what happens when memory runs out, so this

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The allocation helpers: exact block contents, release rules and fsFree.
 #include <fskit/frame.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The message framework: default layouts, the log file, registration and the
 // arguments that registered functions receive.
 #include <fskit/frame.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The platform query, the empty services, fsDiskListFree and systemNoWait.
 #include <fskit/frame.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cases of the frame that once went wrong.
 #include <fskit/frame.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The handle API: slots, lookups, setting, the walk, writing and its failures.
 #include <fskit/ini.h>
 #include <gtest/gtest.h>

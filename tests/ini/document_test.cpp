@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The document model: how lines and files read, what the writer makes of
 // them, the text setters' rules, and round trips over generated files.
 #include <gtest/gtest.h>

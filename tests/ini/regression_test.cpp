@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cases that once went wrong in the INI family, one line each on what did.
 #include <fskit/ini.h>
 #include <gtest/gtest.h>

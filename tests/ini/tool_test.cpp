@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit ini get|set|list.
 #include <fskit/ini.h>
 #include <gtest/gtest.h>

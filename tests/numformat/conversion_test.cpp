@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The converters: the examples under every exported name, values
 // checked against their definitions (long double or exact arithmetic) over
 // generated bit patterns, sweeps of every 16-bit word, and round trips.

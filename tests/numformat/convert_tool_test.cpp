@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fskit convert: values on the command line both ways, a whole file, and the
 // usage errors.
 #include <gtest/gtest.h>

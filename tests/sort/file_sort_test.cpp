@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsStrSort and `fskit sort`: the printed texts, the output against GNU sort
 // on generated files, and the failures, after none of which a work file may
 // remain.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsQsort: the order it gives equal keys, against a plain recursive
 // transcription of its partition steps (3000 arrays with many ties), and
 // inputs that would need a deep stack.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cases that once went wrong in the sort family, each with what it used to do.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // fsSortArrays: parallel arrays move as whole records.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>

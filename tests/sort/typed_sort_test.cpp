@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The comparator table, fsSort and fsSortIndex. The sorts are checked against
 // the table: whatever algorithm they use, every neighbour pair they leave must
 // be in order under the type's comparator, and nothing may be lost.

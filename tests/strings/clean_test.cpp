@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // White space, removing, replacing and tokens.
 #include <fskit/strings.h>
 #include <gtest/gtest.h>

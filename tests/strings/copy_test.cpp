@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Functions that write into a caller's buffer: exactly which bytes each
 // writes, checked against a sentinel.
 #include <fskit/strings.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random texts over a small alphabet for the property tests: a small
 // alphabet makes repeats, partial matches and quote pairs common.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Searching, comparing, wildcard and abbreviation matching, quit words, hash.
 #include <fskit/strings.h>
 #include <gtest/gtest.h>

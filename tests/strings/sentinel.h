@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A destination pre-filled with a sentinel byte, so that a test sees every
 // byte a function wrote and that it wrote nothing beyond.
 #pragma once

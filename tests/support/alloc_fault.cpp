@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/alloc_fault.h"
 
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Allocation-failure injection for the fault tests. A fault test program is
 // linked with --wrap for malloc, calloc, realloc, strdup and operator new, so every
 // allocation that the library's objects make goes through a counter that can

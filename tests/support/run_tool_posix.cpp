@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // runTool on POSIX: fork, redirect, exec.
 #include <fcntl.h>
 #include <sys/wait.h>

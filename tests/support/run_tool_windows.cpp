@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // runTool on Windows: CreateProcess with the standard handles on files.
 #include <windows.h>
 

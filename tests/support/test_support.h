@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Helpers shared by the test programs: capturing the standard streams,
 // temporary directories, files and running the fskit tool.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fskit tool's own behaviour: help, version, platform and usage errors.
 #include <gtest/gtest.h>
 
@@ -9,9 +10,13 @@
 using fskit::test::runTool;
 
 TEST(Tool, VersionPlatformHelpAndUsageErrors) {
-  auto version = runTool({"version"});
-  EXPECT_EQ(version.status, 0);
-  EXPECT_EQ(version.out.rfind("fskit ", 0), 0u);
+  for (const char *spelling : {"version", "--version"}) {
+    auto version = runTool({spelling});
+    EXPECT_EQ(version.status, 0) << spelling;
+    EXPECT_EQ(version.out, "fskit " FSKIT_PROJECT_VERSION "\n") << spelling;
+    EXPECT_EQ(version.err, "") << spelling;
+  }
+  EXPECT_EQ(runTool({"--version", "x"}).status, 2);
   auto platform = runTool({"platform"});
   EXPECT_EQ(platform.status, 0);
   EXPECT_EQ(platform.out, "os\twinnt\nbyte order\tlittle\nfloat format\tieee\n");

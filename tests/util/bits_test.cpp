@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bit tables, itob grouping, bit fields and bit counts.
 #include <fskit/util.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DES core against published vectors, the library's key schedule, and
 // the string cipher's texts.
 #include <fskit/util.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lookups in identification tables: abbreviations, ties, case and the binary
 // search.
 #include <fskit/util.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Console keys: the extended-key table, _getch's two codes for a terminal's
 // escape sequences, and getKeyCode() on a pseudo-terminal.
 #include <fskit/util.h>

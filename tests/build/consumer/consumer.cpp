@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Uses the library from C++ through the installed headers.
 #include <fskit/fskit.h>
 
