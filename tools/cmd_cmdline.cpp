@@ -7,9 +7,28 @@
 #include <fskit/cmdline.h>
 #include <fskit/frame.h>
 
+#include "frame/ascii.h"
 #include "tools/command.h"
 
 namespace fskit::tool {
+namespace {
+
+// Whether `line` leaves a quote or a list open. Only meaningful for a line the
+// parser read to its end: then every '"' outside a list opened a quote and
+// every '(' outside a quote opened a list (elsewhere they stop it), and the
+// parser has printed why on standard error but still reports success.
+bool leftOpen(const char *line) {
+  bool inQuote = false, inList = false;
+  for (; *line != '\0'; ++line) {
+    if (inQuote) inQuote = *line != '"';  // "" closes and reopens
+    else if (inList) inList = *line != ')';
+    else if (*line == '"') inQuote = true;
+    else if (*line == '(') inList = true;
+  }
+  return inQuote || inList;
+}
+
+}  // namespace
 
 int runCmdline(std::vector<std::string> &args) {
   if (auto option = unknownOption(args)) return usageError("cmdline", "unknown option " + *option);
@@ -21,9 +40,10 @@ int runCmdline(std::vector<std::string> &args) {
   int32_t length = 0;
   char *line = kwaCmdLnStr(int32_t(argv.size()), argv.data(), &length);
   if (line == nullptr) return failure("cmdline", "out of memory");
+  bool open = leftOpen(line);  // before the parser splits the line in place
   KwaCmdLnParts parts;
   int32_t stop = kwaCmdLnPrts(line, &parts);
-  if (stop != 0) {  // the parser has printed why on stderr, in one line
+  if (stop != 0 || open) {  // the parser has printed why on stderr, in one line
     fsFree(&line);
     return kFailed;
   }
@@ -62,7 +82,17 @@ int runTags(std::vector<std::string> &args) {
     if (kwaTagToLabel(count, table, tag->c_str(), found) >= 0) std::printf("%s\n", found);
     else status = failure("tags", "no record with the tag '" + *tag + "'");
   } else if (label) {
-    if (kwaLabelToTag(count, table, label->c_str(), found) >= 0) std::printf("%s\n", found);
+    // The record's label begins with LABEL, as one types the start of a label
+    // (kwaLabelToTag() asks the reverse: a label that begins with the record's).
+    auto begins = [&](const char *text) {
+      for (char c : *label)
+        if (*text == '\0' || ascii::toLower(*text++) != ascii::toLower(c)) return false;
+      return true;
+    };
+    int32_t match = -1;
+    for (int32_t i = 0; i < count && match < 0; ++i)
+      if (begins(table[i].label)) match = i;
+    if (match >= 0) std::printf("%s\n", table[match].tag);
     else status = failure("tags", "no record whose label begins '" + *label + "'");
   } else {
     for (int32_t i = 0; i < count; ++i) std::printf("%s\t%s\n", table[i].tag, table[i].label);

@@ -154,7 +154,8 @@ const std::vector<Command> &commands() {
        "Parses LINE (several words are joined with single blanks) and prints one\n"
        "line per part: \"argument<TAB>TEXT\" (with \"<TAB>,\" when a comma ended it),\n"
        "then \"qualifier<TAB>NAME\" or \"qualifier<TAB>NAME<TAB>VALUE\". When parsing\n"
-       "stops, the parser's message goes to standard error and the status is 1.\n"
+       "stops, or a quote or a '(' list is left open, the parser's message goes\n"
+       "to standard error, nothing to standard output, and the status is 1.\n"
        "Put -- before a LINE whose first word begins with --.\n"
        "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
        runCmdline},
@@ -163,9 +164,10 @@ const std::vector<Command> &commands() {
        "Reads the tag file FILE (lines \"TAG LABEL ! comment\") and prints each\n"
        "record as \"TAG<TAB>LABEL\". --keywords turns the labels into \"##LABEL=\".\n"
        "--tag prints the label of the first record with exactly that (upper-case)\n"
-       "tag; --label prints the tag of the first record whose label, ignoring\n"
-       "case, begins LABEL. Nothing found: status 1.\n"
-       "example: fskit tags detectors.tbl --label 'mass spectrum'\n",
+       "tag; --label prints the tag of the first record whose label begins with\n"
+       "LABEL, ignoring case (\"mass\" finds \"Mass spectrum\"). Nothing found:\n"
+       "status 1.\n"
+       "example: fskit tags detectors.tbl --label 'mass spec'\n",
        runTags},
       // -- util
       {"key", "print the code of each key pressed",
