@@ -2,6 +2,7 @@
 // document: a file keeps every line but the one `set` changes or adds.
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -21,10 +22,22 @@ void reportNoValue(const std::string &paragraph, const std::string &topic) {
                topic.c_str());
 }
 
+// The document of FILE, or of standard input for "-"; nullopt when it
+// cannot be read (the library, or the tool, has said why).
+std::optional<Document> readDocument(const std::string &file) {
+  if (file != "-") return Document::readFile(file.c_str());
+  std::string text;
+  if (!readStandardInput(text)) {
+    systemFailure("ini", "cannot read standard input", errno);
+    return std::nullopt;
+  }
+  return Document(text);
+}
+
 int runGet(std::vector<std::string> &args) {
   if (args.size() != 3) return usageError("ini", "usage: fskit ini get FILE PARAGRAPH TOPIC");
-  std::optional<Document> document = Document::readFile(args[0].c_str());
-  if (!document) return kFailed;  // the library has said why
+  std::optional<Document> document = readDocument(args[0]);
+  if (!document) return kFailed;
   std::optional<std::string> value = document->value(args[1], args[2]);
   if (!value) {
     reportNoValue(args[1], args[2]);
@@ -60,6 +73,7 @@ int runSet(std::vector<std::string> &args) {
     return usageError("ini", "usage: fskit ini set FILE PARAGRAPH TOPIC VALUE [COMMENT]");
   const std::string &file = args[0], &paragraph = args[1], &topic = args[2], &value = args[3];
   std::string comment = args.size() == 5 ? args[4] : "";
+  if (file == "-") return usageError("ini", "set writes FILE back: give a file, not -");
   if (std::optional<std::string> why = refusal(paragraph, topic, value, comment))
     return usageError("ini", *why);
   if (std::string back = ini::lossless::readBack(topic, value); back != value)
@@ -71,13 +85,15 @@ int runSet(std::vector<std::string> &args) {
       stat(file.c_str(), &status) == 0 ? Document::readFile(file.c_str()) : Document();
   if (!document) return kFailed;
   document->setValue(paragraph, topic, value, comment);
+  errno = 0;
   if (document->writeFile(file.c_str())) return kOk;
+  if (errno != 0) return systemFailure("ini", "cannot write " + file, errno);
   return failure("ini", "cannot write " + file);
 }
 
 int runList(std::vector<std::string> &args) {
   if (args.size() != 1) return usageError("ini", "usage: fskit ini list FILE");
-  std::optional<Document> document = Document::readFile(args[0].c_str());
+  std::optional<Document> document = readDocument(args[0]);
   if (!document) return kFailed;
   for (const Document::Entry &entry : document->values()) {
     if (entry.value)

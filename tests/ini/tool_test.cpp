@@ -29,6 +29,13 @@ TEST(IniTool, GetSetList) {
   EXPECT_EQ(get.status, 0);
   EXPECT_EQ(get.out, "a;b\n");
 
+  // FILE - reads standard input for get and list; set refuses it.
+  EXPECT_EQ(runTool({"ini", "get", "-", "A", "x"}, "[A]\nx = 1\n").out, "1\n");
+  EXPECT_EQ(runTool({"ini", "list", "-"}, "[A]\nx = 1\ny=2\n").out, "A\tx\t1\nA\ty\t2\n");
+  auto setStdin = runTool({"ini", "set", "-", "A", "x", "2"}, "[A]\nx = 1\n");
+  EXPECT_EQ(setStdin.status, 2);
+  EXPECT_EQ(setStdin.out, "");
+
   // `get` and `list` fail with the library's message.
   auto missing = runTool({"ini", "list", dir.file("none.ini")});
   EXPECT_EQ(missing.status, 1);
