@@ -61,11 +61,13 @@ int runCmdline(std::vector<std::string> &args) {
 
 int runTags(std::vector<std::string> &args) {
   bool keywords = takeFlag(args, "--keywords");
+  bool json = takeFlag(args, "--json");
   bool missingTag = false, missingLabel = false;
   std::optional<std::string> tag = takeOption(args, "--tag", missingTag);
   std::optional<std::string> label = takeOption(args, "--label", missingLabel);
   if (missingTag || missingLabel) return usageError("tags", "--tag and --label need a value");
   if (tag && label) return usageError("tags", "give --tag or --label, not both");
+  if (json && (tag || label)) return usageError("tags", "--json is for the listing");
   if (auto unknown = unknownOption(args)) return usageError("tags", "unknown option " + *unknown);
   if (args.size() != 1) return usageError("tags", "needs one FILE");
 
@@ -95,7 +97,8 @@ int runTags(std::vector<std::string> &args) {
     if (match >= 0) std::printf("%s\n", table[match].tag);
     else status = failure("tags", "no record whose label begins '" + *label + "'");
   } else {
-    for (int32_t i = 0; i < count; ++i) std::printf("%s\t%s\n", table[i].tag, table[i].label);
+    Table listing(json, {{"tag"}, {"label"}});
+    for (int32_t i = 0; i < count; ++i) listing.row({table[i].tag, table[i].label});
   }
   std::free(table);
   return status;

@@ -91,14 +91,14 @@ int runSet(std::vector<std::string> &args) {
   return failure("ini", "cannot write " + file);
 }
 
-int runList(std::vector<std::string> &args) {
-  if (args.size() != 1) return usageError("ini", "usage: fskit ini list FILE");
+int runList(std::vector<std::string> &args, bool json) {
+  if (args.size() != 1) return usageError("ini", "usage: fskit ini list [--json] FILE");
   std::optional<Document> document = readDocument(args[0]);
   if (!document) return kFailed;
+  Table table(json, {{"paragraph"}, {"topic"}, {"value"}});
   for (const Document::Entry &entry : document->values()) {
     if (entry.value)
-      std::printf("%s\t%s\t%s\n", entry.paragraph.c_str(), entry.topic.c_str(),
-                  entry.value->c_str());
+      table.row({entry.paragraph, entry.topic, *entry.value});
     else
       reportNoValue(entry.paragraph, entry.topic);
   }
@@ -108,13 +108,15 @@ int runList(std::vector<std::string> &args) {
 }  // namespace
 
 int runIni(std::vector<std::string> &args) {
+  bool json = takeFlag(args, "--json");
   if (auto option = unknownOption(args)) return usageError("ini", "unknown option " + *option);
   if (args.empty()) return usageError("ini", "no subcommand given (get, set or list)");
   std::string subcommand = args.front();
   args.erase(args.begin());
+  if (json && subcommand != "list") return usageError("ini", "--json is for ini list");
   if (subcommand == "get") return runGet(args);
   if (subcommand == "set") return runSet(args);
-  if (subcommand == "list") return runList(args);
+  if (subcommand == "list") return runList(args, json);
   return usageError("ini", "unknown subcommand '" + subcommand + "' (get, set or list)");
 }
 

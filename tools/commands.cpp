@@ -46,7 +46,7 @@ const std::vector<Command> &commands() {
       {"ini", "read, set and list values of INI files",
        "usage: fskit ini get FILE PARAGRAPH TOPIC\n"
        "       fskit ini set FILE PARAGRAPH TOPIC VALUE [COMMENT]\n"
-       "       fskit ini list FILE\n"
+       "       fskit ini list [--json] FILE\n"
        "get prints the value of TOPIC in the first paragraph named PARAGRAPH.\n"
        "set changes or adds the value (and the comment, when given) and writes the\n"
        "file back; a missing file is created. Every other line stays byte for byte\n"
@@ -63,7 +63,9 @@ const std::vector<Command> &commands() {
        "';' that begins with a blank, '=' or '\"', one with trailing blanks (they\n"
        "are dropped), or a line longer than 1022 bytes (it is read in pieces).\n"
        "list prints every value as PARAGRAPH, TOPIC and VALUE separated by tabs, in\n"
-       "file order; a paragraph's listing stops at its first blank or comment line.\n"
+       "file order, under the header \"paragraph topic value\" (--json: one JSON\n"
+       "object per line with these keys); a paragraph's listing stops at its\n"
+       "first blank or comment line.\n"
        "get and list read standard input for FILE -; set refuses - (status 2),\n"
        "as it writes the file back.\n"
        "Names are case-sensitive; get, set and list find the same lines as the\n"
@@ -121,13 +123,15 @@ const std::vector<Command> &commands() {
       // -- datetime
       {"date", "convert a date/time text between layouts",
        "usage: fskit date [--in N] [--out N] [--sep S] [--now] [TEXT]\n"
-       "       fskit date --layouts\n"
+       "       fskit date --layouts [--json]\n"
        "Reads TEXT in input layout N (0-12, default 6: yyyymmddhhmmss+zzzz) and\n"
        "prints it in output layout N (0-10, default 4: the asctime text).\n"
        "Without TEXT the current local time is converted. --sep gives the\n"
        "separators (\"NONE\": fixed-width fields without any); --now fills what\n"
        "the text lacks, or replaces a text that cannot be read, with the current\n"
-       "time. --layouts lists every layout with an example.\n"
+       "time. --layouts lists every layout with an example, tab-separated under\n"
+       "the header \"direction layout example fields\" (direction in or out;\n"
+       "--json: one JSON object per line with these keys).\n"
        "example: fskit date --in 2 --out 8 07-MAR-98\n",
        runDate},
       // -- sort
@@ -176,9 +180,11 @@ const std::vector<Command> &commands() {
        "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
        runCmdline},
       {"tags", "list a tag file or look a tag or label up in it",
-       "usage: fskit tags FILE [--keywords] [--tag TAG | --label LABEL]\n"
+       "usage: fskit tags FILE [--keywords] [--json | --tag TAG | --label LABEL]\n"
        "Reads the tag file FILE (lines \"TAG LABEL ! comment\") and prints each\n"
-       "record as \"TAG<TAB>LABEL\". --keywords turns the labels into \"##LABEL=\".\n"
+       "record as \"TAG<TAB>LABEL\" under the header \"tag label\" (--json: one\n"
+       "JSON object per line with these keys). --keywords turns the labels into\n"
+       "\"##LABEL=\".\n"
        "--tag prints the label of the first record with exactly that (upper-case)\n"
        "tag; --label prints the tag of the first record whose label begins with\n"
        "LABEL, ignoring case (\"mass\" finds \"Mass spectrum\"). Nothing found:\n"

@@ -30,7 +30,10 @@ TEST(TagsTool, ListsAndLooksUp) {
   fskit::test::TempDir dir;
   std::string file = dir.file("tags.tbl");
   fskit::test::writeFile(file, "ms Mass spectrum ! comment\n\n  uv   Ultra  violet\n");
-  EXPECT_EQ(runTool({"tags", file}).out, "MS\tMass spectrum\nUV\tUltra violet\n");
+  EXPECT_EQ(runTool({"tags", file}).out, "tag\tlabel\nMS\tMass spectrum\nUV\tUltra violet\n");
+  EXPECT_EQ(runTool({"tags", "--json", file}).out,
+            "{\"tag\":\"MS\",\"label\":\"Mass spectrum\"}\n{\"tag\":\"UV\",\"label\":\"Ultra violet\"}\n");
+  EXPECT_EQ(runTool({"tags", "--json", file, "--tag", "MS"}).status, 2);
   EXPECT_EQ(runTool({"tags", "--keywords", file, "--tag", "UV"}).out, "##ULTRA VIOLET=\n");
   // --label finds the first label that begins with it, ignoring case.
   EXPECT_EQ(runTool({"tags", file, "--label=mass"}).out, "MS\n");
