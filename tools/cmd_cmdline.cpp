@@ -31,6 +31,7 @@ bool leftOpen(const char *line) {
 }  // namespace
 
 int runCmdline(std::vector<std::string> &args) {
+  bool json = takeFlag(args, "--json");
   if (auto option = unknownOption(args)) return usageError("cmdline", "unknown option " + *option);
   if (!args.empty() && args.front() == "--") args.erase(args.begin());
   if (args.empty()) return usageError("cmdline", "needs a LINE");
@@ -47,14 +48,12 @@ int runCmdline(std::vector<std::string> &args) {
     fsFree(&line);
     return kFailed;
   }
+  Table table(json, {{"part"}, {"text"}, {"value"}, {"end"}});
   for (int i = 0; i < parts.nArgs; ++i)
-    std::printf("argument\t%s%s\n", parts.args[i], parts.argEnds[i] == ',' ? "\t," : "");
-  for (int i = 0; i < parts.nQuals; ++i) {
-    if (parts.qualValues[i] != nullptr)
-      std::printf("qualifier\t%s\t%s\n", parts.qualNames[i], parts.qualValues[i]);
-    else
-      std::printf("qualifier\t%s\n", parts.qualNames[i]);
-  }
+    table.row({"argument", parts.args[i], "", parts.argEnds[i] == ',' ? "," : ""});
+  for (int i = 0; i < parts.nQuals; ++i)
+    table.row({"qualifier", parts.qualNames[i],
+               parts.qualValues[i] != nullptr ? parts.qualValues[i] : "", ""});
   fsFree(&line);
   return kOk;
 }

@@ -37,9 +37,10 @@ const std::vector<Command> &commands() {
        "example: fskit version\n",
        runVersion},
       {"platform", "print the platform the library reports",
-       "usage: fskit platform\n"
+       "usage: fskit platform [--json]\n"
        "Prints the operating system, byte order and floating-point format that\n"
-       "fsGetPlatform() reports, one per line.\n"
+       "fsGetPlatform() reports, one per line under the header \"property value\"\n"
+       "(--json: one JSON object per line with these keys).\n"
        "example: fskit platform\n",
        runPlatform},
       // -- ini
@@ -170,10 +171,12 @@ const std::vector<Command> &commands() {
        runLs},
       // -- cmdline
       {"cmdline", "show how a command line splits into arguments and qualifiers",
-       "usage: fskit cmdline LINE...\n"
+       "usage: fskit cmdline [--json] LINE...\n"
        "Parses LINE (several words are joined with single blanks) and prints one\n"
-       "line per part: \"argument<TAB>TEXT\" (with \"<TAB>,\" when a comma ended it),\n"
-       "then \"qualifier<TAB>NAME\" or \"qualifier<TAB>NAME<TAB>VALUE\". When parsing\n"
+       "line per part under the header \"part text value end\", tab-separated:\n"
+       "the arguments (\"argument<TAB>TEXT<TAB><TAB>,\" where a comma ended one),\n"
+       "then the qualifiers (\"qualifier<TAB>NAME<TAB>VALUE<TAB>\", VALUE empty when\n"
+       "none was given); --json: one JSON object per line with these keys. When parsing\n"
        "stops, or a quote or a '(' list is left open, the parser's message goes\n"
        "to standard error, nothing to standard output, and the status is 1.\n"
        "Put -- before a LINE whose first word begins with --.\n"

@@ -7,12 +7,13 @@ using fskit::test::runTool;
 
 TEST(CmdlineTool, PrintsPartsOrStopCharacter) {
   EXPECT_EQ(runTool({"cmdline", "copy", "a.dat,b.dat", "/log=out.txt /verbose"}).out,
-            "argument\tcopy\nargument\ta.dat\t,\nargument\tb.dat\n"
-            "qualifier\tlog\tout.txt\nqualifier\tverbose\n");
+            "part\ttext\tvalue\tend\nargument\tcopy\t\t\nargument\ta.dat\t\t,\n"
+            "argument\tb.dat\t\t\nqualifier\tlog\tout.txt\t\nqualifier\tverbose\t\t\n");
   auto stopped = runTool({"cmdline", "/q=a=b"});
   EXPECT_EQ(stopped.status, 1);
   EXPECT_EQ(stopped.err, "%kwaCmdLnPrts, Invalid delimiter =b\n");
-  EXPECT_EQ(runTool({"cmdline", "--", "--x"}).out, "argument\t--x\n");
+  EXPECT_EQ(runTool({"cmdline", "--json", "--", "--x"}).out,
+            "{\"part\":\"argument\",\"text\":\"--x\",\"value\":\"\",\"end\":\"\"}\n");
   // A quote or a list left open: the parser's line, nothing printed, status 1.
   auto unmatched = runTool({"cmdline", "copy \"a b"});
   EXPECT_EQ(unmatched.status, 1);
@@ -22,7 +23,8 @@ TEST(CmdlineTool, PrintsPartsOrStopCharacter) {
   // Closed quotes, "" inside them and quotes inside a list are complete.
   auto closed = runTool({"cmdline", "\"a \"\"b\"\" c\" /q=(\"x)"});
   EXPECT_EQ(closed.status, 0) << closed.err;
-  EXPECT_EQ(closed.out, "argument\ta \"b\" c\nqualifier\tq\t(\"x)\n");
+  EXPECT_EQ(closed.out,
+            "part\ttext\tvalue\tend\nargument\ta \"b\" c\t\t\nqualifier\tq\t(\"x)\t\n");
   EXPECT_EQ(runTool({"cmdline"}).status, 2);
 }
 

@@ -16,7 +16,8 @@ TEST(Tool, VersionPlatformHelpAndUsageErrors) {
   EXPECT_EQ(version.out.rfind("fskit ", 0), 0u);
   auto platform = runTool({"platform"});
   EXPECT_EQ(platform.status, 0);
-  EXPECT_EQ(platform.out, "os\twinnt\nbyte order\tlittle\nfloat format\tieee\n");
+  EXPECT_EQ(platform.out,
+            "property\tvalue\nos\twinnt\nbyte order\tlittle\nfloat format\tieee\n");
   auto help = runTool({"--help"});
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("  version"), std::string::npos);
@@ -118,6 +119,8 @@ TEST(Tool, JsonLinesHaveTheHeadersKeys) {
       {"ls", dir.path()},
       {"ini", "list", dir.file("a.ini")},
       {"tags", dir.file("t.tbl")},
+      {"cmdline", "a,b /q=\"x\" /v"},
+      {"platform"},
   };
   for (std::vector<std::string> args : tables) {
     auto text = runTool(args);
