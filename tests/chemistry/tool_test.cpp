@@ -55,4 +55,13 @@ TEST(ChemistryTool, ElementFileFromOptionOrIniFile) {
   auto missing = runTool({"formula", "--elements", "none.tbl", "C"}, "", dir.path());
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "fskit formula: none.tbl: No such file or directory\n");
+  // The library's own message (an INI file naming a missing table) goes to
+  // standard error as one line naming the command.
+  writeFile(dir.file("bad.ini"), "[Formula Files]\nelementFile=none.tbl\n");
+  auto viaLibrary = runTool({"formula", "--ini", "bad.ini", "C"}, "", dir.path());
+  EXPECT_EQ(viaLibrary.status, 1);
+  EXPECT_EQ(viaLibrary.out, "");
+  EXPECT_EQ(viaLibrary.err.rfind("fskit formula: Failed to open element file ", 0), 0u)
+      << viaLibrary.err;
+  EXPECT_EQ(viaLibrary.err.find('\n'), viaLibrary.err.size() - 1) << viaLibrary.err;
 }
