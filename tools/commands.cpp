@@ -192,7 +192,7 @@ const std::vector<Command> &commands() {
        "tag; --label prints the tag of the first record whose label begins with\n"
        "LABEL, ignoring case (\"mass\" finds \"Mass spectrum\"). Nothing found:\n"
        "status 1.\n"
-       "example: fskit tags detectors.tbl --label 'mass spec'\n",
+       "example: fskit tags detectors.tbl --label mass\n",
        runTags},
       // -- util
       {"key", "print the code of each key pressed",
