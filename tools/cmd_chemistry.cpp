@@ -9,6 +9,8 @@
 // default names in the current directory.
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -23,23 +25,6 @@
 
 namespace fskit::tool {
 namespace {
-
-// The library reports through its message function; the tool sends those
-// lines to standard error, each as one line naming the command, so that
-// standard output holds only results.
-const char *reportingCommand = "";
-int messagesShown = 0;
-
-int32_t messagesToStderr(const char *routine, int32_t *count, int32_t *codes, int32_t *,
-                         int32_t *, char **texts) {
-  for (int32_t i = 0; count != nullptr && i < *count; ++i, ++messagesShown) {
-    if (codes[i] == 0)
-      std::fprintf(stderr, "fskit %s: %s\n", reportingCommand, texts[i]);
-    else
-      std::fprintf(stderr, "fskit %s: %s: %s\n", reportingCommand, routine, texts[i]);
-  }
-  return 0;
-}
 
 bool readable(const std::string &path) { return access(path.c_str(), R_OK) == 0; }
 
@@ -71,11 +56,13 @@ int takeTableChoice(const char *command, std::vector<std::string> &args, TableCh
 // Loads the element table the choice names. kOk, or the failure reported in
 // one line.
 int loadElementTable(const char *command, const TableChoice &choice) {
-  reportingCommand = command;
-  fsRegisterMessage(messagesToStderr);
   int32_t loaded = 0;
   std::optional<std::string> shipped = shippedTable();
   if (choice.elements) {
+    // The library only says that it failed; the system says why.
+    std::FILE *stream = std::fopen(choice.elements->c_str(), "r");
+    if (stream == nullptr) return systemFailure(command, *choice.elements, errno);
+    std::fclose(stream);
     loaded = fsLoadElemTable(choice.elements->c_str());
   } else if (choice.ini) {
     int32_t handle = fsIniReadFile(choice.ini->c_str());
@@ -92,26 +79,15 @@ int loadElementTable(const char *command, const TableChoice &choice) {
   }
   // The library has said why, unless it failed silently.
   if (loaded == 0)
-    return messagesShown > 0 ? kFailed : failure(command, "no element table could be loaded");
+    return libraryMessagesShown() > 0 ? kFailed : failure(command, "no element table could be loaded");
   if (fsElementTableCount() < 1) return failure(command, "the element table holds no records");
   return kOk;
 }
 
-std::string jsonText(const std::string &text) {
-  std::string out = "\"";
-  for (char c : text) {
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += c;
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      char escaped[8];
-      std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-      out += escaped;
-    } else {
-      out += c;
-    }
-  }
-  return out + "\"";
+std::string fixed(double value, int decimals) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.*f", decimals, value);
+  return text;
 }
 
 // Names the symbol that stopped fsTblParseMF after `consumed` characters.
@@ -153,9 +129,23 @@ int runFormula(std::vector<std::string> &args) {
   TableChoice choice;
   if (int status = takeTableChoice("formula", args, choice); status != kOk) return status;
   if (args.empty()) return usageError("formula", "no formula given");
+  if (args.size() == 1 && args.front() == "-") {
+    // One formula per line of standard input; blank lines are skipped.
+    std::string text;
+    if (!readStandardInput(text)) return systemFailure("formula", "cannot read standard input", errno);
+    args.clear();
+    for (size_t start = 0; start < text.size();) {
+      size_t end = std::min(text.find('\n', start), text.size());
+      std::string line = text.substr(start, end - start);
+      if (!line.empty() && line.back() == '\r') line.pop_back();
+      if (line.find_first_not_of(" \t") != std::string::npos) args.push_back(line);
+      start = end + 1;
+    }
+  }
   if (int status = loadElementTable("formula", choice); status != kOk) return status;
 
-  if (!json) std::printf("formula\tcanonical\tnominal\tmonoisotopic\taverage\trdb\n");
+  Table table(json, {{"formula"}, {"canonical"}, {"nominal", true}, {"monoisotopic", true},
+                     {"average", true}, {"rdb", true}});
   int status = kOk;
   for (const std::string &formula : args) {
     std::vector<char> text(20 * formula.size() + 2);
@@ -168,31 +158,31 @@ int runFormula(std::vector<std::string> &args) {
                                              : "empty formula '" + formula + "'");
       continue;
     }
-    if (json)
-      std::printf("{\"formula\":%s,\"canonical\":%s,\"nominal\":%d,\"monoisotopic\":%.6f,"
-                  "\"average\":%.4f,\"rdb\":%.1f}\n",
-                  jsonText(formula).c_str(), jsonText(text.data()).c_str(), nominal, mono,
-                  average, rdb);
-    else
-      std::printf("%s\t%s\t%d\t%.6f\t%.4f\t%.1f\n", formula.c_str(), text.data(), nominal, mono,
-                  average, rdb);
+    table.row({formula, text.data(), std::to_string(nominal), fixed(mono, 6), fixed(average, 4),
+               fixed(rdb, 1)});
   }
   return status;
 }
 
 int runElements(std::vector<std::string> &args) {
+  bool json = takeFlag(args, "--json");
   TableChoice choice;
   if (int status = takeTableChoice("elements", args, choice); status != kOk) return status;
   if (!args.empty()) return usageError("elements", "unexpected argument " + args.front());
   if (int status = loadElementTable("elements", choice); status != kOk) return status;
-  std::printf("index\tlabel\tsymbol\tatomic\tnominal\tmonoisotopic\taverage\tabundance\t"
-              "rdbFactor\tshift\n");
+  Table table(json, {{"index", true}, {"label"}, {"symbol"}, {"atomic", true}, {"nominal", true},
+                     {"monoisotopic", true}, {"average", true}, {"abundance", true},
+                     {"rdbFactor", true}, {"shift", true}});
   for (int32_t i = 0; i < fsElementTableCount(); ++i) {
     FsElementRecord record;
     if (fsGetElementInfo(i, &record) == 0) return kFailed;
-    std::printf("%d\t%.8s\t%s\t%d\t%d\t%.9f\t%.9f\t%g\t%d\t%d\n", i, record.label,
-                record.symbol, record.atomicNumber, record.nominalMass, record.monoMass,
-                record.averageMass, record.abundance, record.rdbFactor, record.isotopeShift);
+    char abundance[32];
+    std::snprintf(abundance, sizeof abundance, "%g", record.abundance);
+    table.row({std::to_string(i), std::string(record.label, strnlen(record.label, 8)),
+               record.symbol, std::to_string(record.atomicNumber),
+               std::to_string(record.nominalMass), fixed(record.monoMass, 9),
+               fixed(record.averageMass, 9), abundance, std::to_string(record.rdbFactor),
+               std::to_string(record.isotopeShift)});
   }
   return kOk;
 }

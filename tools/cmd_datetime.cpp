@@ -2,6 +2,7 @@
 // fskit date: converts a date/time text between the layouts of fsDateTime.
 #include <charconv>
 #include <cstdio>
+#include <string>
 
 #include <fskit/datetime.h>
 
@@ -34,14 +35,15 @@ constexpr InputExample kInputExamples[] = {
 constexpr int kOutputLayouts = 11;
 
 // Every layout with an example; the outputs are those of one date converted now.
-void printLayouts() {
+void printLayouts(bool json) {
+  Table table(json, {{"direction"}, {"layout", true}, {"example"}, {"fields"}});
   int number = 0;
   for (const InputExample &example : kInputExamples)
-    std::printf("in %d\t%s\t%s\n", number++, example.text, example.fields);
+    table.row({"in", std::to_string(number++), example.text, example.fields});
   for (int out = 0; out < kOutputLayouts; ++out) {
     char text[64];
     fsDateTime(6, "19980307140509+0000", out, text, "", 0);
-    std::printf("out %d\t%s\n", out, text);
+    table.row({"out", std::to_string(out), text, ""});
   }
 }
 
@@ -60,8 +62,9 @@ std::optional<int> layoutNumber(const std::optional<std::string> &option, int fa
 
 int runDate(std::vector<std::string> &args) {
   if (takeFlag(args, "--layouts")) {
-    if (!args.empty()) return usageError("date", "--layouts takes no other arguments");
-    printLayouts();
+    bool json = takeFlag(args, "--json");
+    if (!args.empty()) return usageError("date", "--layouts takes only --json");
+    printLayouts(json);
     return kOk;
   }
   bool missing = false;

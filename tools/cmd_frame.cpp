@@ -16,10 +16,15 @@ int runVersion(std::vector<std::string> &args) {
 }
 
 int runPlatform(std::vector<std::string> &args) {
+  bool json = takeFlag(args, "--json");
+  if (auto option = unknownOption(args)) return usageError("platform", "unknown option " + *option);
   if (!args.empty()) return usageError("platform", "takes no arguments");
   char os[6], byteOrder[7], floatFormat[5];
   fsGetPlatform(os, byteOrder, floatFormat);
-  std::printf("os\t%s\nbyte order\t%s\nfloat format\t%s\n", os, byteOrder, floatFormat);
+  Table table(json, {{"property"}, {"value"}});
+  table.row({"os", os});
+  table.row({"byte order", byteOrder});
+  table.row({"float format", floatFormat});
   return kOk;
 }
 

@@ -172,47 +172,60 @@ std::string hexText(const unsigned char *bytes, size_t size) {
   return text;
 }
 
-int decodeValues(const Format &format, const std::vector<std::string> &values) {
-  for (const std::string &value : values) {
-    unsigned char bytes[8];
+int decodeValues(const Format &format, const std::vector<std::string> &values, bool json) {
+  // Every value is checked before the table starts: a usage error prints nothing.
+  unsigned char bytes[8];
+  for (const std::string &value : values)
     if (!parseHex(value, format.size, bytes))
       return usageError(kCommand, std::string(format.name) + " takes " +
                                       std::to_string(format.size) + " bytes in hexadecimal, not '" +
                                       value + "'");
-    std::printf("%s\n", format.decode(bytes).c_str());
+  Table table(json, {{"bytes"}, {"value"}});
+  for (const std::string &value : values) {
+    parseHex(value, format.size, bytes);  // afresh: decoding may change the copy
+    std::string hex = hexText(bytes, format.size);
+    table.row({hex, format.decode(bytes)});
   }
   return kOk;
 }
 
-int encodeValues(const Format &format, const std::vector<std::string> &values) {
+int encodeValues(const Format &format, const std::vector<std::string> &values, bool json) {
   if (format.encode == nullptr)
     return usageError(kCommand, "the library only decodes " + std::string(format.name));
-  for (const std::string &value : values) {
-    unsigned char bytes[8];
+  unsigned char bytes[8];
+  for (const std::string &value : values)
     if (!format.encode(value, bytes))
       return usageError(kCommand, std::string(format.name) + " takes " + format.numberForm +
                                       ", not '" + value + "'");
-    std::printf("%s\n", hexText(bytes, format.size).c_str());
+  Table table(json, {{"number"}, {"bytes"}});
+  for (const std::string &value : values) {
+    format.encode(value, bytes);
+    table.row({value, hexText(bytes, format.size)});
   }
   return kOk;
 }
 
 // Every whole value of the file, one per line; bytes left over at the end
 // are reported, after everything before them has been printed.
-int decodeFile(const Format &format, const std::string &path) {
-  std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(path.c_str(), "rb"),
-                                                      std::fclose);
-  if (!file) return failure(kCommand, "cannot open " + path + ": " + std::strerror(errno));
+int decodeFile(const Format &format, const std::string &path, bool json) {
+  bool fromStdin = path == "-";
+  std::string name = fromStdin ? "standard input" : path;
+  std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(
+      fromStdin ? nullptr : std::fopen(path.c_str(), "rb"), std::fclose);
+  if (!fromStdin && !file) return systemFailure(kCommand, "cannot open " + path, errno);
+  std::FILE *stream = fromStdin ? stdin : file.get();
+  Table table(json, {{"offset", true}, {"value"}});
   std::vector<unsigned char> block(format.size * 8192);
-  size_t leftOver = 0;
-  while (size_t count = std::fread(block.data(), 1, block.size(), file.get())) {
+  size_t leftOver = 0, offset = 0;
+  while (size_t count = std::fread(block.data(), 1, block.size(), stream)) {
     for (size_t at = 0; at + format.size <= count; at += format.size)
-      std::printf("%s\n", format.decode(block.data() + at).c_str());
+      table.row({std::to_string(offset + at), format.decode(block.data() + at)});
     leftOver = count % format.size;
+    offset += count;
   }
-  if (std::ferror(file.get())) return failure(kCommand, "cannot read " + path);
+  if (std::ferror(stream)) return systemFailure(kCommand, "cannot read " + name, errno);
   if (leftOver != 0)
-    return failure(kCommand, path + ": " + std::to_string(leftOver) +
+    return failure(kCommand, name + ": " + std::to_string(leftOver) +
                                  (leftOver == 1 ? " byte" : " bytes") + " left at the end, not a whole " +
                                  std::string(format.name) + " value");
   return kOk;
@@ -222,6 +235,7 @@ int decodeFile(const Format &format, const std::string &path) {
 
 int runConvert(std::vector<std::string> &args) {
   bool encode = takeFlag(args, "--encode");
+  bool json = takeFlag(args, "--json");
   bool missing = false;
   auto path = takeOption(args, "--file", missing);
   auto formatName = takeOption(args, "--format", missing);
@@ -233,14 +247,14 @@ int runConvert(std::vector<std::string> &args) {
     if (encode || !args.empty() || !formatName)
       return usageError(kCommand, "--file takes --format FORMAT and nothing else");
     const Format *format = findFormat(*formatName);
-    return format != nullptr ? decodeFile(*format, *path) : unknownFormat(*formatName);
+    return format != nullptr ? decodeFile(*format, *path, json) : unknownFormat(*formatName);
   }
   if (formatName) args.insert(args.begin(), *formatName);
   if (args.size() < 2) return usageError(kCommand, "needs a format and at least one value");
   const Format *format = findFormat(args.front());
   if (format == nullptr) return unknownFormat(args.front());
   std::vector<std::string> values(args.begin() + 1, args.end());
-  return encode ? encodeValues(*format, values) : decodeValues(*format, values);
+  return encode ? encodeValues(*format, values, json) : decodeValues(*format, values, json);
 }
 
 }  // namespace fskit::tool

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 // fskit sort: the library's external sort of a text file's lines.
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <utility>
 
 #include "platform/platform.h"
 #include "sort/file_sort_internal.h"
@@ -54,6 +58,30 @@ void toStandardError(void *, const char *line, bool problem) {
   if (!problem) std::fprintf(stderr, "%s\n", line);
 }
 
+// A file of the tool's own in the work directory, removed with it; an empty
+// path is no file.
+struct TemporaryFile {
+  explicit TemporaryFile(std::string name) : path(std::move(name)) {}
+  ~TemporaryFile() {
+    if (!path.empty()) std::remove(path.c_str());
+  }
+  TemporaryFile(const TemporaryFile &) = delete;
+  TemporaryFile &operator=(const TemporaryFile &) = delete;
+  std::string path;
+};
+
+// 0 when `path` can be opened for reading as a file, else the system's
+// error number (EISDIR for a directory, which fopen would open).
+int unreadable(const std::string &path) {
+  struct stat status;
+  if (stat(path.c_str(), &status) != 0) return errno;
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  std::FILE *stream = std::fopen(path.c_str(), "rb");
+  if (stream == nullptr) return errno;
+  std::fclose(stream);
+  return 0;
+}
+
 }  // namespace
 
 int runSort(std::vector<std::string> &args) {
@@ -85,10 +113,28 @@ int runSort(std::vector<std::string> &args) {
     return failure("sort", "cannot make a work directory in " + parent + ": " +
                                std::strerror(work.error()));
   std::string workPrefix = std::string(work.path()) + "/" + prefix.value_or("");
+  // "-": standard input is first copied to a file in the work directory, and
+  // the sort of standard output goes to one there, copied out when complete.
+  // Their names are not like the library's work files ("...sort_N.tmp").
+  bool fromStdin = args[0] == "-", toStdout = args[1] == "-";
+  TemporaryFile input(fromStdin ? std::string(work.path()) + "/standard-input" : "");
+  TemporaryFile output(toStdout ? std::string(work.path()) + "/standard-output" : "");
+  if (fromStdin) {
+    std::FILE *stream = std::fopen(input.path.c_str(), "wb");
+    if (stream == nullptr) return systemFailure("sort", "cannot copy standard input", errno);
+    bool copied = copyStream(stdin, stream);
+    int error = errno;
+    if (std::fclose(stream) != 0 || !copied)
+      return systemFailure("sort", "cannot copy standard input", copied ? errno : error);
+  } else if (int error = unreadable(args[0]); error != 0) {
+    return systemFailure("sort", "cannot open input file " + args[0], error);
+  }
+  std::string inputPath = fromStdin ? input.path : args[0];
+  std::string outputPath = toStdout ? output.path : args[1];
 
   sort::FileSortRequest request;
-  request.input = args[0].c_str();
-  request.output = args[1].c_str();
+  request.input = inputPath.c_str();
+  request.output = outputPath.c_str();
   request.prefix = workPrefix.c_str();
   request.bufferSize = bufferSize;
   request.keepDuplicates = !(unique || count);
@@ -97,9 +143,18 @@ int runSort(std::vector<std::string> &args) {
   request.replaceOutput = true;
   sort::FileSortResult result = sort::sortFile(request);
   switch (result.outcome) {
-    case sort::FileSortOutcome::kComplete: return kOk;
+    case sort::FileSortOutcome::kComplete:
+      if (toStdout) {
+        std::FILE *stream = std::fopen(output.path.c_str(), "rb");
+        bool copied = stream != nullptr && copyStream(stream, stdout);
+        int error = errno;
+        if (stream != nullptr) std::fclose(stream);
+        if (!copied) return systemFailure("sort", "cannot write standard output", error);
+      }
+      return kOk;
     case sort::FileSortOutcome::kIncomplete:
-      return failure("sort", std::string("stopped early, ") + args[1] + " left as it was: " +
+      return failure("sort", std::string("stopped early, ") +
+                                 (toStdout ? std::string("nothing written") : args[1] + " left as it was") + ": " +
                                  result.reason);
     case sort::FileSortOutcome::kFailed: break;
   }

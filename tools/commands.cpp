@@ -38,16 +38,17 @@ const std::vector<Command> &commands() {
        "example: fskit version\n",
        runVersion},
       {"platform", "print the platform the library reports",
-       "usage: fskit platform\n"
+       "usage: fskit platform [--json]\n"
        "Prints the operating system, byte order and floating-point format that\n"
-       "fsGetPlatform() reports, one per line.\n"
+       "fsGetPlatform() reports, one per line under the header \"property value\"\n"
+       "(--json: one JSON object per line with these keys).\n"
        "example: fskit platform\n",
        runPlatform},
       // -- ini
       {"ini", "read, set and list values of INI files",
        "usage: fskit ini get FILE PARAGRAPH TOPIC\n"
        "       fskit ini set FILE PARAGRAPH TOPIC VALUE [COMMENT]\n"
-       "       fskit ini list FILE\n"
+       "       fskit ini list [--json] FILE\n"
        "get prints the value of TOPIC in the first paragraph named PARAGRAPH.\n"
        "set changes or adds the value (and the comment, when given) and writes the\n"
        "file back; a missing file is created. Every other line stays byte for byte\n"
@@ -64,7 +65,11 @@ const std::vector<Command> &commands() {
        "';' that begins with a blank, '=' or '\"', one with trailing blanks (they\n"
        "are dropped), or a line longer than 1022 bytes (it is read in pieces).\n"
        "list prints every value as PARAGRAPH, TOPIC and VALUE separated by tabs, in\n"
-       "file order; a paragraph's listing stops at its first blank or comment line.\n"
+       "file order, under the header \"paragraph topic value\" (--json: one JSON\n"
+       "object per line with these keys); a paragraph's listing stops at its\n"
+       "first blank or comment line.\n"
+       "get and list read standard input for FILE -; set refuses - (status 2),\n"
+       "as it writes the file back.\n"
        "Names are case-sensitive; get, set and list find the same lines as the\n"
        "library's INI functions wherever these read the file.\n"
        "example: fskit ini set app.ini \"Formula Files\" elementFile elements.tbl\n",
@@ -72,6 +77,7 @@ const std::vector<Command> &commands() {
       // -- chemistry
       {"formula", "masses and canonical form of molecular formulas",
        "usage: fskit formula [--json] [--elements FILE | --ini FILE] FORMULA...\n"
+       "       fskit formula [--json] [--elements FILE | --ini FILE] -\n"
        "Prints for each formula its canonical form (element-table order), nominal,\n"
        "monoisotopic and average mass and ring-plus-double-bond value, tab-separated\n"
        "under a header line (--json: one JSON object per line). Blanks or \".\"\n"
@@ -79,24 +85,31 @@ const std::vector<Command> &commands() {
        "The element table is the shipped kw_elements.tbl unless --elements FILE, or\n"
        "the INI file's \"elementFile\" in paragraph \"Formula Files\" (--ini FILE),\n"
        "names another. An unknown symbol is reported with its position; exit status 1.\n"
+       "A single - reads the formulas from standard input, one per line (blank\n"
+       "lines are skipped).\n"
        "example: fskit formula C6H12O6 \"C5 13C H12 O6\"\n",
        runFormula},
       {"elements", "list the element table",
-       "usage: fskit elements [--elements FILE | --ini FILE]\n"
+       "usage: fskit elements [--json] [--elements FILE | --ini FILE]\n"
        "Lists every record of the element table (elements, each followed by its\n"
        "isotopes) with index, label, symbol, atomic number, nominal, monoisotopic\n"
-       "and average mass, abundance, rdbFactor and isotope shift, tab-separated.\n"
+       "and average mass, abundance, rdbFactor and isotope shift, tab-separated\n"
+       "under a header line (--json: one JSON object per line, keyed as the header).\n"
        "The table is chosen as for 'fskit formula'.\n"
        "example: fskit elements --elements data/kw_elements.tbl\n",
        runElements},
       // -- numformat
       {"convert", "foreign numbers (VAX, HP, Nova, INCOS, Quor) to text and back",
-       "usage: fskit convert FORMAT HEX...\n"
-       "       fskit convert --encode FORMAT NUMBER...\n"
-       "       fskit convert --file FILE --format FORMAT\n"
+       "usage: fskit convert [--json] FORMAT HEX...\n"
+       "       fskit convert [--json] --encode FORMAT NUMBER...\n"
+       "       fskit convert [--json] --file FILE --format FORMAT\n"
        "Decodes values given as hexadecimal bytes in memory order (blanks between\n"
        "bytes allowed), encodes numbers into such bytes, or prints every value of\n"
-       "a binary file, one per line. Formats and their sizes in bytes:\n"
+       "a binary file (FILE -: standard input). One line per value, tab-separated\n"
+       "under a header line: \"bytes value\" (the bytes as read), \"number bytes\"\n"
+       "(--encode), or \"offset value\" (--file, the value's byte offset). --json:\n"
+       "one JSON object per line with these keys, the offset a number, the rest\n"
+       "texts. Formats and their sizes in bytes:\n"
        "  vaxf 4, vaxd 8      DEC VAX F and D floating point\n"
        "  hpshort 2, hplong 4 big-endian integers (decoded unsigned)\n"
        "  hpdouble 8          two big-endian 32-bit halves, read as a double\n"
@@ -112,13 +125,15 @@ const std::vector<Command> &commands() {
       // -- datetime
       {"date", "convert a date/time text between layouts",
        "usage: fskit date [--in N] [--out N] [--sep S] [--now] [TEXT]\n"
-       "       fskit date --layouts\n"
+       "       fskit date --layouts [--json]\n"
        "Reads TEXT in input layout N (0-12, default 6: yyyymmddhhmmss+zzzz) and\n"
        "prints it in output layout N (0-10, default 4: the asctime text).\n"
        "Without TEXT the current local time is converted. --sep gives the\n"
        "separators (\"NONE\": fixed-width fields without any); --now fills what\n"
        "the text lacks, or replaces a text that cannot be read, with the current\n"
-       "time. --layouts lists every layout with an example.\n"
+       "time. --layouts lists every layout with an example, tab-separated under\n"
+       "the header \"direction layout example fields\" (direction in or out;\n"
+       "--json: one JSON object per line with these keys).\n"
        "example: fskit date --in 2 --out 8 07-MAR-98\n",
        runDate},
       // -- sort
@@ -131,42 +146,54 @@ const std::vector<Command> &commands() {
        "/tmp) and removed afterwards, so no other file is ever touched; P starts\n"
        "the work files' names there. OUTPUT is replaced only once the sort is\n"
        "complete. The library's progress lines go to standard error.\n"
+       "INPUT - reads standard input (copied to a file in the work directory\n"
+       "first); OUTPUT - writes standard output once the sort is complete.\n"
        "  --unique  write equal lines once and drop empty lines\n"
        "  --count   as --unique, each line followed by a blank and its count\n"
-       "Exit status 1, with OUTPUT left as it was, when the sort fails or stops\n"
-       "early (a line longer than the buffer).\n"
-       "example: fskit sort names.txt sorted.txt --buffer 1000000\n",
+       "Exit status 1, with OUTPUT left as it was (nothing written for -), when\n"
+       "the sort fails or stops early (a line longer than the buffer).\n"
+       "example: fskit sort names.txt sorted.txt --buffer 1000000\n"
+       "         ls | fskit sort - - --unique\n",
        runSort},
       // -- files
       {"ls", "list the files of a directory that match a pattern",
-       "usage: fskit ls DIRECTORY [NAME_PATTERN [EXT_PATTERN]]\n"
+       "usage: fskit ls [--json] DIRECTORY [NAME_PATTERN [EXT_PATTERN]]\n"
        "Lists the names in DIRECTORY (\\ or / between directories) that match\n"
        "NAME_PATTERN (default *) followed by EXT_PATTERN (default .*, which also\n"
        "matches names without a dot); * is any run of characters, ? any one,\n"
-       "case counts. One line per name, tab-separated: name (up to the first\n"
-       "dot), extension, directory, drive. Names beginning with a dot are left\n"
-       "out. Nothing matching prints nothing (status 0); a directory that cannot\n"
-       "be read is an error (status 1).\n"
+       "case counts. Under a header line, one line per name, sorted by name byte\n"
+       "by byte, tab-separated: path, name (up to the first dot), extension\n"
+       "(--json: one JSON object per line with these keys). The path is\n"
+       "DIRECTORY as given, a '/' and the name, with a trailing '/' for a\n"
+       "directory (data/runs/). Names beginning with a dot are left out. Nothing\n"
+       "matching prints the header only (status 0); a directory that cannot be\n"
+       "read is an error (status 1).\n"
        "example: fskit ls data 'run*' .raw\n",
        runLs},
       // -- cmdline
       {"cmdline", "show how a command line splits into arguments and qualifiers",
-       "usage: fskit cmdline LINE...\n"
+       "usage: fskit cmdline [--json] LINE...\n"
        "Parses LINE (several words are joined with single blanks) and prints one\n"
-       "line per part: \"argument<TAB>TEXT\" (with \"<TAB>,\" when a comma ended it),\n"
-       "then \"qualifier<TAB>NAME\" or \"qualifier<TAB>NAME<TAB>VALUE\". When parsing\n"
-       "stops, the parser's message goes to standard error and the status is 1.\n"
+       "line per part under the header \"part text value end\", tab-separated:\n"
+       "the arguments (\"argument<TAB>TEXT<TAB><TAB>,\" where a comma ended one),\n"
+       "then the qualifiers (\"qualifier<TAB>NAME<TAB>VALUE<TAB>\", VALUE empty when\n"
+       "none was given); --json: one JSON object per line with these keys. When parsing\n"
+       "stops, or a quote or a '(' list is left open, the parser's message goes\n"
+       "to standard error, nothing to standard output, and the status is 1.\n"
        "Put -- before a LINE whose first word begins with --.\n"
        "example: fskit cmdline 'copy a.dat,b.dat /log=out.txt /verbose'\n",
        runCmdline},
       {"tags", "list a tag file or look a tag or label up in it",
-       "usage: fskit tags FILE [--keywords] [--tag TAG | --label LABEL]\n"
+       "usage: fskit tags FILE [--keywords] [--json | --tag TAG | --label LABEL]\n"
        "Reads the tag file FILE (lines \"TAG LABEL ! comment\") and prints each\n"
-       "record as \"TAG<TAB>LABEL\". --keywords turns the labels into \"##LABEL=\".\n"
+       "record as \"TAG<TAB>LABEL\" under the header \"tag label\" (--json: one\n"
+       "JSON object per line with these keys). --keywords turns the labels into\n"
+       "\"##LABEL=\".\n"
        "--tag prints the label of the first record with exactly that (upper-case)\n"
-       "tag; --label prints the tag of the first record whose label, ignoring\n"
-       "case, begins LABEL. Nothing found: status 1.\n"
-       "example: fskit tags detectors.tbl --label 'mass spectrum'\n",
+       "tag; --label prints the tag of the first record whose label begins with\n"
+       "LABEL, ignoring case (\"mass\" finds \"Mass spectrum\"). Nothing found:\n"
+       "status 1.\n"
+       "example: fskit tags detectors.tbl --label mass\n",
        runTags},
       // -- util
       {"key", "print the code of each key pressed",

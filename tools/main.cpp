@@ -46,5 +46,7 @@ int main(int argc, char **argv) {
     std::fputs(command->help, stdout);
     return fskit::tool::kOk;
   }
+  // The library's messages are diagnostics: standard error, naming the command.
+  fskit::tool::reportLibraryMessagesAs(command->name);
   return command->run(args);
 }

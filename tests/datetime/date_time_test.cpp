@@ -3,6 +3,8 @@
 #include <fskit/datetime.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <cstring>
 #include <ctime>
 #include <string>
@@ -182,8 +184,14 @@ TEST(DateCommand, ConvertsListsLayoutsAndReportsErrors) {
   EXPECT_EQ(runTool({"date", "--in", "5", "--out", "5", "--now", "1:2:3"}).out, "01:02:03\n");
   EXPECT_EQ(runTool({"date", "--out", "6"}).out.size(), 20u);
   auto layouts = runTool({"date", "--layouts"}).out;
-  EXPECT_NE(layouts.find("in 6\t19980307140509+0000"), std::string::npos) << layouts;
-  EXPECT_NE(layouts.find("out 4\tSat Mar 07 14:05:09 1998\n"), std::string::npos);
+  EXPECT_EQ(layouts.rfind("direction\tlayout\texample\tfields\n", 0), 0u) << layouts;
+  EXPECT_NE(layouts.find("\nin\t6\t19980307140509+0000\tyyyymmddhhmmss and zone\n"),
+            std::string::npos) << layouts;
+  EXPECT_NE(layouts.find("\nout\t4\tSat Mar 07 14:05:09 1998\t\n"), std::string::npos);
+  auto json = runTool({"date", "--layouts", "--json"}).out;
+  EXPECT_NE(json.find("\n{\"direction\":\"out\",\"layout\":4,\"example\":\"Sat Mar 07 14:05:09 "
+                      "1998\",\"fields\":\"\"}\n"), std::string::npos) << json;
+  EXPECT_EQ(std::count(json.begin(), json.end(), '\n'), 24);
   auto unreadable = runTool({"date", "--in", "0", "tomorrow"});
   EXPECT_EQ(std::to_string(unreadable.status) + unreadable.err,
             "1Unable to generate valid input date from: tomorrow\n");

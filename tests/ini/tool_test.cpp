@@ -22,13 +22,26 @@ TEST(IniTool, GetSetList) {
   EXPECT_EQ(set.status, 0);
   EXPECT_EQ(set.out + set.err, "");
   EXPECT_EQ(readText(file), "[A]\nx = 1\n[Formula Files]\nelementFile = new.tbl\t; why\n");
-  EXPECT_EQ(runTool({"ini", "list", file}).out, "A\tx\t1\nFormula Files\telementFile\tnew.tbl\n");
+  EXPECT_EQ(runTool({"ini", "list", file}).out,
+            "paragraph\ttopic\tvalue\nA\tx\t1\nFormula Files\telementFile\tnew.tbl\n");
+  EXPECT_EQ(runTool({"ini", "list", "--json", file}).out,
+            "{\"paragraph\":\"A\",\"topic\":\"x\",\"value\":\"1\"}\n"
+            "{\"paragraph\":\"Formula Files\",\"topic\":\"elementFile\",\"value\":\"new.tbl\"}\n");
+  EXPECT_EQ(runTool({"ini", "get", "--json", file, "A", "x"}).status, 2);
   // `set` creates a missing file.
   EXPECT_EQ(runTool({"ini", "set", fresh, "P", "t", "a;b"}).status, 0);
   EXPECT_EQ(readText(fresh), "[P]\nt = \"a;b\"\n");
   auto get = runTool({"ini", "get", fresh, "P", "t"});
   EXPECT_EQ(get.status, 0);
   EXPECT_EQ(get.out, "a;b\n");
+
+  // FILE - reads standard input for get and list; set refuses it.
+  EXPECT_EQ(runTool({"ini", "get", "-", "A", "x"}, "[A]\nx = 1\n").out, "1\n");
+  EXPECT_EQ(runTool({"ini", "list", "-"}, "[A]\nx = 1\ny=2\n").out,
+            "paragraph\ttopic\tvalue\nA\tx\t1\nA\ty\t2\n");
+  auto setStdin = runTool({"ini", "set", "-", "A", "x", "2"}, "[A]\nx = 1\n");
+  EXPECT_EQ(setStdin.status, 2);
+  EXPECT_EQ(setStdin.out, "");
 
   // `get` and `list` fail with the library's message.
   auto missing = runTool({"ini", "list", dir.file("none.ini")});

@@ -30,12 +30,29 @@ TEST(ConvertTool, DecodesAndEncodesEveryFormat) {
       {{"--encode", "quorinty", "3.3"}, "33 15\n"},
       {{"--encode", "quorrec", "1234.5678,250000,1", "1,1"}, "42 97 A3 48 69 56\n00 08 00 00 00 02\n"},
   };
+  // The header, then each value's last column: the decoded value or the bytes.
   for (auto [args, out] : cases) {
+    bool encode = args[0] == "--encode";
     args.insert(args.begin(), "convert");
     auto result = runTool(args);
     EXPECT_EQ(result.status, 0) << args[1] << result.err;
-    EXPECT_EQ(result.out, out) << args[1];
+    std::string header = encode ? "number\tbytes\n" : "bytes\tvalue\n", lastColumns;
+    ASSERT_EQ(result.out.rfind(header, 0), 0u) << result.out;
+    for (size_t at = header.size(); at < result.out.size();) {
+      size_t end = result.out.find('\n', at);
+      lastColumns += result.out.substr(result.out.rfind('\t', end) + 1, end + 1 - result.out.rfind('\t', end) - 1);
+      at = end + 1;
+    }
+    EXPECT_EQ(lastColumns, out) << args[1];
   }
+  // Each line begins with what was given: the bytes as read, or the number.
+  EXPECT_EQ(runTool({"convert", "vaxf", "8040 0000", "20c10000"}).out,
+            "bytes\tvalue\n80 40 00 00\t1\n20 C1 00 00\t-2.5\n");
+  EXPECT_EQ(runTool({"convert", "--encode", "hpshort", "-1"}).out, "number\tbytes\n-1\tFF FF\n");
+  EXPECT_EQ(runTool({"convert", "--json", "quorrec", "42 97 A3 48 69 56"}).out,
+            "{\"bytes\":\"42 97 A3 48 69 56\",\"value\":\"1234.5677490234375 249984 1\"}\n");
+  EXPECT_EQ(runTool({"convert", "--json", "--encode", "vaxf", "1"}).out,
+            "{\"number\":\"1\",\"bytes\":\"80 40 00 00\"}\n");
 }
 
 TEST(ConvertTool, DumpsAFileAndReportsWhatDoesNotFit) {
@@ -43,10 +60,17 @@ TEST(ConvertTool, DumpsAFileAndReportsWhatDoesNotFit) {
   std::string path = dir.file("spectrum.dat");
   fskit::test::writeFile(path, std::string("\x00\x08\x00\x00\x00\x02\xA0\x57\x00\x80\xE8\x93\x01", 13));
   auto result = runTool({"convert", "--file", path, "--format", "quorrec"});
-  EXPECT_EQ(result.out, "1 1 0\n500.25 1000 2\n");
+  EXPECT_EQ(result.out, "offset\tvalue\n0\t1 1 0\n6\t500.25 1000 2\n");
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "fskit convert: " + path + ": 1 byte left at the end, not a whole quorrec value\n");
-  EXPECT_EQ(runTool({"convert", "--file", dir.file("none"), "--format", "vaxf"}).status, 1);
+  auto missing = runTool({"convert", "--file", dir.file("none"), "--format", "vaxf"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "fskit convert: cannot open " + dir.file("none") + ": No such file or directory\n");
+  // FILE - is standard input.
+  auto piped = runTool({"convert", "--json", "--file", "-", "--format", "hpshort"},
+                       std::string("\x12\x34\x00\x01\xff", 5));
+  EXPECT_EQ(piped.out, "{\"offset\":0,\"value\":\"4660\"}\n{\"offset\":2,\"value\":\"1\"}\n");
+  EXPECT_EQ(piped.err, "fskit convert: standard input: 1 byte left at the end, not a whole hpshort value\n");
 
   for (std::vector<std::string> args : std::vector<std::vector<std::string>>{
            {"vaxf"}, {"nosuch", "00"}, {"vaxf", "80 40 00"}, {"vaxf", "8040000G"},

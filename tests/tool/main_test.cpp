@@ -2,6 +2,8 @@
 // The fskit tool's own behaviour: help, version, platform and usage errors.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -19,7 +21,8 @@ TEST(Tool, VersionPlatformHelpAndUsageErrors) {
   EXPECT_EQ(runTool({"--version", "x"}).status, 2);
   auto platform = runTool({"platform"});
   EXPECT_EQ(platform.status, 0);
-  EXPECT_EQ(platform.out, "os\twinnt\nbyte order\tlittle\nfloat format\tieee\n");
+  EXPECT_EQ(platform.out,
+            "property\tvalue\nos\twinnt\nbyte order\tlittle\nfloat format\tieee\n");
   auto help = runTool({"--help"});
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("  version"), std::string::npos);
@@ -64,5 +67,87 @@ TEST(Tool, EveryCommandHasHelpAndRefusesUnknownOptions) {
     EXPECT_EQ(bad.out, "") << name;
     EXPECT_EQ(bad.err.rfind("fskit " + name + ": ", 0), 0u) << bad.err;
     EXPECT_EQ(bad.err.find('\n'), bad.err.size() - 1) << bad.err;
+  }
+}
+
+namespace {
+
+// The keys of one flat JSON object of strings and numbers, as the tool
+// writes a table row; empty when `line` is not such an object.
+std::vector<std::string> jsonKeys(const std::string &line) {
+  std::vector<std::string> keys;
+  size_t at = 0;
+  auto string = [&](std::string *out) {
+    if (at >= line.size() || line[at++] != '"') return false;
+    for (; at < line.size() && line[at] != '"'; ++at) {
+      if (static_cast<unsigned char>(line[at]) < 0x20) return false;
+      if (line[at] == '\\' && ++at < line.size() && out != nullptr) *out += '\\';
+      if (out != nullptr) *out += line[at];
+    }
+    return at++ < line.size();
+  };
+  if (line.empty() || line[at++] != '{' || line.back() != '}') return {};
+  while (at < line.size() - 1) {
+    if (!keys.empty() && line[at++] != ',') return {};
+    std::string key;
+    if (!string(&key) || at >= line.size() || line[at++] != ':') return {};
+    if (line[at] == '"') {
+      if (!string(nullptr)) return {};
+    } else {
+      size_t end = line.find_first_of(",}", at);
+      char *stop = nullptr;
+      std::string number = line.substr(at, end - at);
+      std::strtod(number.c_str(), &stop);
+      if (number.empty() || *stop != '\0' || number.find_first_of("ni") != std::string::npos)
+        return {};
+      at = end;
+    }
+    keys.push_back(key);
+  }
+  return keys;
+}
+
+}  // namespace
+
+// Every table that --json writes is one JSON object per line, each with the
+// keys of the tab-separated header, in its order.
+TEST(Tool, JsonLinesHaveTheHeadersKeys) {
+  fskit::test::TempDir dir;
+  fskit::test::writeFile(dir.file("a.ini"), "[P \"q\"]\nt = a\\tb\n");
+  fskit::test::writeFile(dir.file("t.tbl"), "ms Mass spectrum\n");
+  const std::vector<std::vector<std::string>> tables = {
+      {"formula", "H2O", "C6H12O6"},
+      {"elements"},
+      {"convert", "vaxf", "80 40 00 00"},
+      {"convert", "--encode", "vaxf", "1"},
+      {"date", "--layouts"},
+      {"ls", dir.path()},
+      {"ini", "list", dir.file("a.ini")},
+      {"tags", dir.file("t.tbl")},
+      {"cmdline", "a,b /q=\"x\" /v"},
+      {"platform"},
+  };
+  for (std::vector<std::string> args : tables) {
+    auto text = runTool(args);
+    ASSERT_EQ(text.status, 0) << args[0] << text.err;
+    std::string header = text.out.substr(0, text.out.find('\n'));
+    std::vector<std::string> expected;
+    for (size_t at = 0; at <= header.size();) {
+      size_t end = std::min(header.find('\t', at), header.size());
+      expected.push_back(header.substr(at, end - at));
+      at = end + 1;
+    }
+    args.insert(args.begin() + 1, "--json");
+    auto json = runTool(args);
+    ASSERT_EQ(json.status, 0) << args[0] << json.err;
+    size_t lines = 0;
+    for (size_t at = 0; at < json.out.size(); ++lines) {
+      size_t end = json.out.find('\n', at);
+      ASSERT_NE(end, std::string::npos) << args[0];
+      EXPECT_EQ(jsonKeys(json.out.substr(at, end - at)), expected)
+          << args[0] << ": " << json.out.substr(at, end - at);
+      at = end + 1;
+    }
+    EXPECT_EQ(lines + 1, size_t(std::count(text.out.begin(), text.out.end(), '\n'))) << args[0];
   }
 }
