@@ -165,14 +165,3 @@ TEST(DirectoryServices, SearchMatchesTheLastComponentAndSurvivesAVanishingDirect
   }
   EXPECT_NE(platform::FindCloseS(handle), 0);
 }
-
-TEST(LsCommand, PrintsOneRecordPerLine) {
-  TempDir dir;
-  writeFile(dir.file("a.raw"), "");
-  writeFile(dir.file("b.txt"), "");
-  auto listed = fskit::test::runTool({"ls", withBackslashes(dir.path()), "*", ".raw"});
-  EXPECT_EQ(listed.status, 0);
-  EXPECT_EQ(listed.out, "a\traw\t" + partsOf(withBackslashes(dir.path()), "\t") + "\n");
-  EXPECT_EQ(fskit::test::runTool({"ls", dir.path()}).out.size(), 2 * (dir.path().size() + 9));
-  EXPECT_EQ(fskit::test::runTool({"ls"}).status, 2);
-}

@@ -220,7 +220,7 @@ TEST(FileSort, ToolSortsWithTheLibraryTextsOnStandardError) {
   EXPECT_EQ(fskit::test::runTool({"sort", "in.txt", "out", "--prefix", "../x"}).status, 2);
   result = fskit::test::runTool({"sort", "absent.txt", "out.txt"}, "", dir.path());
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "fskit sort: Cannot open input file absent.txt\n");
+  EXPECT_EQ(result.err, "fskit sort: cannot open input file absent.txt: No such file or directory\n");
 }
 
 // The library removes files named like its work files under its prefix: the
