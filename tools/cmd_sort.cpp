@@ -120,7 +120,8 @@ int runSort(std::vector<std::string> &args) {
   TemporaryFile input(fromStdin ? std::string(work.path()) + "/standard-input" : "");
   TemporaryFile output(toStdout ? std::string(work.path()) + "/standard-output" : "");
   if (fromStdin) {
-    std::FILE *stream = std::fopen(input.path.c_str(), "wb");
+    // Text mode on both sides: the sort reads a text file of the platform.
+    std::FILE *stream = std::fopen(input.path.c_str(), "w");
     if (stream == nullptr) return systemFailure("sort", "cannot copy standard input", errno);
     bool copied = copyStream(stdin, stream);
     int error = errno;
@@ -145,7 +146,8 @@ int runSort(std::vector<std::string> &args) {
   switch (result.outcome) {
     case sort::FileSortOutcome::kComplete:
       if (toStdout) {
-        std::FILE *stream = std::fopen(output.path.c_str(), "rb");
+        // Read as the text file the sort wrote, as standard output is text.
+        std::FILE *stream = std::fopen(output.path.c_str(), "r");
         bool copied = stream != nullptr && copyStream(stream, stdout);
         int error = errno;
         if (stream != nullptr) std::fclose(stream);

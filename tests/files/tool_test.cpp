@@ -24,8 +24,10 @@ TEST(LsTool, SortedPathsWithDirectoriesMarked) {
   // The directory as given, one '/' added; patterns still choose.
   EXPECT_EQ(runTool({"ls", "./", "b"}, "", dir.path()).out,
             "path\tname\textension\n./b.d/\tb\td\n./b.txt\tb\ttxt\n");
+  std::string jsonPath;  // JSON escapes the backslashes of a Windows path
+  for (char c : dir.path()) jsonPath += c == '\\' ? std::string("\\\\") : std::string(1, c);
   EXPECT_EQ(runTool({"ls", "--json", dir.path(), "s*"}).out,
-            "{\"path\":\"" + dir.path() + "/sub/\",\"name\":\"sub\",\"extension\":\"\"}\n");
+            "{\"path\":\"" + jsonPath + "/sub/\",\"name\":\"sub\",\"extension\":\"\"}\n");
   auto none = runTool({"ls", dir.path(), "nothing"});
   EXPECT_EQ(none.status, 0);
   EXPECT_EQ(none.out, "path\tname\textension\n");
