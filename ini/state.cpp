@@ -16,11 +16,6 @@ Slot *slotAt(int32_t handle) {
   return &state.slots[handle - kFirstHandle];
 }
 
-Slot *slotOf(int32_t handle) {
-  Slot *slot = slotAt(handle);
-  return slot != nullptr && slot->document != nullptr ? slot : nullptr;
-}
-
 void releaseSlot(Slot &slot) {
   delete slot.document;
   std::free(slot.fileName);

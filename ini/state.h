@@ -78,10 +78,6 @@ IniState &iniState();
 // slot. Nothing is locked.
 Slot *slotAt(int32_t handle);
 
-// The slot of a valid handle, or null, without taking its lock: only for a
-// caller that no other thread can disturb. Others use the holders below.
-Slot *slotOf(int32_t handle);
-
 inline std::shared_lock<platform::SharedMutex> lockForReading(Slot &slot) {
   if (slot.writersWaiting.load(std::memory_order_relaxed) != 0) {
     std::lock_guard<platform::Mutex> queue(slot.turnstile);  // behind the writer that holds it
