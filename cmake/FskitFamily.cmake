@@ -8,7 +8,10 @@
 # Warnings and sanitizers for everything the project compiles: library, tool,
 # tests and benchmarks.
 add_library(fskit_options INTERFACE)
-target_compile_options(fskit_options INTERFACE -Wall -Wextra -Werror)
+target_compile_options(fskit_options INTERFACE -Wall -Wextra)
+if(FSKIT_WERROR)
+  target_compile_options(fskit_options INTERFACE -Werror)
+endif()
 if(WIN32 AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC for Windows analyses a dllexport function before the aliases declared
   # after it, then finds each alias "less restrictive" for lacking the nothrow
