@@ -2,8 +2,8 @@
 // The text setters' rules, shared by lines, paragraphs and documents.
 #include <cstring>
 
-#include "frame/ascii.h"
 #include "ini/storage.h"
+#include "platform/ascii.h"
 
 namespace fskit::ini {
 
