@@ -12,7 +12,7 @@
 #include <fskit/strings.h>
 
 #include "chemistry/chemistry.h"
-#include "ini/state.h"
+#include "ini/ini_internal.h"
 #include "platform/ascii.h"
 
 namespace fskit::chemistry {

@@ -18,12 +18,12 @@
 #include <shared_mutex>
 
 #include "ini/document.h"
+#include "ini/ini_internal.h"
 #include "platform/locks.h"
 
 namespace fskit::ini {
 
 inline constexpr int32_t kSlotCount = 10;
-inline constexpr int32_t kFirstHandle = 1000;
 
 struct Slot {
   // Under `lock`:
@@ -125,12 +125,6 @@ using WriteHeld = Held<std::unique_lock<platform::SharedMutex>, lockForWriting>;
 void releaseSlot(Slot &slot);
 // Lets a later opening take a slot that holds no document.
 void giveBack(Slot &slot);
-
-// A malloc'ed copy of the value of `topic` in the first paragraph named
-// `paragraph` of the handle's document (free it with free), or null for a
-// bad handle, a missing value or no memory. Prints nothing. Safe from any
-// thread: the document is held for reading meanwhile.
-char *copyValueOf(int32_t handle, const char *paragraph, const char *topic);
 
 namespace testing {
 // Makes fsIniWriteFile write a replacement through `open` instead of fdopen

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "ini/state.h"
+#include "ini/ini_internal.h"
 #include "tests/support/alloc_fault.h"
 #include "tests/support/test_support.h"
 
