@@ -96,9 +96,9 @@ LoadReport initTable(int32_t iniHandle, int32_t load);
 // the call keeps it to its end, whatever other threads load meanwhile.
 class TableReader {
  public:
-  // The table; loads one first (fsInitElemTable(1000, 1)) when none is
-  // present and `loadIfMissing`. Without a table: one whose `present` is
-  // false.
+  // The table; loads one first (fsInitElemTable(ini::kFirstHandle, 1)) when
+  // none is present and `loadIfMissing`. Without a table: one whose `present`
+  // is false.
   const TableSnapshot &table(bool loadIfMissing = false) {
     if (table_ == nullptr) table_ = currentTable.load(std::memory_order_acquire);
     return table_ != nullptr ? *table_ : missing(loadIfMissing);

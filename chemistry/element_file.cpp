@@ -9,7 +9,7 @@
 #include <fskit/strings.h>
 
 #include "chemistry/chemistry.h"
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 
 namespace fskit::chemistry {
 namespace {

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "chemistry/chemistry.h"
+#include "ini/ini_internal.h"
 #include "platform/platform.h"
 
 namespace fskit::chemistry {
@@ -75,7 +76,8 @@ const TableSnapshot &TableReader::missing(bool loadIfMissing) {
     LoadReport report;
     {
       std::lock_guard<platform::Mutex> hold(theTable.loading);
-      if (currentTable.load(std::memory_order_acquire) == nullptr) report = initTable(1000, 1);
+      if (currentTable.load(std::memory_order_acquire) == nullptr)
+        report = initTable(ini::kFirstHandle, 1);
     }
     report.send();
     table_ = currentTable.load(std::memory_order_acquire);

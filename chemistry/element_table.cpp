@@ -12,8 +12,8 @@
 #include <fskit/strings.h>
 
 #include "chemistry/chemistry.h"
-#include "frame/ascii.h"
-#include "ini/state.h"
+#include "ini/ini_internal.h"
+#include "platform/ascii.h"
 
 namespace fskit::chemistry {
 namespace {

@@ -10,7 +10,7 @@
 #include <fskit/frame.h>
 
 #include "chemistry/chemistry.h"
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 
 namespace fskit::chemistry {
 namespace {

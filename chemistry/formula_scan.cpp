@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "chemistry/chemistry.h"
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 
 namespace fskit::chemistry {
 namespace {

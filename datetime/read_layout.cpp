@@ -11,7 +11,7 @@
 #include <fskit/strings.h>
 
 #include "datetime/date_record.h"
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 #include "platform/platform.h"
 
 namespace fskit::datetime {

@@ -5,7 +5,7 @@
 namespace fskit::ini {
 
 FsIniFile *FsIniFile::create(const char *fileName) {
-  FsIniFile *document = allocationAllowed() ? new (std::nothrow) FsIniFile : nullptr;
+  FsIniFile *document = new (std::nothrow) FsIniFile;
   if (document == nullptr) return nullptr;
   setText(document->fileName_, fileName, Trim::kNone);
   if (document->fileName_ == nullptr && fileName != nullptr && *fileName != '\0') {

@@ -2,8 +2,8 @@
 // One line of a paragraph: taking it from a stream or a text and writing it back.
 #include <cstring>
 
-#include "frame/ascii.h"
 #include "ini/document.h"
+#include "platform/ascii.h"
 
 namespace fskit::ini {
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "frame/ascii.h"
 #include "ini/files.h"
+#include "platform/ascii.h"
 
 namespace fskit::ini::lossless {
 namespace {

@@ -79,7 +79,7 @@ bool NameIndex::reserve(uint32_t wanted) {
   if (wanted * 2 <= capacity_) return true;
   uint32_t capacity = capacity_ == 0 ? 64 : capacity_ * 2;
   if (capacity < capacity_) return false;
-  void *block = allocationAllowed() ? std::malloc(sizeof(Entry) * capacity) : nullptr;
+  void *block = std::malloc(sizeof(Entry) * capacity);
   if (block == nullptr) return false;
   Entry *entries = static_cast<Entry *>(block);
   for (uint32_t i = 0; i < capacity; ++i) entries[i].slot = -1;

@@ -35,7 +35,7 @@ int32_t openSlot(const char *fileName, bool readFile) {
     std::fprintf(stderr, "No more file handles available for %s\n", fileName);
     return 0;
   }
-  char *nameCopy = allocationAllowed() ? strmalloc(fileName) : nullptr;
+  char *nameCopy = strmalloc(fileName);
   if (nameCopy == nullptr) {
     giveBack(*slot);
     std::fprintf(stderr, "Out of memory for ini file %s\n", fileName);

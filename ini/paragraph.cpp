@@ -2,8 +2,8 @@
 // A paragraph: its header, its lines, and the lookups of topics within it.
 #include <cstring>
 
-#include "frame/ascii.h"
 #include "ini/document.h"
+#include "platform/ascii.h"
 
 namespace fskit::ini {
 

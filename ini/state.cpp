@@ -40,20 +40,4 @@ char *copyValueOf(int32_t handle, const char *paragraph, const char *topic) {
   return copy;
 }
 
-bool allocationAllowed() {
-  // Without a limit (always, outside the tests) this is one plain load.
-  long left = state.allocationsLeft.load(std::memory_order_relaxed);
-  while (left >= 0) {
-    if (left == 0) return false;
-    if (state.allocationsLeft.compare_exchange_weak(left, left - 1, std::memory_order_relaxed))
-      return true;
-  }
-  return true;
-}
-
-namespace testing {
-void failAllocationsAfter(long count) { state.allocationsLeft.store(count < 0 ? -1 : count); }
-void setTemporaryOpener(TemporaryOpener open) { state.openTemporary.store(open); }
-}  // namespace testing
-
 }  // namespace fskit::ini

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Process-wide state of the INI family: the slot table behind the handles,
-// where fsIniNext stands, and the test seams. Constant-initialised: nothing
-// runs at load time, and the table starts zeroed.
+// Process-wide state of the INI family: the slot table behind the handles
+// and where fsIniNext stands. Constant-initialised: nothing runs at load
+// time, and the table starts zeroed.
 //
 // Locking: each slot has a reader-writer lock over its document and file
 // name. Lookups hold it shared, so readers of one handle run side by side;
@@ -18,12 +18,12 @@
 #include <shared_mutex>
 
 #include "ini/document.h"
+#include "ini/ini_internal.h"
 #include "platform/locks.h"
 
 namespace fskit::ini {
 
 inline constexpr int32_t kSlotCount = 10;
-inline constexpr int32_t kFirstHandle = 1000;
 
 struct Slot {
   // Under `lock`:
@@ -59,17 +59,12 @@ struct Walk {
   const FsIniParagraph *found = nullptr;
 };
 
-// Makes the stream over a temporary file's descriptor (test seam).
-using TemporaryOpener = std::FILE *(*)(int fd);
-
 struct IniState {
   Slot slots[kSlotCount];
   platform::Mutex tableLock;
   uint64_t openings = 0;  // under the table lock: serial of the latest opening
   platform::Mutex walkLock;
   Walk walk;              // under the walk lock
-  std::atomic<long> allocationsLeft{-1};  // allocations that may still succeed; -1: all
-  std::atomic<TemporaryOpener> openTemporary{nullptr};  // null: fdopen
 };
 
 IniState &iniState();
@@ -125,17 +120,5 @@ using WriteHeld = Held<std::unique_lock<platform::SharedMutex>, lockForWriting>;
 void releaseSlot(Slot &slot);
 // Lets a later opening take a slot that holds no document.
 void giveBack(Slot &slot);
-
-// A malloc'ed copy of the value of `topic` in the first paragraph named
-// `paragraph` of the handle's document (free it with free), or null for a
-// bad handle, a missing value or no memory. Prints nothing. Safe from any
-// thread: the document is held for reading meanwhile.
-char *copyValueOf(int32_t handle, const char *paragraph, const char *topic);
-
-namespace testing {
-// Makes fsIniWriteFile write a replacement through `open` instead of fdopen
-// (null: fdopen again), so that a test can make the writing fail.
-void setTemporaryOpener(TemporaryOpener open);
-}  // namespace testing
 
 }  // namespace fskit::ini

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Storage of the INI document: allocation that a test can make fail, texts,
+// Storage of the INI document: allocation, texts,
 // and the growing list of slots in which paragraphs and documents keep their
 // lines and paragraphs. Nothing here throws: a failed allocation gives null.
 #pragma once
@@ -20,16 +20,11 @@ namespace fskit::ini {
 inline constexpr int kOk = 0;
 inline constexpr int kFailed = 1;
 
-// False when the test seam has decided that this allocation fails.
-bool allocationAllowed();
-
-inline void *reallocate(void *block, size_t size) {
-  return allocationAllowed() ? std::realloc(block, size) : nullptr;
-}
+inline void *reallocate(void *block, size_t size) { return std::realloc(block, size); }
 
 template <class T, class... Args>
 T *create(Args &&...args) {
-  return allocationAllowed() ? new (std::nothrow) T(std::forward<Args>(args)...) : nullptr;
+  return new (std::nothrow) T(std::forward<Args>(args)...);
 }
 
 // How a text setter trims the text it is given.
@@ -179,11 +174,5 @@ class SlotList {
   int32_t capacity_ = 0;
   mutable NameIndex index_;
 };
-
-namespace testing {
-// Lets the next `count` allocations of the INI family succeed and fails all
-// that follow; a negative count lets every allocation succeed again.
-void failAllocationsAfter(long count);
-}  // namespace testing
 
 }  // namespace fskit::ini

@@ -2,8 +2,8 @@
 // The text setters' rules, shared by lines, paragraphs and documents.
 #include <cstring>
 
-#include "frame/ascii.h"
 #include "ini/storage.h"
+#include "platform/ascii.h"
 
 namespace fskit::ini {
 
@@ -21,7 +21,7 @@ void setText(char *&field, const char *text, Trim trim) {
       while (length > 0 && (ascii::isSpace(text[length - 1]) || ascii::isCntrl(text[length - 1])))
         --length;
     if (length > 0) {
-      char *copy = allocationAllowed() ? static_cast<char *>(std::malloc(length + 1)) : nullptr;
+      char *copy = static_cast<char *>(std::malloc(length + 1));
       if (copy != nullptr) {
         std::memcpy(copy, text, length);
         copy[length] = '\0';

@@ -42,8 +42,7 @@ bool writeReplacement(const char *fileName, TextWriter write, const void *source
 #if defined(_WIN32)
   if (binary) _setmode(fd, _O_BINARY);
 #endif
-  TemporaryOpener open = iniState().openTemporary.load();
-  std::FILE *stream = open != nullptr ? open(fd) : fdopen(fd, binary ? "wb" : "w");
+  std::FILE *stream = fdopen(fd, binary ? "wb" : "w");
   if (stream == nullptr) {
     close(fd);
     platform::abandonReplacement(replacement);

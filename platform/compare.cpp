@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 #include "platform/platform.h"
 
 namespace fskit::platform {

@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 #include "platform/platform.h"
 
 namespace fskit::platform {

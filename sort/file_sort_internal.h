@@ -45,4 +45,22 @@ struct FileSortResult {
 // Never throws.
 FileSortResult sortFile(const FileSortRequest &request);
 
+// A directory of the caller's own for the work files, made inside `parent`
+// (mode 0700 where the system has modes): the sort removes every file named
+// like one of its work files under the prefix it is given, and none of the
+// user's files may be among them. Removed when it goes (once empty).
+class WorkDirectory {
+ public:
+  explicit WorkDirectory(const char *parent);
+  ~WorkDirectory();
+  WorkDirectory(const WorkDirectory &) = delete;
+  WorkDirectory &operator=(const WorkDirectory &) = delete;
+  const char *path() const { return path_; }  // null when it could not be made
+  int error() const { return error_; }        // errno of that failure
+
+ private:
+  char *path_;
+  int error_;
+};
+
 }  // namespace fskit::sort

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 
 namespace fskit::strings {
 

@@ -8,7 +8,7 @@
 #include <fskit/cmdline.h>
 #include <fskit/frame.h>
 
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 #include "tools/command.h"
 
 namespace fskit::tool {

@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "frame/ascii.h"
 #include "ini/lossless.h"
+#include "platform/ascii.h"
 #include "tools/command.h"
 
 namespace fskit::tool {

@@ -14,7 +14,7 @@
 
 #include <fskit/numformat.h>
 
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 #include "tools/command.h"
 
 namespace fskit::tool {

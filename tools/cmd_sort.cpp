@@ -9,7 +9,6 @@
 #include <string>
 #include <utility>
 
-#include "platform/platform.h"
 #include "sort/file_sort_internal.h"
 #include "tools/command.h"
 
@@ -30,27 +29,6 @@ std::string temporaryBase() {
     if (const char *value = std::getenv(name); value != nullptr && *value != '\0') return value;
   return fallback;
 }
-
-// A directory of the tool's own for the work files: the library removes
-// every file named like one of its work files under the prefix it is given,
-// and none of the user's files may be among them. Removed when done.
-class WorkDirectory {
- public:
-  explicit WorkDirectory(const std::string &parent)
-      : path_(platform::makePrivateDirectory(parent.c_str())), error_(errno) {}
-  ~WorkDirectory() {
-    if (path_ != nullptr) platform::_rmdirS(path_);
-    std::free(path_);
-  }
-  WorkDirectory(const WorkDirectory &) = delete;
-  WorkDirectory &operator=(const WorkDirectory &) = delete;
-  const char *path() const { return path_; }
-  int error() const { return error_; }
-
- private:
-  char *path_;
-  int error_;
-};
 
 // The library's progress lines go to standard error, as all but the sorted
 // lines do; what went wrong is said once, at the end.
@@ -108,7 +86,7 @@ int runSort(std::vector<std::string> &args) {
       return usageError("sort", "--buffer needs a number of bytes");
   }
   std::string parent = temporary.value_or(temporaryBase());
-  WorkDirectory work(parent);
+  sort::WorkDirectory work(parent.c_str());
   if (work.path() == nullptr)
     return failure("sort", "cannot make a work directory in " + parent + ": " +
                                std::strerror(work.error()));

@@ -7,7 +7,7 @@
 
 #include <fskit/util.h>
 
-#include "frame/ascii.h"
+#include "platform/ascii.h"
 #include "util/des.h"
 
 namespace {

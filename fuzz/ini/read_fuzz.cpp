@@ -10,6 +10,7 @@
 
 #include "fuzz/support/fuzz_support.h"
 #include "ini/document.h"
+#include "tests/support/alloc_fault.h"
 
 using fskit::ini::FsIniFile;
 using fskit::ini::FsIniLine;
@@ -23,12 +24,17 @@ struct Document {
   ~Document() { delete file; }
 };
 
-void read(FsIniFile &document, const std::string &text) {
+// With `allocations` 0 or more, memory runs out after that many allocations
+// of the reading.
+void read(FsIniFile &document, const std::string &text, long allocations = -1) {
   if (text.empty()) return;  // fmemopen takes no empty buffer
   std::string bytes = text;
   std::FILE *stream = fmemopen(bytes.data(), bytes.size(), "r");
   FUZZ_CHECK(stream != nullptr);
-  FUZZ_CHECK(document.read(stream) == fskit::ini::kOk);
+  if (allocations >= 0) fskit::test::failAllocationFrom(allocations + 1);
+  const int result = document.read(stream);
+  fskit::test::failAllocationFrom(0);
+  FUZZ_CHECK(result == fskit::ini::kOk);
   std::fclose(stream);
 }
 
@@ -85,9 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   std::string_view input(reinterpret_cast<const char *>(data), size);
   const uint8_t budget = fskit::fuzz::takeByte(input);
   Document first;
-  if (budget % 2 == 1) fskit::ini::testing::failAllocationsAfter(budget / 2);
-  read(*first.file, std::string(input));
-  fskit::ini::testing::failAllocationsAfter(-1);
+  read(*first.file, std::string(input), budget % 2 == 1 ? budget / 2 : -1);
   checkLookups(*first.file);
 
   const std::string once = written(*first.file);

@@ -1,17 +1,25 @@
 // SPDX-License-Identifier: MIT
-// The INI functions under allocation failure: a document keeps what was read
-// or set before memory ran out, and a file is replaced only when the whole
-// document could be written.
+// The INI functions under allocation and write failures: a document keeps
+// what was read or set before memory ran out, and a file is replaced only
+// when the whole document could be written. The stream that fsIniWriteFile
+// writes a replacement through comes from fdopen, wrapped in this program.
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
-#include "ini/state.h"
+#include "ini/ini_internal.h"
 #include "tests/support/alloc_fault.h"
 #include "tests/support/test_support.h"
 
+using fskit::test::captureStderr;
+using fskit::test::failAllocationFrom;
 using fskit::test::forEachAllocationFailure;
 using fskit::test::readFile;
 using fskit::test::StreamCatcher;
@@ -32,7 +40,48 @@ std::string walk(int32_t handle) {
   return all;
 }
 
+// While armed (byteLimit >= 0), fdopen gives a stream that takes
+// `byteLimit` bytes and then fails, as a full disk would; with `closeFails`
+// its close fails too.
+struct WriteFault {
+  long byteLimit = -1;
+  bool closeFails = false;
+  long bytesAccepted = 0;
+};
+WriteFault writeFault;
+
 }  // namespace
+
+extern "C" std::FILE *__real_fdopen(int fd, const char *mode);
+
+extern "C" std::FILE *__wrap_fdopen(int fd, const char *mode) {
+  if (writeFault.byteLimit < 0) return __real_fdopen(fd, mode);
+  writeFault.bytesAccepted = 0;
+  cookie_io_functions_t io{};
+  io.write = [](void *cookie, const char *data, size_t size) -> ssize_t {
+    if (writeFault.bytesAccepted + long(size) > writeFault.byteLimit) {
+      errno = ENOSPC;
+      return 0;
+    }
+    writeFault.bytesAccepted += long(size);
+    return write(int(reinterpret_cast<intptr_t>(cookie)), data, size);
+  };
+  io.close = [](void *cookie) {
+    return close(int(reinterpret_cast<intptr_t>(cookie))) != 0 || writeFault.closeFails ? -1 : 0;
+  };
+  return fopencookie(reinterpret_cast<void *>(intptr_t(fd)), mode, io);
+}
+
+TEST(IniFaults, OutOfMemoryIsReported) {
+  StreamCatcher err(stderr);
+  err.start();
+  failAllocationFrom(1);  // no copy of the name
+  EXPECT_EQ(fsIniReadFile("m.ini"), 0);
+  failAllocationFrom(2);  // no document
+  EXPECT_EQ(fsIniNewFile("m.ini"), 0);
+  failAllocationFrom(0);
+  EXPECT_EQ(err.stop(), "Out of memory for ini file m.ini\nError allocating ini file m.ini\n");
+}
 
 TEST(IniFaults, OpeningKeepsWhatWasRead) {
   TempDir dir;
@@ -122,6 +171,31 @@ TEST(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
           EXPECT_EQ(walk(handle).substr(0, 6), "A|x|7;");  // the handle stays open
         }
       });
+}
+
+TEST(IniFaults, AFailedWriteLeavesTheOldFile) {
+  TempDir dir;
+  const std::string path = dir.file("keep.ini");
+  const std::string old = "[A]\nx = 1\n";
+  writeFile(path, old);
+  const int32_t handle = fsIniReadFile(path.c_str());
+  for (int i = 0; i < 2000; ++i)
+    fsIniSetValue(handle, "A", ("topic" + std::to_string(i)).c_str(), "value", "");
+  // Failing in the middle of the text, then only when the file is closed.
+  for (bool atClose : {false, true}) {
+    writeFault = {atClose ? 1L << 30 : 100, atClose};
+    EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 0); }), "");
+    EXPECT_EQ(readFile(path), old);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);
+    char value[16] = "";  // the handle keeps its document
+    EXPECT_EQ(fsIniGetValue(handle, "A", "topic1999", value, nullptr), 1);
+    EXPECT_STREQ(value, "value");
+  }
+  writeFault.closeFails = false;
+  EXPECT_EQ(fsIniWriteFile(handle), 1);
+  EXPECT_EQ(writeFault.bytesAccepted, long(readFile(path).size()));
+  EXPECT_EQ(readFile(path).substr(0, 30), "[A]\nx = 1\ntopic0 = value\ntopic");
+  writeFault = {};
 }
 
 TEST(IniFaults, LookupsWithoutMemoryForTheirIndexScan) {

@@ -2,12 +2,13 @@
 // Cases that once went wrong in the files family, one line each on what did.
 // (Linux only: the program is built with the allocation-failure injector.)
 // The listing cases concern what happens when memory runs out, so this
-// program is built with the allocation-failure injector; its directory
-// searches are scripted (the platform's search is wrapped at link time), so
-// that the names arrive in the order a case needs.
+// program is built with the allocation-failure injector; the directories its
+// searches read are scripted (opendir, readdir and closedir are wrapped at
+// link time), so that the names arrive in the order a case needs.
 #include <fskit/files.h>
 #include <gtest/gtest.h>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,6 +16,7 @@
 #include <cerrno>
 #include <climits>
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -23,24 +25,20 @@
 #include <string>
 #include <vector>
 
-#include "platform/platform.h"
 #include "tests/support/alloc_fault.h"
 #include "tests/support/test_support.h"
 
-using fskit::platform::FindData;
-using fskit::platform::SearchHandle;
-
 namespace {
 
-// The names the next search delivers, in this order.
+// The names every directory opened delivers, in this order.
 std::vector<std::string> scriptedNames;
 size_t nextName = 0;
+dirent scriptedEntry;
+char scriptedDirectory;  // its address stands for the open directory
 
-bool deliver(FindData *data) {
-  if (nextName >= scriptedNames.size()) return false;
-  std::strcpy(data->cFileName, scriptedNames[nextName++].c_str());
-  return true;
-}
+// Before the records, a listing allocates its block, then the platform's
+// search its own record and its copy of the pattern.
+constexpr long kBlockAndSearch = 3;
 
 int nullTexts(const FsFileSpec &record) {
   int missing = 0;
@@ -53,17 +51,19 @@ int nullTexts(const FsFileSpec &record) {
 
 extern "C" {
 
-SearchHandle __wrap__ZN5fskit8platform15FindFirstFileSAEPKcPNS0_8FindDataE(const char *,
-                                                                             FindData *data) {
+DIR *__wrap_opendir(const char *) {
   nextName = 0;
-  return deliver(data) ? 1 : fskit::platform::kNoSearch;
+  return reinterpret_cast<DIR *>(&scriptedDirectory);
 }
 
-int __wrap__ZN5fskit8platform14FindNextFileSAElPNS0_8FindDataE(SearchHandle, FindData *data) {
-  return deliver(data) ? 1 : 0;
+dirent *__wrap_readdir(DIR *) {
+  if (nextName >= scriptedNames.size()) return nullptr;
+  std::snprintf(scriptedEntry.d_name, sizeof scriptedEntry.d_name, "%s",
+                scriptedNames[nextName++].c_str());
+  return &scriptedEntry;
 }
 
-int __wrap__ZN5fskit8platform10FindCloseSEl(SearchHandle) { return 1; }
+int __wrap_closedir(DIR *) { return 0; }
 
 }  // extern "C"
 
@@ -75,9 +75,10 @@ TEST(FilesRegression, ARecordWhoseTextCannotBeCopiedStaysInTheListing) {
   fskit::test::forEachSingleAllocationFailure(
       [&] { count = fsReadDir("C:\\data", "*", ".x", &list); },
       [&](long k, bool refused) {
-        if (refused && k == 1) {  // the block
+        if (refused && k <= kBlockAndSearch) {  // nothing to list into, or no search
           EXPECT_EQ(count, 0);
-          EXPECT_EQ(list, nullptr);
+          EXPECT_EQ(list == nullptr, k == 1);
+          fsReadDirFree(0, &list);
           return;
         }
         // A refused copy used to throw the whole listing away (0, list null);
@@ -110,8 +111,9 @@ TEST(FilesRegression, AFullListGrowsForANameItThenSkips) {
     for (int i = 0; i < 100; ++i) scriptedNames.push_back("f" + std::to_string(i) + ".raw");
     scriptedNames.insert(scriptedNames.end(), c.after.begin(), c.after.end());
     FsFileSpec *list = nullptr;
-    // The block and four texts a record come first; the growth is next.
-    fskit::test::failOnlyAllocation(1 + 100 * 4 + 1);
+    // The block, the search and four texts a record come first; the growth
+    // is next.
+    fskit::test::failOnlyAllocation(kBlockAndSearch + 100 * 4 + 1);
     int32_t count = fsReadDir("", "*", nullptr, &list);
     fskit::test::failAllocationFrom(0);
     EXPECT_EQ(count, c.count) << c.after.size();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The handle API: slots, lookups, setting, the walk, writing and its failures.
+// The handle API: slots, lookups, setting, the walk and writing (its
+// failures are the fault tests').
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -224,74 +225,6 @@ TEST(IniApi, WriteTargetsLinksAndDevices) {
   fsIniReleaseFile(handle);
 }
 #endif
-
-#if !defined(_WIN32)
-namespace {
-
-// A stream over the temporary file that takes `byteLimit` bytes and then
-// fails, as a full disk would; with `closeFails` its close fails too.
-long bytesAccepted, byteLimit;
-bool closeFails;
-
-std::FILE *failingStream(int fd) {
-  bytesAccepted = 0;
-  cookie_io_functions_t io{};
-  io.write = [](void *cookie, const char *data, size_t size) -> ssize_t {
-    if (bytesAccepted + long(size) > byteLimit) {
-      errno = ENOSPC;
-      return 0;
-    }
-    bytesAccepted += long(size);
-    return write(int(reinterpret_cast<intptr_t>(cookie)), data, size);
-  };
-  io.close = [](void *cookie) {
-    return close(int(reinterpret_cast<intptr_t>(cookie))) != 0 || closeFails ? -1 : 0;
-  };
-  return fopencookie(reinterpret_cast<void *>(intptr_t(fd)), "w", io);
-}
-
-}  // namespace
-
-#endif
-
-TEST(IniApi, FailedWriteLeavesOldFile) {
-#if defined(_WIN32)
-  GTEST_SKIP() << "needs a stream that fails on demand, made with glibc's fopencookie";
-#else
-  TempDir dir;
-  std::string path = dir.file("keep.ini");
-  std::string old = "[A]\nx = 1\n";
-  writeFile(path, old);
-  int32_t handle = fsIniReadFile(path.c_str());
-  for (int i = 0; i < 2000; ++i)
-    fsIniSetValue(handle, "A", ("topic" + std::to_string(i)).c_str(), "value", "");
-  fskit::ini::testing::setTemporaryOpener(failingStream);
-  // Failing in the middle of the text, then only when the file is closed.
-  for (bool atClose : {false, true}) {
-    byteLimit = atClose ? 1L << 30 : 100;
-    closeFails = atClose;
-    EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 0); }), "");
-    EXPECT_EQ(readFile(path), old);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);
-    EXPECT_EQ(valueOf(handle, "A", "topic1999"), "value");
-  }
-  closeFails = false;
-  EXPECT_EQ(fsIniWriteFile(handle), 1);
-  EXPECT_EQ(bytesAccepted, long(readFile(path).size()));
-  EXPECT_EQ(readFile(path).substr(0, 30), "[A]\nx = 1\ntopic0 = value\ntopic");
-#endif
-}
-
-TEST(IniApi, OutOfMemoryIsReported) {
-  // Failures at every allocation, and what they leave, are the fault tests'.
-  EXPECT_EQ(captureStderr([] {
-              fskit::ini::testing::failAllocationsAfter(0);  // no copy of the name
-              EXPECT_EQ(fsIniReadFile("m.ini"), 0);
-              fskit::ini::testing::failAllocationsAfter(1);  // no document
-              EXPECT_EQ(fsIniNewFile("m.ini"), 0);
-            }),
-            "Out of memory for ini file m.ini\nError allocating ini file m.ini\n");
-}
 
 TEST(IniApi, LargeFileKeepsFirstMatchesAndOrder) {
   // 200,000 lines: every paragraph twice, every paragraph's t0 twice.

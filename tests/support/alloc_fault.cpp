@@ -6,16 +6,13 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <new>
 
 extern "C" {
 void *__real_malloc(size_t size);
 void *__real_calloc(size_t count, size_t size);
 void *__real_realloc(void *block, size_t size);
-void *__real__Znwm(size_t size);
-void *__real__Znam(size_t size);
-void *__real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t &);
-void *__real__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t &);
 char *__real_strdup(const char *text);
 }
 
@@ -56,28 +53,33 @@ void *__wrap_realloc(void *block, size_t size) {
   return refuseThisOne(size) ? nullptr : __real_realloc(block, size);
 }
 
-void *__wrap__Znwm(size_t size) {
-  if (refuseThisOne(size)) throw std::bad_alloc();
-  return __real__Znwm(size);
-}
-
-void *__wrap__Znam(size_t size) {
-  if (refuseThisOne(size)) throw std::bad_alloc();
-  return __real__Znam(size);
-}
-
-void *__wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t &tag) {
-  return refuseThisOne(size) ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
-}
-
-void *__wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t &tag) {
-  return refuseThisOne(size) ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
-}
-
 // strdup allocates inside the C library, out of reach of the malloc wrapper.
 char *__wrap_strdup(const char *text) { return refuseThisOne() ? nullptr : __real_strdup(text); }
 
 }  // extern "C"
+
+// The program's own global operator new and delete (the standard lets a
+// program replace them): C++ allocations take the wrapped malloc, and so
+// meet the same counter as the C ones.
+namespace {
+void *allocate(size_t size) { return std::malloc(size != 0 ? size : 1); }
+void *allocateOrThrow(size_t size) {
+  void *block = allocate(size);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+}  // namespace
+
+void *operator new(size_t size) { return allocateOrThrow(size); }
+void *operator new[](size_t size) { return allocateOrThrow(size); }
+void *operator new(size_t size, const std::nothrow_t &) noexcept { return allocate(size); }
+void *operator new[](size_t size, const std::nothrow_t &) noexcept { return allocate(size); }
+void operator delete(void *block) noexcept { std::free(block); }
+void operator delete[](void *block) noexcept { std::free(block); }
+void operator delete(void *block, size_t) noexcept { std::free(block); }
+void operator delete[](void *block, size_t) noexcept { std::free(block); }
+void operator delete(void *block, const std::nothrow_t &) noexcept { std::free(block); }
+void operator delete[](void *block, const std::nothrow_t &) noexcept { std::free(block); }
 
 namespace fskit::test {
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Allocation-failure injection for the fault tests. A fault test program is
-// linked with --wrap for malloc, calloc, realloc, strdup and operator new, so every
-// allocation that the library's objects make goes through a counter that can
-// be told to fail the k-th call.
+// linked with --wrap for malloc, calloc, realloc and strdup, and its operator
+// new allocates with malloc, so every allocation that the library's objects
+// make goes through a counter that can be told to fail the k-th call. Only
+// the C library's names are wrapped: the library itself has no seam for it.
 #pragma once
 
 #include <cstddef>

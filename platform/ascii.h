@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Character classes and case of the default C locale, whatever locale the
 // calling program has set: only A-Z and a-z change case, and bytes from 0x80
-// up are neither white space nor letters. Every family classifies characters
-// through these, never through <cctype>.
+// up are neither white space nor letters. Every layer, platform/ up to the
+// tool, classifies characters through these, never through <cctype>.
 #pragma once
 
 namespace fskit::ascii {
