@@ -355,9 +355,14 @@ TEST(FileSort, MergeComparesWholeLinesWithTheirNewline) {
       {"a\na\na\tx\n", 4, false, true, "a\tx 1\na 2\n"},
   };
   TempDir dir;
+  const std::string input = dir.file("in.txt"), output = dir.file("out.txt");
   for (const Case &c : cases) {
     SCOPED_TRACE(c.input);
-    EXPECT_EQ(sortFile(dir, c.input, c.buffer, c.keep, c.counts).output, c.output);
+    fskit::test::writeText(input, c.input);  // CR LF on Windows, where the chunks seek back
+    fskit::test::captureStdout([&] {
+      fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), c.buffer, c.keep, c.counts);
+    });
+    EXPECT_EQ(fskit::test::readText(output), c.output);
   }
 }
 
