@@ -5,7 +5,6 @@
 #include <fskit/chemistry.h>
 #include <fskit/frame.h>
 #include <fskit/strings.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -16,12 +15,7 @@
 
 namespace {
 
-std::string &elementFile() {
-  static std::string path;
-  return path;
-}
-
-void removeElementFile() { unlink(elementFile().c_str()); }
+std::string elementFile() { return fskit::fuzz::scratchFile("elements.tbl"); }
 
 // The number of records the reading gives: each piece of at most 131
 // characters is a line; an element line (first field in column 0 or 1) adds
@@ -54,25 +48,13 @@ int32_t expectedCount(std::string_view file) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  char path[] = "/dev/shm/fskit-elements-XXXXXX";  // in memory: one file write per run
-  int fd = mkstemp(path);
-  if (fd < 0) {
-    std::memcpy(path, "/tmp/fskit-elements-XXXXXX", sizeof "/tmp/fskit-elements-XXXXXX");
-    fd = mkstemp(path);
-  }
-  FUZZ_CHECK(fd >= 0);
-  close(fd);
-  elementFile() = path;
-  std::atexit(removeElementFile);
   fsRegisterMessage(nullptr);  // the lookups' reports are expected here
   return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const std::string_view file(reinterpret_cast<const char *>(data), size);
-  std::FILE *out = std::fopen(elementFile().c_str(), "wb");
-  FUZZ_CHECK(out != nullptr && std::fwrite(file.data(), 1, file.size(), out) == file.size());
-  std::fclose(out);
+  fskit::fuzz::writeBytes(elementFile(), file);
   FUZZ_CHECK(fsInitElemTable(0, 0) == 1);  // forgets the table and the name it came from
   FUZZ_CHECK(fsLoadElemTable(elementFile().c_str()) == 1);
 

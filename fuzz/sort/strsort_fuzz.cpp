@@ -6,7 +6,6 @@
 // Input: the buffer byte (0: the whole file), the mode byte (bit 0: keep
 // duplicates, bit 1: counts), then the file.
 #include <fskit/sort.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -21,14 +20,8 @@
 
 namespace {
 
-std::string &workDirectory() {
-  static std::string path;
-  return path;
-}
-
-void removeWorkDirectory() { std::filesystem::remove_all(workDirectory()); }
-
-std::string file(const char *name) { return workDirectory() + "/" + name; }
+std::string file(const char *name) { return fskit::fuzz::scratchFile(name); }
+std::string workDirectory() { return file(""); }
 
 // The lines of each chunk as the chunk phase reads them: pieces of at most
 // `buffer` bytes cut after their last line feed; a piece without one ends
@@ -64,32 +57,17 @@ bool holdsLowBytes(const std::string &line) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int *, char ***) {
-  char path[] = "/dev/shm/fskit-strsort-XXXXXX";
-  char fallback[] = "/tmp/fskit-strsort-XXXXXX";
-  const char *made = mkdtemp(path);
-  if (made == nullptr) made = mkdtemp(fallback);
-  FUZZ_CHECK(made != nullptr);
-  workDirectory() = made;
-  std::atexit(removeWorkDirectory);
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   std::string_view input(reinterpret_cast<const char *>(data), size);
   const uint8_t bufferByte = fskit::fuzz::takeByte(input), mode = fskit::fuzz::takeByte(input);
   const bool keep = mode & 1, counts = mode & 2;
   // At most about 40 chunks: more than one merge pass, at a bearable cost.
   const long buffer = bufferByte == 0 ? 0 : std::max<long>(bufferByte, long(input.size() / 40) + 1);
-  {
-    std::FILE *out = std::fopen(file("in").c_str(), "wb");
-    FUZZ_CHECK(out != nullptr && std::fwrite(input.data(), 1, input.size(), out) == input.size());
-    std::fclose(out);
-  }
+  fskit::fuzz::writeBytes(file("in"), input);
   std::filesystem::remove(file("out"));
   long result = -1;
   const std::string printed = fskit::fuzz::caughtStream(::stdout, [&] {
-    result = fsStrSort(file("in").c_str(), file("out").c_str(), (workDirectory() + "/").c_str(),
+    result = fsStrSort(file("in").c_str(), file("out").c_str(), workDirectory().c_str(),
                        buffer, keep, counts);
   });
   for (const auto &entry : std::filesystem::directory_iterator(workDirectory()))

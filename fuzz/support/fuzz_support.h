@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Helpers shared by the fuzz targets: invariant checks that stop the run,
-// exact-size copies of the input, and a place to catch what a call prints.
+// exact-size copies of the input, a place to catch what a call prints, and
+// a scratch directory for the targets that read files.
 #pragma once
 
 #include <cstddef>
@@ -8,10 +9,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+
+#include <stdlib.h>
 
 // A broken invariant ends the run like a crash, so libFuzzer keeps the input.
 #define FUZZ_CHECK(condition)                                                       \
@@ -95,6 +99,30 @@ std::string caughtStream(std::FILE *&stream, Body body) {
 template <typename Body>
 std::string caughtStderr(Body body) {
   return caughtStream(::stderr, body);
+}
+
+// The run's own directory plus "/" + `name`: in memory where /dev/shm exists
+// (a file is written for every input), removed at exit.
+inline std::string scratchFile(const char *name) {
+  static const std::string directory = [] {
+    char memory[] = "/dev/shm/fskit-fuzz-XXXXXX", disk[] = "/tmp/fskit-fuzz-XXXXXX";
+    const char *made = mkdtemp(memory);
+    if (made == nullptr) made = mkdtemp(disk);
+    FUZZ_CHECK(made != nullptr);
+    return std::string(made);
+  }();
+  static const bool removedAtExit = [] {
+    return std::atexit([] { std::filesystem::remove_all(directory); }) == 0;
+  }();
+  FUZZ_CHECK(removedAtExit);
+  return directory + "/" + name;
+}
+
+// Writes `bytes` to `path` as they are.
+inline void writeBytes(const std::string &path, std::string_view bytes) {
+  std::FILE *out = std::fopen(path.c_str(), "wb");
+  FUZZ_CHECK(out != nullptr && std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size());
+  std::fclose(out);
 }
 
 }  // namespace fskit::fuzz

@@ -54,3 +54,29 @@ TEST(ArrayAlloc, GrowsByElementCountAndNeverShrinks) {
   EXPECT_EQ(array.capacity, INT32_MAX);
   EXPECT_EQ(array.elemSize, UINT32_MAX);
 }
+
+TEST(ArrayAlloc, ArrayAllocTakesANegativeCountAsASmallerOne) {
+  struct Case {
+    bool withBuffer;
+    int32_t n, result, count, capacity;
+  };
+  const Case cases[] = {
+      // A negative count gave 0 and changed nothing; it sets the count and
+      // the result tells whether there is a buffer.
+      {true, -3, 1, -3, 10},
+      {false, -1, 0, -1, 0},
+  };
+  for (const Case &c : cases) {
+    KwaArray array{0, 0, 0, 0, nullptr};
+    if (c.withBuffer) {
+      ASSERT_EQ(kwaArrayAlloc(&array, 10, 4), 1);
+    }
+    void *buffer = array.data;
+    EXPECT_EQ(kwaArrayAlloc(&array, c.n, 8), c.result) << c.n;
+    EXPECT_EQ(array.count, c.count);
+    EXPECT_EQ(array.capacity, c.capacity);
+    EXPECT_EQ(array.data, buffer);  // never freed nor reallocated
+    EXPECT_EQ(array.elemSize, c.withBuffer ? 4u : 0u);
+    std::free(array.data);
+  }
+}

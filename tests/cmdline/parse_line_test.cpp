@@ -218,3 +218,27 @@ TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
   }
   EXPECT_EQ(err.size(), offset);
 }
+
+TEST(CommandLine, UnmatchedQuoteLeavesTheLineUnterminated) {
+  // A quote left open at the end of the line had a terminator written where
+  // its copy ended, cutting off the line's last bytes; now nothing is written
+  // there, so after collapsed "" pairs the text ends with those bytes.
+  struct Case {
+    std::string line, after, text;
+  };
+  const Case cases[] = {
+      {"\"a\"\"b", std::string("\"a\"bb", 5), "a\"bb"},
+      {"/q=\"x\"\"\"\"y", std::string("/q\0\"x\"\"y\"y", 10), "x\"\"y\"y"},
+      {"x \"ab", std::string("x\0\"ab", 5), "ab"},
+  };
+  for (const Case &c : cases) {
+    std::vector<char> line(c.line.begin(), c.line.end());
+    line.push_back('\0');
+    KwaCmdLnParts parts;
+    std::string err = fskit::test::captureStderr([&] { EXPECT_EQ(kwaCmdLnPrts(line.data(), &parts), 0); });
+    EXPECT_EQ(err, "%kwaCmdLnPrts, Unmatched quoted string.\n") << c.line;
+    EXPECT_EQ(std::string(line.data(), line.size() - 1), c.after) << c.line;
+    const char *open = parts.nQuals > 0 ? parts.qualValues[0] : parts.args[parts.nArgs - 1];
+    EXPECT_EQ(std::string(open), c.text) << c.line;
+  }
+}

@@ -105,6 +105,30 @@ TEST(TagTable, ComparatorsOrderByTagOrLabelFirst) {
   EXPECT_EQ(sorted(kwaTblTagCmp), "Ax Ay Ba \x80" "0 ");
   EXPECT_EQ(sorted(kwaTblLblCmp), "\x80" "0 Ba Ax Ay ");
   EXPECT_EQ(kwaTblTagCmp(&entries[0], &entries[1]) - kwaTblTagCmp(&entries[1], &entries[0]), 2);
+  // A null record (once read through) comes first.
+  for (auto compare : {kwaTblTagCmp, kwaTblLblCmp})
+    EXPECT_EQ(std::to_string(compare(nullptr, nullptr)) + std::to_string(compare(nullptr, entries)) +
+                  std::to_string(compare(entries, nullptr)),
+              "0-11");
+}
+
+TEST(TagFile, LinesAreRead254CharactersAtATime) {
+  const std::string a63(63, 'a'), long1 = "T1 " + std::string(251, 'a') + "T2 tail\n";
+  struct Case { std::string file; int32_t mode; std::string pairs; };
+  const Case cases[] = {
+      // The rest of a line longer than one read was skipped; it is the next line.
+      {long1, 0, "T1=" + a63 + ";T2=tail;"},
+      {long1, 1, "T1=##" + std::string(60, 'A') + "=;T2=##TAIL=;"},
+      // A comment covered the whole long line; it covers only the first read.
+      {"!" + std::string(253, 'c') + "X y ! z\n", 0, "X=y;"},
+      // A line of exactly 254 characters leaves its line feed to a read of its own.
+      {"T " + std::string(252, 'a') + "\nU v\n", 0, "T=" + a63 + ";U=v;"},
+  };
+  for (const Case &c : cases) {
+    Table table;
+    table.read(c.file, c.mode);
+    EXPECT_EQ(table.pairs(), c.pairs) << c.file;
+  }
 }
 
 TEST(TagTable, RecordsHoldNothingBeyondTheirTexts) {

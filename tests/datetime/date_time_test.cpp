@@ -8,6 +8,8 @@
 #include <cstring>
 #include <ctime>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/support/test_support.h"
 
@@ -175,6 +177,46 @@ TEST(DateTime, NoInputWritesPastItsBoundsOrTheLongestOutput) {
             ASSERT_TRUE(buffer[0] == '#' || std::strlen(buffer) <= 60);
           }
   });
+}
+
+TEST(DateTime, NamesReadBeforeAFailedInputStayWithTheCurrentTime) {
+  // The names read before the input failed used to give way to today's.
+  struct Case { int32_t in; const char *input, *names; };  // names: what layout 4 begins with
+  const Case cases[] = {{4, "Xyz Mar 7 1:2", "Xyz Mar"}, {4, "sun jan 45 10:00:00 1998", "sun jan"},
+                        {2, "07-Feb", "%a Feb"}, {10, "Fri Aug 01 98 10:00", "Fri Aug"}};
+  for (const Case &c : cases)
+    expectNow((std::string(c.names) + " %d %H:%M:%S %Y").c_str(), [&] {
+      Converted got = convert(c.in, c.input, 4, nullptr, 1);
+      return got.text + got.err + (got.result == 1 ? "" : "!");
+    });
+}
+
+TEST(DateTime, NumbersBeyondAnIntMakeTheInputUnreadable) {
+  // They were stored wrapped: "1/2/4294967394" read as year 98. Every field
+  // read without a width (@ is the number) is tried.
+  const std::vector<std::pair<int32_t, std::vector<std::string>>> layouts = {
+      {0, {"@/2/98", "1/@/98", "1/2/@"}},
+      {1, {"@/1/2", "98/@/2", "98/1/@"}},
+      {4, {"Sun Jan @ 00:00:00 1998", "Sun Jan 1 @:00:00 1998", "Sun Jan 1 00:@:00 1998",
+           "Sun Jan 1 00:00:@ 1998", "Sun Jan 1 00:00:00 @"}},
+      {5, {"@:0:0", "0:@:0", "0:0:@"}},
+      {7, {"01-JAN-98 @:00:00", "01-JAN-98 00:@:00", "01-JAN-98 00:00:@"}},
+      {8, {"01-JAN-1998 @:00:00", "01-JAN-1998 00:@:00", "01-JAN-1998 00:00:@"}},
+      {9, {"@000000000", "@00000000000"}},  // beyond local time's years, and 64 bits
+  };
+  for (const std::string number : {"2147483648", "-2147483649", "4294967394", "99999999999999999999"})
+    for (const auto &[in, fields] : layouts)
+      for (std::string input : fields) {
+        input.replace(input.find('@'), 1, number);
+        Converted got = convert(in, input.c_str(), 5, "");
+        EXPECT_EQ(std::to_string(got.result) + got.text + got.err,
+                  "0#Unable to generate valid input date from: " + input + "\n");
+      }
+  // Up to the limits of an int (leading zeros or not) numbers read as before.
+  const std::pair<const char *, const char *> hours[] = {
+      {"2147483647", "2147483647"}, {"-2147483648", "-2147483648"}, {"-00000000002147483648", "-2147483648"}};
+  for (auto [hour, read] : hours)
+    EXPECT_EQ(convert(5, (hour + std::string(":7:8")).c_str(), 5, "").text, read + std::string(":07:08"));
 }
 
 TEST(DateCommand, ConvertsListsLayoutsAndReportsErrors) {

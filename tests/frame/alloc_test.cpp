@@ -19,6 +19,8 @@ TEST(Alloc, StrmallocCopiesWithTerminator) {
   fsFree(&empty);
   EXPECT_EQ(empty, nullptr);
   fsFree(&empty);  // a null pointer is left alone
+  fsFree(nullptr);  // so is a null address (it was once read through)
+  strfree(nullptr);
   EXPECT_EQ(strmalloc(nullptr), nullptr);
   char *copy = strmalloc("abc\x80");
   EXPECT_EQ(bytes(copy, 5), std::string("abc\x80\0", 5));
@@ -54,6 +56,14 @@ TEST(Alloc, StrreallocReleasesOldUnlessItIsTheSource) {
   fsFree(&p);
   fsFree(&q);
   fsFree(&fresh);
+  // A source inside the old block is copied before the block is freed (it
+  // was once copied out of the freed block).
+  for (size_t k : {size_t{1}, size_t{8}, size_t{35}}) {
+    char *old = strmalloc("abcdefghijklmnopqrstuvwxyz0123456789");
+    char *copy = strrealloc(old, old + k);
+    EXPECT_EQ(copy, std::string("abcdefghijklmnopqrstuvwxyz0123456789").substr(k));
+    fsFree(&copy);
+  }
 }
 
 TEST(Alloc, Strrealloc2JoinsThenReleasesOld) {

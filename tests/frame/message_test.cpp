@@ -37,7 +37,7 @@ Recorded record(const char *routine, const int32_t *count, const int32_t *codes,
     r.codes.push_back(codes[i]);
     r.auxCodes.push_back(auxCodes[i]);
     r.lengths.push_back(lengths[i]);
-    r.texts.emplace_back(texts[i]);
+    r.texts.emplace_back(texts[i] != nullptr ? texts[i] : "<null>");
   }
   return r;
 }
@@ -53,6 +53,15 @@ int32_t recordLog(const char *routine, int32_t *count, int32_t *codes,
   logCalls.push_back(record(routine, count, codes, auxCodes, lengths, texts));
   return logResult;
 }
+
+const fskit::test::AfterEachTest reset{[] {
+  messageCalls.clear();
+  logCalls.clear();
+  messageResult = logResult = 0;
+  fsDefaultMessage();
+  fsRegisterMsgLog(nullptr);
+  fsRegisterStopFunction(nullptr);
+}};
 
 }  // namespace
 
@@ -157,6 +166,17 @@ TEST(Message, UnopenableLogFileSwitchesLoggingOffAndReportsOnScreenOnly) {
   EXPECT_EQ(messageCalls[1].auxCodes[0], 1);
   fsMessage("r", 1, 0, "third");
   EXPECT_EQ(messageCalls.size(), 3u);  // no further attempt, no further report
+
+  // As the message function too, it once reported its failure to itself until
+  // the stack ran out; now the report is dropped, and once the file can be
+  // made the next message goes into it.
+  fsRegisterMessage(fsDefaultMsgLogFunction);
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "hello"); }), "");
+  std::filesystem::remove("fsmessage.log");
+  fsMessage("r", 1, 0, "later");
+  fsDefaultMsgLogFlush();
+  EXPECT_EQ(readText("fsmessage.log"), "r: later\n");
+  fsDefaultMessage();
 }
 
 TEST(Message, MessagesResultRules) {
@@ -193,12 +213,47 @@ TEST(Message, MessagesResultRules) {
   EXPECT_EQ(fsMessages("r", &none, codes, auxCodes, texts), 0);
   EXPECT_EQ(logCalls.back().count, 0);
   EXPECT_EQ(fsMessages("r", nullptr, codes, auxCodes, texts), 1);
+  // Null arrays for a positive count call nothing (the lengths were once
+  // measured from a null `texts`); a null text has the length 0.
+  const size_t calls = logCalls.size();
+  EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, nullptr), 1);
+  EXPECT_EQ(fsMessages("r", &count, nullptr, auxCodes, texts), 1);
+  EXPECT_EQ(fsMessages("r", &count, codes, nullptr, texts), 1);
+  EXPECT_EQ(logCalls.size(), calls);
+  texts[0] = nullptr;
+  fsMessages("r", &count, codes, auxCodes, texts);
+  EXPECT_EQ(logCalls.back().lengths, (std::vector<int32_t>{0, 5}));
   fsRegisterMsgLog(nullptr);
 
-  // The defaults write nothing for a count of 0 and return 0.
+  // The defaults write nothing for a count of 0, or null arrays, and return 0;
+  // a null text or routine is empty.
   fsDefaultMessage();
   EXPECT_EQ(captureStdout([&] { result = fsMessages("r", &none, codes, auxCodes, texts); }), "");
   EXPECT_EQ(result, 0);
+  int32_t lengths[] = {0, 5};
+  TempDir dir;
+  ChangeDir here(dir.path());
+  EXPECT_EQ(captureStdout([&] {
+              for (FsMsgFunction f : {fsDefaultMessageFunction, fsDefaultMsgLogFunction}) {
+                EXPECT_EQ(f("r", &count, nullptr, nullptr, nullptr, texts), 0);
+                EXPECT_EQ(f("r", &count, codes, nullptr, nullptr, nullptr), 0);
+              }
+              fsDefaultMessageFunction(nullptr, &count, codes, auxCodes, lengths, texts);
+              fsDefaultMsgLogFunction("r", &count, codes, auxCodes, lengths, texts);
+              fsDefaultMsgLogFlush();
+            }),
+            "\n: three ");
+  EXPECT_EQ(readText("fsmessage.log"), "\nr: three ");
+}
+
+TEST(Message, ANullFormatIsTheEmptyText) {
+  // Through a pointer, so that the compiler sees no null format at the call.
+  void (*const send)(const char *, int32_t, int32_t, const char *, ...) = fsMessage;
+  fsRegisterMessage(recordMessage);
+  send("r", 1, 0, nullptr);
+  send("r", 1, 0, nullptr, 42, "ignored");
+  ASSERT_EQ(messageCalls.size(), 2u);
+  EXPECT_EQ(messageCalls[0].texts[0] + messageCalls[1].texts[0], "");
 }
 
 TEST(Message, CheckStopKeepsTheLowEightBits) {

@@ -24,17 +24,6 @@ TEST(Platform, QueryFillsOnlyGivenBuffersAndNoMore) {
   EXPECT_EQ(std::string(order, 9), std::string("little\0##", 9));
 }
 
-TEST(Platform, EmptyServicesAcceptAnyArgumentsAndAnswerZero) {
-  fsSecondsWait(5);
-  fsSetExtendSize(1, 2, "x");
-  EXPECT_EQ(fsDiskList(), 0);
-  EXPECT_EQ(fsDiskList("a", 1), 0);
-  EXPECT_EQ(operatingSystemId(), 0);
-  EXPECT_EQ(fsGetenv("NAME", nullptr, 0), 0);
-  EXPECT_EQ(fsSetenv("NAME", "value"), 0);
-  EXPECT_EQ(fsDiskFreeSpace("C:", nullptr), 0);
-}
-
 TEST(Platform, DiskListFreeReleasesEntriesAndList) {
   // The leak checker of the sanitizer build proves that every block is freed.
   char **list = static_cast<char **>(malloc(3 * sizeof(char *)));

@@ -332,3 +332,49 @@ TEST(FileSort, InternalEntryTellsTheOutcomeAndSendsItsLinesWhereAsked) {
   EXPECT_EQ(fskit::test::readText(dir.file("out.txt")), "a\nb\nb\nc\nd\n");
   EXPECT_NE(replaced.lines.find("Writing output file " + dir.file("out.txt") + " ..."), std::string::npos);
 }
+
+TEST(FileSort, MergeComparesWholeLinesWithTheirNewline) {
+  struct Case {
+    const char *input;
+    long buffer;
+    bool keep, counts;
+    const char *output;
+  };
+  const Case cases[] = {
+      // The merge took "a" (a prefix) before "a\tb"; with the newline, '\t' < '\n'.
+      {"a\na\tb\n", 4, true, false, "a\tb\na\n"},
+      {"a\tb\na\n", 4, true, false, "a\tb\na\n"},
+      // A byte 0x01 after the common part also sorts before the newline.
+      {"ab\nab\x01z\n", 5, true, false, "ab\x01z\nab\n"},
+      // Bytes above the newline still put the shorter line first.
+      {"a\nab\n", 3, true, false, "a\nab\n"},
+      // Counted lines ordered by their text first ("a 6" before "a 1 1"); the
+      // whole line "a 1 1" is smaller.
+      {"a\na\na\na\na\na\na 1\n", 12, false, true, "a 1 1\na 6\n"},
+      // Same for a tab: "a\t 1" is below "a 2" as a whole line.
+      {"a\na\na\tx\n", 4, false, true, "a\tx 1\na 2\n"},
+  };
+  TempDir dir;
+  const std::string input = dir.file("in.txt"), output = dir.file("out.txt");
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.input);
+    fskit::test::writeText(input, c.input);  // CR LF on Windows, where the chunks seek back
+    fskit::test::captureStdout([&] {
+      fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), c.buffer, c.keep, c.counts);
+    });
+    EXPECT_EQ(fskit::test::readText(output), c.output);
+  }
+}
+
+#if defined(_WIN32)
+TEST(FileSort, LfOnlyInputInChunksEnds) {
+  // A text stream's seek back on a file without CR miscounts; the chunk loop
+  // could come back to where a chunk began and never end.
+  TempDir dir;
+  std::string input = dir.file("in.txt"), output = dir.file("out.txt");
+  fskit::test::writeFile(input, "a\na\tb\n");
+  fskit::test::captureStdout([&] {
+    fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), 4, 1, 0);
+  });
+}
+#endif

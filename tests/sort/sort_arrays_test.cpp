@@ -55,10 +55,12 @@ TEST(SortArrays, LimitsAndErrorsLeaveTheArraysAlone) {
     fsSortArrays(FS_SORT_LONG, 3L, 51L);
     fsSortArrays(FS_SORT_LONG, 0L, 1L, 4L, keys.data());
     fsSortArrays(FS_SORT_DOUBLE, 3L, 1L, 4L, keys.data());  // key wider than the element
+    fsSortArrays(FS_SORT_LONG, -1L, 1L, 4L, keys.data());  // once sorted nothing silently
   });
   EXPECT_EQ(messages,
             "fsSortArrays: invalid sort type, constant value 0\n"
-            "fsSortArrays: too many arrays (51) to sort\n");
+            "fsSortArrays: too many arrays (51) to sort\n"
+            "fsSortArrays: out of memory\n");
   EXPECT_EQ(keys, copy);
   // 50 arrays are accepted.
   std::vector<std::vector<int32_t>> arrays(50, keys);

@@ -2,6 +2,7 @@
 #include "tests/support/test_support.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -173,6 +174,15 @@ void setTimeZone(const char *zone) {
   setenv("TZ", zone, 1);
   tzset();
 #endif
+}
+
+AfterEachTest::AfterEachTest(std::function<void()> reset) {
+  struct Listener : ::testing::EmptyTestEventListener {
+    explicit Listener(std::function<void()> r) : reset(std::move(r)) {}
+    void OnTestEnd(const ::testing::TestInfo &) override { reset(); }
+    std::function<void()> reset;
+  };
+  ::testing::UnitTest::GetInstance()->listeners().Append(new Listener(std::move(reset)));
 }
 
 }  // namespace fskit::test

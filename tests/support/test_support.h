@@ -90,4 +90,12 @@ struct ToolResult {
 ToolResult runTool(const std::vector<std::string> &args, const std::string &input = "",
                    const std::string &workDir = "");
 
+// Runs `reset` after every test case of the program, so that the cases also
+// pass one after another in one process (the quick run) where they change
+// process-wide state: define one at namespace scope,
+//   const fskit::test::AfterEachTest reset{[] { ... }};
+struct AfterEachTest {
+  explicit AfterEachTest(std::function<void()> reset);
+};
+
 }  // namespace fskit::test

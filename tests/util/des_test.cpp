@@ -74,6 +74,18 @@ TEST(Des, LibraryScheduleTakesTheStandardSubkeysOfTheSameTotalRotation) {
   }
 }
 
+TEST(Des, LibraryKeyKnownAnswers) {
+  // Worked out apart from this library, with a plain DES written from FIPS PUB
+  // 46-3 (checked against the standard's worked example: key 133457799BBCDFF1,
+  // 0123456789ABCDEF gives 85E813540F0AB405), then the library's key
+  // (F1694B27983E5ADC as the standard writes keys), its register rotations
+  // (0 0 1 1 1 1 1 1 0 1 1 1 1 1 1 0), blank padding, the first character in
+  // the lowest byte of the first word, each word printed as 8 digits.
+  EXPECT_EQ(encrypt(""), "D327261A7DD9ACD6");
+  EXPECT_EQ(encrypt("password1"), "0E688E5551AA6337B8FCFDCFE3817807");
+  EXPECT_EQ(decrypt("0E688E5551AA6337B8FCFDCFE3817807"), "password1");
+}
+
 TEST(Des, TextsComeBackUpToTheirFirstBlank) {
   std::string long512(512, 'x'), long513(513, 'y');
   for (std::string text : {"", "a", "password", "password1", "\x80\xff\x01", long512.c_str()}) {

@@ -19,32 +19,22 @@
 
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
-#include "util/util_state.h"
 
-TEST(KeyCode, ExtendedKeyTableIsFilledOnceOnFirstCall) {
-  const uint16_t *table = fskit::util::utilState().extendedKeys;
-  EXPECT_EQ(table[0], 0);
-  fskit::test::StdinFrom input("ab");
-  EXPECT_EQ(getKeyCode(), 'a');
-  // Entry -> key code, as the console's second codes select them.
-  uint16_t expected[255] = {1};
-  for (int first : {1, 26, 36, 46})  // F1 to F10, plain and with Shift, Ctrl, Alt
-    for (int i = 0; i < 10; ++i) expected[first + i] = uint16_t(281 + i);
-  // Up, page up, left, right, down, page down, insert, delete from three bases.
-  const int cursor[][2] = {{0, 274}, {1, 315},  {3, 276},  {5, 277},
-                           {8, 275}, {9, 316}, {10, 312}, {11, 313}};
-  for (int first : {14, 94, 111})
-    for (auto [offset, code] : cursor)
-      if (first != 14 || offset < 10) expected[first + offset] = uint16_t(code);
-  const int single[][2] = {{57, 276},  {58, 277},  {83, 274},  {87, 275},
-                           {180, 274}, {184, 275}, {185, 312}, {186, 313}};
-  for (auto [entry, code] : single) expected[entry] = uint16_t(code);
-  for (int entry = 172; entry < 180; ++entry) expected[entry] = uint16_t(291 + entry % 2);
-  for (int i = 0; i < 255; ++i) EXPECT_EQ(table[i], expected[i]) << "entry " << i;
-  // Not filled again: a changed entry survives the next call.
-  fskit::util::utilState().extendedKeys[200] = 7;
-  EXPECT_EQ(getKeyCode(), 'b');
-  EXPECT_EQ(table[200], 7);
+TEST(KeyCode, TwoCodeKeysGiveTheirNamedCodes) {
+  // The console's second codes after 0 and 224, one of each group of the
+  // key table; an unnamed combination and codes outside the table give 0.
+  const int keys[][3] = {{0, 59, FS_KEY_F1},        {0, 68, 290},            {0, 84, FS_KEY_F1},
+                         {0, 113, 290},             {0, 72, FS_KEY_UP},      {0, 75, FS_KEY_LEFT},
+                         {0, 152, FS_KEY_UP},       {0, 163, FS_KEY_DELETE}, {224, 72, FS_KEY_UP},
+                         {224, 81, FS_KEY_PAGE_DOWN}, {224, 82, FS_KEY_INSERT}, {224, 133, FS_KEY_F11},
+                         {224, 140, FS_KEY_F12},    {224, 141, FS_KEY_UP},   {224, 147, FS_KEY_DELETE},
+                         {224, 115, 0},             {0, 58, 0},              {0, 17, 0},
+                         {224, 255, 0}};
+  std::string input;
+  for (const auto &key : keys) input += {char(key[0]), char(key[1])};
+  fskit::test::StdinFrom typed(input);
+  for (const auto &key : keys) EXPECT_EQ(getKeyCode(), key[2]) << key[0] << " " << key[1];
+  EXPECT_EQ(getKeyCode(), 4);
 }
 
 TEST(KeyCode, GetchGivesTheConsoleCodesOfEscapeSequences) {

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+// fsReadDir when memory runs out: this program is built with the
+// allocation-failure injector (Linux only), and the directories its
+// searches read are scripted (opendir, readdir and closedir are wrapped at
+// link time), so that the names arrive in the order a case needs.
+#include <fskit/files.h>
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tests/support/alloc_fault.h"
+#include "tests/support/test_support.h"
+
+namespace {
+
+// The names every directory opened delivers, in this order.
+std::vector<std::string> scriptedNames;
+size_t nextName = 0;
+dirent scriptedEntry;
+char scriptedDirectory;  // its address stands for the open directory
+
+// Before the records, a listing allocates its block, then the platform's
+// search its own record and its copy of the pattern.
+constexpr long kBlockAndSearch = 3;
+
+int nullTexts(const FsFileSpec &record) {
+  int missing = 0;
+  for (const char *text : {record.drive, record.directory, record.name, record.extension})
+    missing += text == nullptr ? 1 : 0;
+  return missing;
+}
+
+}  // namespace
+
+extern "C" {
+
+DIR *__wrap_opendir(const char *) {
+  nextName = 0;
+  return reinterpret_cast<DIR *>(&scriptedDirectory);
+}
+
+dirent *__wrap_readdir(DIR *) {
+  if (nextName >= scriptedNames.size()) return nullptr;
+  std::snprintf(scriptedEntry.d_name, sizeof scriptedEntry.d_name, "%s",
+                scriptedNames[nextName++].c_str());
+  return &scriptedEntry;
+}
+
+int __wrap_closedir(DIR *) { return 0; }
+
+}  // extern "C"
+
+TEST(ReadDirScripted, ARecordWhoseTextCannotBeCopiedStaysInTheListing) {
+  scriptedNames = {"a.x", "b.x", "c.x"};
+  FsFileSpec *list = nullptr;
+  int32_t count = -1;
+  int textRuns = 0;
+  fskit::test::forEachSingleAllocationFailure(
+      [&] { count = fsReadDir("C:\\data", "*", ".x", &list); },
+      [&](long k, bool refused) {
+        if (refused && k <= kBlockAndSearch) {  // nothing to list into, or no search
+          EXPECT_EQ(count, 0);
+          EXPECT_EQ(list == nullptr, k == 1);
+          fsReadDirFree(0, &list);
+          return;
+        }
+        // A refused copy used to throw the whole listing away (0, list null);
+        // the records are all there, the one text that failed is null.
+        ASSERT_EQ(count, 3) << k;
+        int missing = 0;
+        for (int32_t i = 0; i < count; ++i) missing += nullTexts(list[i]);
+        EXPECT_EQ(missing, refused ? 1 : 0) << k;
+        textRuns += refused ? 1 : 0;
+        fsReadDirFree(count, &list);
+        EXPECT_EQ(list, nullptr);
+      });
+  EXPECT_EQ(textRuns, 3 * 4);
+}
+
+TEST(ReadDirScripted, AFullListGrowsForANameItThenSkips) {
+  struct Case {
+    std::vector<std::string> after;  // names delivered after 100 listed ones
+    int32_t count;                   // with the growth refused
+  } cases[] = {
+      // The block used to grow only for a record to be added, so a skipped
+      // name after the 100th record did not need it: it grows for any name.
+      {{"."}, 0},
+      {{"..", ".hidden"}, 0},
+      {{"next"}, 0},
+      {{}, 100},  // nothing more: no growth
+  };
+  for (const Case &c : cases) {
+    scriptedNames.clear();
+    for (int i = 0; i < 100; ++i) scriptedNames.push_back("f" + std::to_string(i) + ".raw");
+    scriptedNames.insert(scriptedNames.end(), c.after.begin(), c.after.end());
+    FsFileSpec *list = nullptr;
+    // The block, the search and four texts a record come first; the growth
+    // is next.
+    fskit::test::failOnlyAllocation(kBlockAndSearch + 100 * 4 + 1);
+    int32_t count = fsReadDir("", "*", nullptr, &list);
+    fskit::test::failAllocationFrom(0);
+    EXPECT_EQ(count, c.count) << c.after.size();
+    EXPECT_EQ(list == nullptr, c.count == 0) << c.after.size();
+    fsReadDirFree(count, &list);
+  }
+}
+
