@@ -50,8 +50,6 @@ std::string valueOf(int32_t handle, const char *paragraph, const char *topic) {
 
 const fskit::test::AfterEachTest reset{[] {
   for (int32_t handle = 1000; handle < 1010; ++handle) fsIniReleaseFile(handle);
-  fskit::ini::testing::setTemporaryOpener(nullptr);
-  fskit::ini::testing::failAllocationsAfter(-1);
 }};
 
 }  // namespace
