@@ -53,17 +53,27 @@ int nullTexts(const FsFileSpec &record) {
 
 extern "C" {
 
-SearchHandle __wrap__ZN5fskit8platform15FindFirstFileSAEPKcPNS0_8FindDataE(const char *,
-                                                                             FindData *data) {
+// The wrapped names spell SearchHandle (intptr_t): "l" (long) where pointers
+// are 64 bits, "i" (int) where they are 32, as in tests/files/CMakeLists.txt.
+#if INTPTR_MAX > INT_MAX
+#define FSKIT_HANDLE "l"
+#else
+#define FSKIT_HANDLE "i"
+#endif
+
+SearchHandle wrapFindFirst(const char *, FindData *data)
+    __asm__("__wrap__ZN5fskit8platform15FindFirstFileSAEPKcPNS0_8FindDataE");
+SearchHandle wrapFindFirst(const char *, FindData *data) {
   nextName = 0;
   return deliver(data) ? 1 : fskit::platform::kNoSearch;
 }
 
-int __wrap__ZN5fskit8platform14FindNextFileSAElPNS0_8FindDataE(SearchHandle, FindData *data) {
-  return deliver(data) ? 1 : 0;
-}
+int wrapFindNext(SearchHandle, FindData *data)
+    __asm__("__wrap__ZN5fskit8platform14FindNextFileSAE" FSKIT_HANDLE "PNS0_8FindDataE");
+int wrapFindNext(SearchHandle, FindData *data) { return deliver(data) ? 1 : 0; }
 
-int __wrap__ZN5fskit8platform10FindCloseSEl(SearchHandle) { return 1; }
+int wrapFindClose(SearchHandle) __asm__("__wrap__ZN5fskit8platform10FindCloseSE" FSKIT_HANDLE);
+int wrapFindClose(SearchHandle) { return 1; }
 
 }  // extern "C"
 

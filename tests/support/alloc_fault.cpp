@@ -8,16 +8,26 @@
 #include <cstdint>
 #include <new>
 
+// operator new's ELF names spell its size_t argument: "m" (unsigned long)
+// where size_t is 64 bits, "j" (unsigned int) where it is 32; the link options
+// in tests/CMakeLists.txt wrap the same names.
+#if SIZE_MAX > UINT_MAX
+#define FSKIT_NEW(kind, rest) "_Zn" kind "m" rest
+#else
+#define FSKIT_NEW(kind, rest) "_Zn" kind "j" rest
+#endif
+#define FSKIT_NOTHROW "RKSt9nothrow_t"
+
 extern "C" {
 void *__real_malloc(size_t size);
 void *__real_calloc(size_t count, size_t size);
 void *__real_realloc(void *block, size_t size);
-void *__real__Znwm(size_t size);
-void *__real__Znam(size_t size);
-void *__real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t &);
-void *__real__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t &);
 char *__real_strdup(const char *text);
 }
+void *realNew(size_t size) __asm__("__real_" FSKIT_NEW("w", ""));
+void *realNewArray(size_t size) __asm__("__real_" FSKIT_NEW("a", ""));
+void *realNewNothrow(size_t size, const std::nothrow_t &) __asm__("__real_" FSKIT_NEW("w", FSKIT_NOTHROW));
+void *realNewArrayNothrow(size_t size, const std::nothrow_t &) __asm__("__real_" FSKIT_NEW("a", FSKIT_NOTHROW));
 
 namespace {
 
@@ -56,22 +66,27 @@ void *__wrap_realloc(void *block, size_t size) {
   return refuseThisOne(size) ? nullptr : __real_realloc(block, size);
 }
 
-void *__wrap__Znwm(size_t size) {
+void *wrapNew(size_t size) __asm__("__wrap_" FSKIT_NEW("w", ""));
+void *wrapNew(size_t size) {
   if (refuseThisOne(size)) throw std::bad_alloc();
-  return __real__Znwm(size);
+  return realNew(size);
 }
 
-void *__wrap__Znam(size_t size) {
+void *wrapNewArray(size_t size) __asm__("__wrap_" FSKIT_NEW("a", ""));
+void *wrapNewArray(size_t size) {
   if (refuseThisOne(size)) throw std::bad_alloc();
-  return __real__Znam(size);
+  return realNewArray(size);
 }
 
-void *__wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t &tag) {
-  return refuseThisOne(size) ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
+void *wrapNewNothrow(size_t size, const std::nothrow_t &tag) __asm__("__wrap_" FSKIT_NEW("w", FSKIT_NOTHROW));
+void *wrapNewNothrow(size_t size, const std::nothrow_t &tag) {
+  return refuseThisOne(size) ? nullptr : realNewNothrow(size, tag);
 }
 
-void *__wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t &tag) {
-  return refuseThisOne(size) ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+void *wrapNewArrayNothrow(size_t size, const std::nothrow_t &tag)
+    __asm__("__wrap_" FSKIT_NEW("a", FSKIT_NOTHROW));
+void *wrapNewArrayNothrow(size_t size, const std::nothrow_t &tag) {
+  return refuseThisOne(size) ? nullptr : realNewArrayNothrow(size, tag);
 }
 
 // strdup allocates inside the C library, out of reach of the malloc wrapper.
