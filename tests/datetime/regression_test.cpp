@@ -113,3 +113,14 @@ TEST(DateTimeRegression, NumbersBeyondAnIntMakeTheInputUnreadable) {
     }
   }
 }
+
+TEST(DateTimeRegression, SecondsAfter2038) {
+  // A 32-bit build counted seconds in a 32-bit time_t: 2040 could be neither
+  // read from layout 9 nor written to it.
+  fskit::test::setTimeZone("UTC0");
+  char output[64] = "";
+  EXPECT_EQ(fsDateTime(9, "2208988800", 6, output, "", 0), 1);
+  EXPECT_STREQ(output, "20400101000000+0000");
+  EXPECT_EQ(fsDateTime(6, "20400101000000+0000", 9, output, "", 0), 1);
+  EXPECT_STREQ(output, "2208988800");
+}
