@@ -12,6 +12,21 @@ target_compile_options(fskit_options INTERFACE -Wall -Wextra)
 if(FSKIT_WERROR)
   target_compile_options(fskit_options INTERFACE -Werror)
 endif()
+if(UNIX AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # A 32-bit C library counts seconds and file offsets in 32 bits unless asked
+  # otherwise: files dated after January 2038 and files over 2 GiB would fail
+  # or wrap. No time_t, off_t or struct stat crosses the C interface, so the
+  # choice stays inside the library and its tests.
+  target_compile_definitions(fskit_options INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i.86)$")
+    # GCC's 32-bit x86 code computes doubles on the x87 unit in 80 bits and
+    # rounds them only when they leave a register, so a mass or a converted
+    # number could differ in its last bit from a 64-bit build, and with the
+    # optimiser's choices. SSE2 computes each double operation exactly as the
+    # 64-bit build does; every x86 processor of this century has it.
+    target_compile_options(fskit_options INTERFACE -msse2 -mfpmath=sse)
+  endif()
+endif()
 if(WIN32 AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC for Windows analyses a dllexport function before the aliases declared
   # after it, then finds each alias "less restrictive" for lacking the nothrow

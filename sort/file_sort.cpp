@@ -69,9 +69,10 @@ class FileSort {
     }
     struct stat status;
     if (platform::_stat(input_, &status) != 0) return cannotOpenInput();
-    long fileSize = long(status.st_size);
-    size_ = bufferSize <= 0 || bufferSize > fileSize ? fileSize : bufferSize;
-    if (size_ > kLargestBuffer) size_ = kLargestBuffer;
+    // In 64 bits: a long is 32 on a 32-bit build, and the input may be larger.
+    const long long fileSize = status.st_size;
+    const long long wanted = bufferSize <= 0 || bufferSize > fileSize ? fileSize : bufferSize;
+    size_ = long(wanted > kLargestBuffer ? kLargestBuffer : wanted);
     while ((buffer_ = static_cast<char *>(std::malloc(size_t(size_ > 0 ? size_ : 1)))) == nullptr) {
       size_ /= 2;
       if (size_ == 0) return noBuffer();
@@ -80,8 +81,8 @@ class FileSort {
     in_ = S_ISDIR(status.st_mode) ? nullptr : std::fopen(input_, "r");
     if (in_ == nullptr) return cannotOpenInput();
     inMemory_ = size_ == fileSize;
-    say(inMemory_ ? "Sorting file %s with %ld bytes, in memory %ld"
-                  : "Sorting file %s with %ld bytes, %ld bytes at a time",
+    say(inMemory_ ? "Sorting file %s with %lld bytes, in memory %ld"
+                  : "Sorting file %s with %lld bytes, %ld bytes at a time",
         input_, fileSize, size_);
 
     switch (sortChunks()) {

@@ -4,8 +4,12 @@
 # C and C++ programs against it, through find_package and through pkg-config,
 # with the shared and with the static library.
 # usage: install_test.sh BUILD_DIR SOURCE_DIR
+# A build for another word size gives its compiler flags in FSKIT_ARCH_FLAGS
+# (-m32) and its toolchain file in CMAKE_TOOLCHAIN_FILE, which the consumers'
+# cmake reads from the environment.
 set -euo pipefail
 build=$1 source=$2
+read -ra arch <<<"${FSKIT_ARCH_FLAGS:-}"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
@@ -54,14 +58,14 @@ check find_package-c-only-static "$work/consumer_c/consumer_static"
 static find_package-c-only-static "$work/consumer_c/consumer_static"
 
 export PKG_CONFIG_PATH=$libdir/pkgconfig
-cc -o "$work/pc_c" "$source/tests/build/consumer/consumer.c" $(pkg-config --cflags --libs fskit)
-c++ -std=c++20 -o "$work/pc_cxx" "$source/tests/build/consumer/consumer.cpp" $(pkg-config --cflags --libs fskit)
+cc "${arch[@]}" -o "$work/pc_c" "$source/tests/build/consumer/consumer.c" $(pkg-config --cflags --libs fskit)
+c++ "${arch[@]}" -std=c++20 -o "$work/pc_cxx" "$source/tests/build/consumer/consumer.cpp" $(pkg-config --cflags --libs fskit)
 LD_LIBRARY_PATH=$libdir check pkg-config-c "$work/pc_c"
 LD_LIBRARY_PATH=$libdir check pkg-config-c++ "$work/pc_cxx"
 # --static adds what libfskit.a needs; -l:libfskit.a picks it over libfskit.so.
 static_libs=$(pkg-config --static --libs fskit)
 static_libs=${static_libs/-lfskit/-l:libfskit.a}
-cc -o "$work/pc_static" "$source/tests/build/consumer/consumer.c" $(pkg-config --cflags fskit) $static_libs ||
+cc "${arch[@]}" -o "$work/pc_static" "$source/tests/build/consumer/consumer.c" $(pkg-config --cflags fskit) $static_libs ||
   { echo "FAIL: C program does not link with pkg-config --static"; exit 1; }
 check pkg-config-c-static "$work/pc_static"
 static pkg-config-c-static "$work/pc_static"

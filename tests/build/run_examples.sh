@@ -7,8 +7,10 @@
 # (standard error, empty when there is no such file); NAME.CASE.out and
 # NAME.CASE.err for a program run more than once.
 # usage: run_examples.sh PREFIX SOURCE_DIR WORK_DIR
+# FSKIT_ARCH_FLAGS and CMAKE_TOOLCHAIN_FILE: as for install_test.sh.
 set -euo pipefail
 prefix=$1 source=$2 work=$3
+read -ra arch <<<"${FSKIT_ARCH_FLAGS:-}"
 examples=$source/examples
 export LC_ALL=C
 
@@ -23,7 +25,7 @@ elementfile=$(pkg-config --variable=elementfile fskit)
 mkdir -p "$work/pkg-config"
 for program in "$examples"/*.c; do
   name=$(basename "$program" .c)
-  cc -std=c11 -Wall -Wextra -Werror -o "$work/pkg-config/$name" "$program" \
+  cc "${arch[@]}" -std=c11 -Wall -Wextra -Werror -o "$work/pkg-config/$name" "$program" \
      $(pkg-config --cflags --libs fskit)
 done
 

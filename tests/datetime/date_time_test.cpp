@@ -219,6 +219,17 @@ TEST(DateTime, NumbersBeyondAnIntMakeTheInputUnreadable) {
     EXPECT_EQ(convert(5, (hour + std::string(":7:8")).c_str(), 5, "").text, read + std::string(":07:08"));
 }
 
+TEST(DateTime, SecondsAfter2038) {
+  // A 32-bit build counted seconds in a 32-bit time_t: 2040 could be neither
+  // read from layout 9 nor written to it.
+  fskit::test::setTimeZone("UTC0");
+  char output[64] = "";
+  EXPECT_EQ(fsDateTime(9, "2208988800", 6, output, "", 0), 1);
+  EXPECT_STREQ(output, "20400101000000+0000");
+  EXPECT_EQ(fsDateTime(6, "20400101000000+0000", 9, output, "", 0), 1);
+  EXPECT_STREQ(output, "2208988800");
+}
+
 TEST(DateCommand, ConvertsListsLayoutsAndReportsErrors) {
   using fskit::test::runTool;
   EXPECT_EQ(runTool({"date", "--in", "2", "--out", "7", "--sep", "NONE", "07MAR98"}).out,

@@ -295,4 +295,19 @@ TEST(FileRecords, StampsOfFarDatesFitTheDocumentedSize) {
   EXPECT_EQ(value, 0.0);
   unlink(path.c_str());
 }
+
+TEST(FileRecords, StampsAfter2038) {
+  // A 32-bit build read file times through a 32-bit time_t: a file dated
+  // after January 2038 had no stamp, or one wrapped back to 1901.
+  fskit::test::setTimeZone("UTC0");
+  fskit::test::TempDir dir;
+  const std::string path = dir.file("late");
+  fskit::test::writeFile(path, "x");
+  ASSERT_TRUE(dateFile(path, static_cast<std::time_t>(2208988800LL)));  // 2040-01-01
+  char text[64] = "";
+  double value = 0;
+  EXPECT_EQ(fsLastModified(path.c_str(), text, &value), 1);
+  EXPECT_STREQ(text, "20400101000000+0000");
+  EXPECT_EQ(value, 20400101000000.0);
+}
 #endif

@@ -366,6 +366,23 @@ TEST(FileSort, MergeComparesWholeLinesWithTheirNewline) {
   }
 }
 
+#if !defined(_WIN32)
+TEST(FileSort, InputBeyond4GiB) {
+  // A 32-bit build took the input's size through a long, wrapped (4 GiB + 4
+  // bytes became 4) or, before large-file support, could not stat it at all.
+  TempDir dir;
+  std::string input = dir.file("in.txt"), output = dir.file("out.txt");
+  fskit::test::writeFile(input, "b\na\n");
+  std::filesystem::resize_file(input, (uintmax_t(1) << 32) + 4);  // a hole of NULs
+  std::string progress = fskit::test::captureStdout([&] {
+    fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), 16, 1, 0);
+  });
+  EXPECT_NE(progress.find("with 4294967300 bytes, 16 bytes at a time"), std::string::npos)
+      << progress;
+  EXPECT_EQ(fskit::test::readText(output), "a\nb\n");
+}
+#endif
+
 #if defined(_WIN32)
 TEST(FileSort, LfOnlyInputInChunksEnds) {
   // A text stream's seek back on a file without CR miscounts; the chunk loop
