@@ -33,6 +33,7 @@ if(WIN32 AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # it inferred. An alias is the same code, so the warning says nothing.
   target_compile_options(fskit_options INTERFACE -Wno-missing-attributes)
 endif()
+include(${CMAKE_CURRENT_LIST_DIR}/FskitHarden.cmake)
 if(FSKIT_SANITIZE)
   target_compile_options(fskit_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

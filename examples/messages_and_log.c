@@ -95,7 +95,7 @@ int main(void) {
     ++stepsDone;
     fsMessage("acquire", 3, 0, "step %d", stepsDone); /* code 3 ends in a carriage return */
   }
-  fsMessage("acquire", 0, 0, "");
+  fsMessage("acquire", 0, 0, "%s", ""); /* an empty line; "" alone is an empty format to GCC */
   fsRegisterStopFunction(NULL);
   printf("stopped after %d steps\n", stepsDone);
   return 0;

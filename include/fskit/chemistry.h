@@ -54,11 +54,11 @@ typedef struct FsElementRecord {
 } FsElementRecord;
 #pragma pack(pop)
 
-#if defined(__cplusplus)
+#if defined(__cplusplus) && __cplusplus >= 201103L
 #  define FSKIT_CHEMISTRY_ASSERT(c, m) static_assert(c, m)
 #elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
 #  define FSKIT_CHEMISTRY_ASSERT(c, m) _Static_assert(c, m)
-#else /* before C11: a negative array size stops the compiler */
+#else /* before C11 and C++11: a negative array size stops the compiler */
 #  define FSKIT_CHEMISTRY_ASSERT(c, m) extern char fsElementRecordLayoutCheck[(c) ? 1 : -1]
 #endif
 FSKIT_CHEMISTRY_ASSERT(sizeof(FsElementRecord) == 43, "FsElementRecord is 43 bytes");

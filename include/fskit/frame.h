@@ -39,7 +39,7 @@ FSKIT_API extern const char FsmOutOfMemory[];
  * than 1023 bytes is cut at 1023 bytes (never written past the buffer). A
  * null `format` is the empty text. */
 FSKIT_API void fsMessage(const char *routine, int32_t code, int32_t auxCode,
-                         const char *format, ...);
+                         const char *format, ...) FSKIT_PRINTF(4, 5);
 
 /* Sends *count texts in one call. Result: 1 when no function was called,
  * otherwise the result of the last function called (message, then log).
@@ -118,6 +118,7 @@ FSKIT_API void strfree(void *p);
 FSKIT_API void fsGetPlatform(char *os, char *byteOrder, char *floatFormat);
 
 /* Platform services that do nothing here; they accept any arguments. */
+FSKIT_BEGIN_ANY_ARGS
 FSKIT_API void fsSecondsWait(FSKIT_ANY_ARGS);
 FSKIT_API void fsSetExtendSize(FSKIT_ANY_ARGS);
 FSKIT_API int32_t fsDiskList(FSKIT_ANY_ARGS);
@@ -125,6 +126,7 @@ FSKIT_API int32_t operatingSystemId(FSKIT_ANY_ARGS);
 FSKIT_API int32_t fsGetenv(FSKIT_ANY_ARGS);
 FSKIT_API int32_t fsSetenv(FSKIT_ANY_ARGS);
 FSKIT_API int32_t fsDiskFreeSpace(FSKIT_ANY_ARGS);
+FSKIT_END_ANY_ARGS
 
 /* Frees list[0] .. list[count-1] (null entries allowed), then `list`.
  * A null `list` is ignored. */

@@ -54,7 +54,8 @@ FSKIT_API void fsSortIndex(int type, int offset, int size, int n, const void *da
 /* Quicksort with the caller's comparison, pivot in the last slot: the order it
  * leaves equal keys in is fixed (not stable). Reentrant, allocates nothing,
  * O(log n) stack, returns at once from a strictly ascending range, and never
- * looks outside the array whatever the comparison answers. */
+ * looks outside the array whatever the comparison answers. Quadratic in n
+ * on descending input, or ascending input whose last element is the smallest. */
 FSKIT_API void fsQsort(void *base, uint32_t n, uint32_t size,
                        int (*compare)(const void *, const void *));
 

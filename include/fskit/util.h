@@ -114,7 +114,9 @@ FSKIT_API int32_t fsBitCount(uint32_t value);
  * from the process's one standard input. On Windows the console's own key read
  * (_getch) serves when standard input is the console; piped or redirected
  * input gives its bytes as they are. */
+FSKIT_BEGIN_ANY_ARGS
 FSKIT_API int32_t getKeyCode(FSKIT_ANY_ARGS);
+FSKIT_END_ANY_ARGS
 
 /* ---- String cipher --------------------------------------------------------
  * NOT ENCRYPTION. This is a legacy obfuscation kept for texts written by older

@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Every public header, alone and through fskit.h, compiles without a warning
+# in each C and C++ standard a user may build with, under every compiler given.
+# A program written for the old interface (arguments passed to the functions
+# that accept any) still compiles before C23, and a caller's bad format is
+# reported.
+# usage: check_headers.sh SOURCE_DIR GENERATED_INCLUDE_DIR CC CXX [CC CXX ...]
+set -uo pipefail
+src=$1 gen=$2
+shift 2
+here=$(dirname "$0")/headers
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+warn=(-Wall -Wextra -pedantic -Wundef -Werror -I"$src/include" -I"$gen")
+c_modes=(c89 c99 c11 c17 c2x)
+cxx_modes=(c++98 c++11 c++20)
+failed=0 count=0
+
+# compile LANGUAGE STD COMPILER FILE [FLAGS...]: one syntax check, reported on failure.
+compile() {
+  local lang=$1 std=$2 cc=$3 file=$4
+  shift 4
+  count=$((count + 1))
+  if ! out=$("$cc" -x "$lang" -std="$std" "${warn[@]}" "$@" -fsyntax-only "$file" 2>&1); then
+    echo "FAIL: $cc -std=$std $(basename "$file") $*"
+    echo "$out" | head -n 20
+    failed=$((failed + 1))
+  fi
+}
+
+headers=$(cd "$src/include" && ls fskit/*.h)
+while [ $# -ge 2 ]; do
+  cc=$1 cxx=$2
+  shift 2
+  # -Wstrict-prototypes means something to the C compiler only.
+  for header in $headers; do
+    printf '#include <%s>\nint fskit_header_check;\n' "$header" > "$work/one.c"
+    for std in "${c_modes[@]}"; do compile c "$std" "$cc" "$work/one.c" -Wstrict-prototypes; done
+    for std in "${cxx_modes[@]}"; do compile c++ "$std" "$cxx" "$work/one.c"; done
+  done
+  for std in "${c_modes[@]::4}"; do compile c "$std" "$cc" "$here/old_caller.c" -Wstrict-prototypes; done
+  for std in "${cxx_modes[@]}"; do compile c++ "$std" "$cxx" "$here/old_caller.c"; done
+  # The format attribute: a wrong conversion must not compile.
+  for lang in c c++; do
+    compiler=$cc std=c11
+    [ "$lang" = c++ ] && compiler=$cxx std=c++11
+    count=$((count + 1))
+    if "$compiler" -x $lang -std=$std "${warn[@]}" -fsyntax-only "$here/bad_format.c" 2>/dev/null; then
+      echo "FAIL: $compiler accepts a wrong format passed to fsMessage"
+      failed=$((failed + 1))
+    fi
+  done
+done
+[ "$failed" -eq 0 ] || { echo "FAIL: $failed of $count compilations"; exit 1; }
+echo "ok: $count compilations"
