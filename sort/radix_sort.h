@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// The kernels of the numeric sorts: a stable radix sort for long runs and an
+// insertion sort for short ones, both ordering items by an unsigned key.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+namespace fskit::sort {
+
+inline constexpr size_t kShortRun = 48;
+
+// Stable least-significant-digit radix sort by key(item), a byte at a time;
+// digits that are equal in every item are skipped. The result ends in `items`.
+template <class Item, class KeyFn>
+void radixSort(Item *items, Item *scratch, size_t n, KeyFn key) {
+  using U = decltype(key(*items));
+  constexpr int kDigits = sizeof(U);
+  size_t counts[kDigits][256] = {};
+  for (size_t i = 0; i < n; ++i) {
+    U k = key(items[i]);
+    for (int d = 0; d < kDigits; ++d) ++counts[d][(k >> (8 * d)) & 0xff];
+  }
+  Item *from = items, *to = scratch;
+  for (int d = 0; d < kDigits; ++d) {
+    size_t *count = counts[d];
+    if (count[(key(from[0]) >> (8 * d)) & 0xff] == n) continue;
+    size_t sum = 0;
+    for (size_t &c : counts[d]) {
+      size_t here = c;
+      c = sum;
+      sum += here;
+    }
+    for (size_t i = 0; i < n; ++i) {
+      Item item = from[i];
+      to[count[(key(item) >> (8 * d)) & 0xff]++] = item;
+    }
+    std::swap(from, to);
+  }
+  if (from != items) std::memcpy(static_cast<void *>(items), from, n * sizeof(Item));
+}
+
+// Stable insertion sort for short runs.
+template <class Item, class Less> void insertionSort(Item *items, size_t n, Less less) {
+  for (size_t i = 1; i < n; ++i) {
+    Item item = items[i];
+    size_t j = i;
+    for (; j > 0 && less(item, items[j - 1]); --j) items[j] = items[j - 1];
+    items[j] = item;
+  }
+}
+
+}  // namespace fskit::sort
