@@ -24,7 +24,7 @@ template <class Key> void sortEntries(Entry<Key> *entries, size_t n) {
   if (n <= kShortRun)
     insertionSort(entries, n, [](const Entry<Key> &a, const Entry<Key> &b) { return a.key < b.key; });
   else
-    radixSort(entries, entries + n, n, [](const Entry<Key> &e) { return e.key; });
+    radixSort(entries, entries + n, n, [](const Entry<Key> &e) { return e.key; }, Key(0));
 }
 
 template <class Keys>
@@ -35,7 +35,7 @@ bool sortIndexBy(Keys keys, const KeyLayout &layout, int32_t *index, size_t n) {
   const unsigned char *at = layout.data + layout.offset;
   for (size_t i = 0; i < n; ++i) {
     int32_t element = index[i];
-    entries[i] = {keys(at + long(element) * layout.stride), element};
+    entries[i] = {orderedKey(keys, at + long(element) * layout.stride), element};
   }
   sortEntries(entries, n);
   for (size_t i = 0; i < n; ++i) index[i] = entries[i].element;
@@ -55,14 +55,15 @@ template <size_t Size, class Keys>
 bool sortRecordsOfSize(Keys keys, unsigned char *base, long offset, size_t n) {
   using E = Element<Size>;
   E *items = reinterpret_cast<E *>(base);
-  auto key = [keys, offset](const E &e) { return keys(e.bytes + offset); };
   if (n <= kShortRun) {
-    insertionSort(items, n, [&key](const E &a, const E &b) { return key(a) < key(b); });
+    insertionSort(items, n, [keys, offset](const E &a, const E &b) {
+      return orderedKey(keys, a.bytes + offset) < orderedKey(keys, b.bytes + offset);
+    });
     return true;
   }
   E *scratch = static_cast<E *>(std::malloc(n * sizeof(E)));
   if (scratch == nullptr) return false;
-  radixSort(items, scratch, n, key);
+  radixSort(items, scratch, n, [offset](const E &e) { return Keys::bits(e.bytes + offset); }, keys.flip);
   std::free(scratch);
   return true;
 }
@@ -83,21 +84,19 @@ template <class Keys> void sortBareBy(Keys keys, unsigned char *base, size_t n) 
   if constexpr (sizeof(Key) == 1) {
     // Equal byte keys are equal elements: counting them is sorting them.
     size_t counts[256] = {};
-    unsigned char byKey[256];
-    for (int value = 0; value < 256; ++value) {
-      unsigned char byte = static_cast<unsigned char>(value);
-      byKey[keys(&byte)] = byte;
-    }
-    for (size_t i = 0; i < n; ++i) ++counts[keys(base + i)];
-    for (int k = 0; k < 256; ++k) {
-      std::memset(base, byKey[k], counts[k]);
-      base += counts[k];
+    for (size_t i = 0; i < n; ++i) ++counts[Keys::bits(base + i)];
+    for (unsigned ordered = 0; ordered < 256; ++ordered) {
+      unsigned char byte = static_cast<unsigned char>(ordered ^ keys.flip);
+      std::memset(base, byte, counts[byte]);
+      base += counts[byte];
     }
   } else if (!sortRecordsOfSize<sizeof(Key)>(keys, base, 0, n)) {
     using E = Element<sizeof(Key)>;
     E *items = reinterpret_cast<E *>(base);
     // In place when memory is short.
-    std::sort(items, items + n, [keys](const E &a, const E &b) { return keys(a.bytes) < keys(b.bytes); });
+    std::sort(items, items + n, [keys](const E &a, const E &b) {
+      return orderedKey(keys, a.bytes) < orderedKey(keys, b.bytes);
+    });
   }
 }
 

@@ -2,24 +2,33 @@
 // Numeric keys read as unsigned integers of the key's width whose plain order
 // is the key order, the direction included. The sorts are instantiated per
 // reader, not per sort type: the eight integer types come down to one reader
-// per width, whose mask carries signedness and direction, and the two float
+// per width, whose flip carries signedness and direction, and the two float
 // types to one reader each.
 #pragma once
 
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "sort/sorting.h"
 
 namespace fskit::sort {
 
-// Integers: the stored bits xor a mask that flips the sign bit of signed keys
-// and every bit of descending ones.
+// A reader gives each key as bits(p), whose xor with `flip` orders as the
+// keys do. The radix sort counts and moves by bits(p) alone and applies
+// `flip` to the order of its buckets, so the direction and, for integers,
+// the signedness cost nothing per key.
+template <class Reader> inline typename Reader::Key orderedKey(const Reader &keys, const unsigned char *p) {
+  return typename Reader::Key(keys.bits(p) ^ keys.flip);
+}
+
+// Integers: the stored bits; `flip` has the sign bit for signed keys and
+// every bit for descending ones.
 template <class U> struct IntegerKeys {
   using Key = U;
-  U mask;
-  Key operator()(const unsigned char *p) const { return U(loadKey<U>(p) ^ mask); }
+  U flip;
+  static Key bits(const unsigned char *p) { return loadKey<U>(p); }
 };
 
 // Floats: negative numbers have all bits flipped, the others the sign bit;
@@ -28,7 +37,7 @@ template <class U> struct IntegerKeys {
 template <class F> struct FloatKeys {
   using Key = std::conditional_t<sizeof(F) == 4, uint32_t, uint64_t>;
   Key flip;
-  Key operator()(const unsigned char *p) const {
+  static Key bits(const unsigned char *p) {
     constexpr Key sign = Key(1) << (8 * sizeof(Key) - 1);
     F value = loadKey<F>(p);
     Key bits;
@@ -39,7 +48,7 @@ template <class F> struct FloatKeys {
       std::memcpy(&bits, &value, sizeof bits);
       bits = (bits & sign) ? Key(~bits) : Key(bits | sign);
     }
-    return Key(bits ^ flip);
+    return bits;
   }
 };
 

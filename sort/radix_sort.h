@@ -5,17 +5,20 @@
 
 #include <cstddef>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 namespace fskit::sort {
 
 inline constexpr size_t kShortRun = 48;
 
-// Stable least-significant-digit radix sort by key(item), a byte at a time;
-// digits that are equal in every item are skipped. The result ends in `items`.
-template <class Item, class KeyFn>
-void radixSort(Item *items, Item *scratch, size_t n, KeyFn key) {
-  using U = decltype(key(*items));
+// Stable least-significant-digit radix sort by key(item) ^ flip, a byte at a
+// time; digits that are equal in every item are skipped. The items are
+// counted and moved by the digits of key(item) alone: `flip` only reorders
+// the buckets, so it costs nothing per item. The result ends in `items`.
+template <class Item, class KeyFn, class U>
+void radixSort(Item *items, Item *scratch, size_t n, KeyFn key, U flip) {
+  static_assert(std::is_same_v<decltype(key(*items)), U>);
   constexpr int kDigits = sizeof(U);
   size_t counts[kDigits][256] = {};
   for (size_t i = 0; i < n; ++i) {
@@ -26,8 +29,10 @@ void radixSort(Item *items, Item *scratch, size_t n, KeyFn key) {
   for (int d = 0; d < kDigits; ++d) {
     size_t *count = counts[d];
     if (count[(key(from[0]) >> (8 * d)) & 0xff] == n) continue;
+    const unsigned bucketFlip = (flip >> (8 * d)) & 0xff;
     size_t sum = 0;
-    for (size_t &c : counts[d]) {
+    for (unsigned ordered = 0; ordered < 256; ++ordered) {
+      size_t &c = count[ordered ^ bucketFlip];
       size_t here = c;
       c = sum;
       sum += here;
