@@ -24,15 +24,8 @@ extern "C" {
 FSKIT_API void decodeNovaFloat(void *source, void *destination) {
   if (source == nullptr) return;
   uint32_t nova = loadBig<uint32_t>(source);
-  uint32_t exponent = nova >> 24 & 0x7F;
-  float fraction = float(nova & 0xFFFFFF);  // exact: 24 bits
-  float value;
-  if (exponent - 39 < 58) [[likely]]
-    // 16^-25 to 16^32: every nonzero result is a normal single, so the
-    // product is exact and single precision gives what double would.
-    value = fraction * std::bit_cast<float>((4 * exponent - 280 + 127) << 23);
-  else  // nearest single; infinity beyond the range
-    value = float(double(fraction) * novaScale(exponent, 24));
+  double magnitude = double(nova & 0xFFFFFF) * novaScale(nova >> 24 & 0x7F, 24);
+  float value = float(magnitude);  // nearest single; infinity beyond the range
   // The sign goes in as a bit: a branch on it would be a coin toss in real data.
   storeHost(target(source, destination), std::bit_cast<uint32_t>(value) | (nova & 0x80000000u));
 }
