@@ -6,6 +6,7 @@
 // width, so they share the record sorts' code.
 #include <cstdlib>
 #include <algorithm>
+#include <type_traits>
 
 #include "sort/ordered_keys.h"
 #include "sort/radix_sort.h"
@@ -50,9 +51,10 @@ template <size_t Size> struct Element {
 
 // Records of a common size sort by radix on their own bytes, moved whole in
 // each pass: cheaper than sorting element numbers and moving the records
-// afterwards. False without working memory.
-template <size_t Size, class Keys>
-bool sortRecordsOfSize(Keys keys, unsigned char *base, long offset, size_t n) {
+// afterwards. False without working memory. `offset` is a long, or a
+// constant 0 for keys stored alone, which then stay in a register.
+template <size_t Size, class Keys, class Offset>
+bool sortRecordsOfSize(Keys keys, unsigned char *base, Offset offset, size_t n) {
   using E = Element<Size>;
   E *items = reinterpret_cast<E *>(base);
   if (n <= kShortRun) {
@@ -90,7 +92,7 @@ template <class Keys> void sortBareBy(Keys keys, unsigned char *base, size_t n) 
       std::memset(base, byte, counts[byte]);
       base += counts[byte];
     }
-  } else if (!sortRecordsOfSize<sizeof(Key)>(keys, base, 0, n)) {
+  } else if (!sortRecordsOfSize<sizeof(Key)>(keys, base, std::integral_constant<long, 0>(), n)) {
     using E = Element<sizeof(Key)>;
     E *items = reinterpret_cast<E *>(base);
     // In place when memory is short.
