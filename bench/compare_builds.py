@@ -24,7 +24,8 @@ import sys
 import tempfile
 
 PROGRAMS = ["strings/strings_bench", "ini/ini_bench", "chemistry/chemistry_bench",
-            "numformat/numformat_bench", "sort/sort_bench", "sort/file_sort_bench"]
+            "numformat/numformat_bench", "sort/sort_bench", "sort/sort_types_bench",
+            "sort/file_sort_bench"]
 
 
 def run(build, program, min_time, pattern):

@@ -28,71 +28,90 @@ constexpr uint64_t kDoubleExponentShift = uint64_t(894) << 52;
 // Exchanging the 16-bit words turns VAX storage order into IEEE bit order
 // and back.
 constexpr uint32_t swapWords(uint32_t w) { return w << 16 | w >> 16; }
-constexpr uint64_t reverseWords(uint64_t w) {
-  return uint64_t(swapWords(uint32_t(w))) << 32 | swapWords(uint32_t(w >> 32));
+// Reversing the lanes of a four-word vector takes one shuffle instruction,
+// where the integer version takes six.
+inline uint64_t reverseWords(uint64_t w) {
+  using Words = uint16_t __attribute__((vector_size(8)));
+  Words words = std::bit_cast<Words>(w);
+  return std::bit_cast<uint64_t>(__builtin_shufflevector(words, words, 3, 2, 1, 0));
+}
+
+// The rare cases, apart so that the common path stays short.
+
+// Magnitudes of an IEEE single with exponent 0, 254 or 255.
+uint32_t vaxMagnitudeOfRare(uint32_t ieee) {
+  uint32_t exponent = ieee >> 23 & 0xFF;
+  uint32_t fraction = ieee & 0x7FFFFF;
+  if (exponent != 0) return kVaxLargest32;  // 2^127 and more, infinities, NaNs
+  if (fraction >= 1u << 22) return (1u << 23) + (fraction << 1);  // denormals from 2^-127: exponent 2
+  if (fraction >= 1u << 21) return fraction << 2;  // from 2^-128: exponent 1, the hidden bit moves up
+  return 0;  // below the smallest VAX number
+}
+
+// Magnitudes of a VAX F number with exponent 0, 1 or 2, or the largest.
+uint32_t ieeeMagnitudeOfRare(uint32_t vax) {
+  uint32_t magnitude = vax & ~kSign32;
+  uint32_t exponent = magnitude >> 23;
+  if (exponent > 2) return kIeeeInfinity32;
+  if (exponent == 0) return 0;
+  // Below the smallest normal single: a denormal, low bits truncated.
+  return ((magnitude & 0x7FFFFF) | 1u << 23) >> (3 - exponent);
 }
 
 }  // namespace
 
+// The common case is told by one comparison, in most converters on the bits
+// shifted clear of the sign (`twice`), whose exponent field then starts at
+// bit 24 (bit 53 for doubles). In the singles the sign rides through the
+// arithmetic untouched.
 extern "C" {
 
 FSKIT_API void encodeVaxFloat(void *source, void *destination) {
   if (source == nullptr) return;
   uint32_t ieee = loadHost<uint32_t>(source);
-  uint32_t exponent = ieee >> 23 & 0xFF;
-  uint32_t fraction = ieee & 0x7FFFFF;
-  uint32_t magnitude;
-  if (exponent - 1 < 253) [[likely]]
-    magnitude = (ieee & ~kSign32) + (2u << 23);
-  else if (exponent != 0)
-    magnitude = kVaxLargest32;  // 2^127 and more, infinities, NaNs
-  else if (fraction >= 1u << 22)
-    magnitude = (1u << 23) + (fraction << 1);  // denormals from 2^-127: exponent 2
-  else if (fraction >= 1u << 21)
-    magnitude = fraction << 2;  // from 2^-128: exponent 1, the hidden bit moves up
+  uint32_t twice = ieee << 1;
+  uint32_t vax;
+  if (twice - (1u << 24) < 253u << 24) [[likely]]  // exponent 1 to 253
+    vax = ieee + (2u << 23);  // the exponent field cannot carry into the sign
   else
-    magnitude = 0;  // below the smallest VAX number
-  storeLittle(target(source, destination), swapWords((ieee & kSign32) | magnitude));
+    vax = (ieee & kSign32) | vaxMagnitudeOfRare(ieee);
+  storeLittle(target(source, destination), swapWords(vax));
 }
 
 FSKIT_API void decodeVaxFloat(void *source, void *destination) {
   if (source == nullptr) return;
   uint32_t vax = swapWords(loadLittle<uint32_t>(source));
-  uint32_t magnitude = vax & ~kSign32;
-  uint32_t exponent = magnitude >> 23;
+  uint32_t twice = vax << 1;
   uint32_t ieee;
-  if (exponent > 2) [[likely]]
-    ieee = magnitude == kVaxLargest32 ? kIeeeInfinity32 : magnitude - (2u << 23);
-  else if (exponent == 0)
-    ieee = 0;
-  else  // below the smallest normal single: a denormal, low bits truncated
-    ieee = ((magnitude & 0x7FFFFF) | 1u << 23) >> (3 - exponent);
-  storeHost(target(source, destination), (vax & kSign32) | ieee);
+  // Exponent 3 and above, short of the largest (whose twice is all ones but bit 0).
+  if (twice - (3u << 24) < (kVaxLargest32 << 1) - (3u << 24)) [[likely]]
+    ieee = vax - (2u << 23);  // no borrow from the sign
+  else
+    ieee = (vax & kSign32) | ieeeMagnitudeOfRare(vax);
+  storeHost(target(source, destination), ieee);
 }
 
 FSKIT_API void encodeVaxDouble(void *source, void *destination) {
   if (source == nullptr) return;
   uint64_t ieee = loadHost<uint64_t>(source);
   uint64_t exponent = ieee >> 52 & 0x7FF;
-  uint64_t magnitude;
-  if (exponent - 895 < 255) [[likely]]
-    magnitude = ((ieee & ~kSign64) - kDoubleExponentShift) << 3;
-  else if (exponent >= 1150)
-    magnitude = kVaxLargest64;  // 2^127 and more, infinities, NaNs
-  else
-    magnitude = 0;  // below 2^-128, denormals and zero
-  storeLittle(target(source, destination), reverseWords((ieee & kSign64) | magnitude));
+  uint64_t vax;
+  if (exponent - 895 < 255) [[likely]]  // no borrow from the sign; the shift drops it
+    vax = (ieee - kDoubleExponentShift) << 3 | (ieee & kSign64);
+  else  // 2^127 and more, infinities, NaNs; or below 2^-128, denormals and zero
+    vax = (ieee & kSign64) | (exponent >= 1150 ? kVaxLargest64 : 0);
+  storeLittle(target(source, destination), reverseWords(vax));
 }
 
 FSKIT_API void decodeVaxDouble(void *source, void *destination) {
   if (source == nullptr) return;
   uint64_t vax = reverseWords(loadLittle<uint64_t>(source));
-  uint64_t magnitude = vax & ~kSign64;
+  uint64_t twice = vax << 1;
   uint64_t ieee;
-  if (magnitude - 1 < kVaxLargest64 - 1) [[likely]]  // neither zero nor the largest
-    ieee = (magnitude >> 3) + kDoubleExponentShift;  // the 3 lowest fraction bits go
+  if (twice - 2 < (kVaxLargest64 << 1) - 2) [[likely]]  // neither zero nor the largest
+    ieee = (twice >> 4) + kDoubleExponentShift;  // the 3 lowest fraction bits go
   else
-    ieee = magnitude == 0 ? 0 : kIeeeInfinity64;
+    ieee = twice == 0 ? 0 : kIeeeInfinity64;
   storeHost(target(source, destination), (vax & kSign64) | ieee);
 }
 

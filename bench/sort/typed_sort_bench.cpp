@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "bench/sort/ratios.h"
+#include "bench/sort/register_sort.h"
 
 namespace {
 
@@ -50,20 +51,11 @@ int compareIndexedDouble(const void *a, const void *b) {
                        indexedDouble[*static_cast<const int32_t *>(b)]);
 }
 
-// Each iteration sorts a fresh copy of `input`; the copy is not timed.
+// Each iteration sorts a fresh copy of `input`.
 template <class T>
 void registerSort(const std::string &name, const std::vector<T> &input,
                   std::function<void(std::vector<T> &)> sort) {
-  benchmark::RegisterBenchmark(name.c_str(), [&input, sort](benchmark::State &state) {
-    std::vector<T> work;
-    for (auto _ : state) {
-      state.PauseTiming();
-      work = input;
-      state.ResumeTiming();
-      sort(work);
-      benchmark::DoNotOptimize(work.data());
-    }
-  })->Unit(benchmark::kMillisecond)->Iterations(3);
+  fskit::bench::registerSort(name, input, sort, 3);
 }
 
 std::vector<int32_t> identity() {
