@@ -42,22 +42,25 @@ struct Table {
 
 TEST(TagFile, ReadsPairsAndKeywords) {
   // A line longer than one read (254 characters) goes on in the next read,
-  // which is handled as a line of its own.
+  // which is handled as a line of its own (the rest used to be skipped); a
+  // comment covers only the first read. A line of exactly 254 characters
+  // leaves its line feed to a read of its own.
   const std::string file = "ms Mass spectrum\n! ignored\n\n  uv    Ultra   violet  \n"
                            "MASS Mass range ! scanned\nonlytag\n\tTab\tlabel\r\n!" +
                            std::string(260, 'c') + " TAIL comment\n" + std::string(70, 't') + " " +
-                           std::string(353, 'l') + " ZZ tail\nlast line";
+                           std::string(353, 'l') + " ZZ tail\nT " + std::string(252, 'a') +
+                           "\nU v\nlast line";
   Table plain, keywords;
   plain.read(file, 0);
   EXPECT_EQ(plain.pairs(), "MS=Mass spectrum;UV=Ultra violet;MASS=Mass range;TAB=label;"
                            "CCCCCCC=TAIL comment;" + std::string(63, 'T') + "=" +
                                std::string(63, 'l') + ";" + std::string(63, 'L') +
-                               "=ZZ tail;LAST=line;");
+                               "=ZZ tail;T=" + std::string(63, 'a') + ";U=v;LAST=line;");
   keywords.read(file, 1);
   EXPECT_EQ(keywords.pairs(), "MS=##MASS SPECTRUM=;UV=##ULTRA VIOLET=;MASS=##MASS RANGE=;"
                               "TAB=##LABEL=;CCCCCCC=##TAIL COMMENT=;" + std::string(63, 'T') +
                                   "=##" + std::string(60, 'L') + "=;" + std::string(63, 'L') +
-                                  "=##ZZ TAIL=;LAST=##LINE=;");
+                                  "=##ZZ TAIL=;T=##" + std::string(60, 'A') + "=;U=##V=;LAST=##LINE=;");
 }
 
 TEST(TagTable, AddsLooksUpAndGrowsByTen) {
@@ -110,25 +113,6 @@ TEST(TagTable, ComparatorsOrderByTagOrLabelFirst) {
     EXPECT_EQ(std::to_string(compare(nullptr, nullptr)) + std::to_string(compare(nullptr, entries)) +
                   std::to_string(compare(entries, nullptr)),
               "0-11");
-}
-
-TEST(TagFile, LinesAreRead254CharactersAtATime) {
-  const std::string a63(63, 'a'), long1 = "T1 " + std::string(251, 'a') + "T2 tail\n";
-  struct Case { std::string file; int32_t mode; std::string pairs; };
-  const Case cases[] = {
-      // The rest of a line longer than one read was skipped; it is the next line.
-      {long1, 0, "T1=" + a63 + ";T2=tail;"},
-      {long1, 1, "T1=##" + std::string(60, 'A') + "=;T2=##TAIL=;"},
-      // A comment covered the whole long line; it covers only the first read.
-      {"!" + std::string(253, 'c') + "X y ! z\n", 0, "X=y;"},
-      // A line of exactly 254 characters leaves its line feed to a read of its own.
-      {"T " + std::string(252, 'a') + "\nU v\n", 0, "T=" + a63 + ";U=v;"},
-  };
-  for (const Case &c : cases) {
-    Table table;
-    table.read(c.file, c.mode);
-    EXPECT_EQ(table.pairs(), c.pairs) << c.file;
-  }
 }
 
 TEST(TagTable, RecordsHoldNothingBeyondTheirTexts) {
