@@ -153,13 +153,15 @@ TEST(FileRecords, ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage) {
     int error;
     std::function<int32_t(char *)> make;  // 0 with the error in the text
   };
+  auto open = [](std::string path, const char *mode) {  // "" for a null path
+    return [=](char *text) {
+      FsFile f{};
+      return fsFileOpen(path.empty() ? nullptr : path.c_str(), mode, &f, text);
+    };
+  };
   std::vector<Failure> failures = {
-      {ELOOP, [&](char *text) { FsFile f{}; return fsFileOpen(loop.c_str(), "r", &f, text); }},
-      {ENOENT, [&](char *text) { FsFile f{}; return fsFileOpen(dir.file("none").c_str(), "r", &f, text); }},
-      {ENAMETOOLONG, [&](char *text) {
-         FsFile f{};
-         return fsFileOpen(dir.file(std::string(NAME_MAX + 1, 'n')).c_str(), "r", &f, text);
-       }},
+      {ELOOP, open(loop, "r")}, {ENOENT, open(dir.file("none"), "r")},
+      {ENAMETOOLONG, open(dir.file(std::string(NAME_MAX + 1, 'n')), "r")},
       // A full device: closing fails to write what the stream holds.
       {ENOSPC, [](char *text) {
          FsFile f{};
@@ -167,16 +169,9 @@ TEST(FileRecords, ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage) {
          std::fputs("x", f.stream);
          return fsFileClose(&f, text);
        }},
-  };
-  // The other errors an open can give: a directory to write, null arguments.
-  failures.push_back({EISDIR, [&](char *text) { FsFile f{}; return fsFileOpen(dir.path().c_str(), "w", &f, text); }});
-  failures.push_back({EINVAL, [](char *text) { FsFile f{}; return fsFileOpen(nullptr, "r", &f, text); }});
-  failures.push_back({EINVAL, [&](char *text) { FsFile f{}; return fsFileOpen(locked.c_str(), nullptr, &f, text); }});
-  if (geteuid() != 0)  // permissions do not stop the superuser
-    failures.push_back({EACCES, [&](char *text) {
-                          FsFile f{};
-                          return fsFileOpen(locked.c_str(), "r", &f, text);
-                        }});
+      // The other errors an open can give: a directory to write, null arguments.
+      {EISDIR, open(dir.path(), "w")}, {EINVAL, open("", "r")}, {EINVAL, open(locked, nullptr)}};
+  if (geteuid() != 0) failures.push_back({EACCES, open(locked, "r")});  // not for the superuser
 
   unsetenv("LANGUAGE");  // it would choose the translation over the locale
   std::map<std::string, std::string> eloopText;
