@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Tag tables: reading tag files, adding pairs, lookups both ways, the two
-// comparators.
+// comparators; the cmdline and tags commands of the tool.
 #include <fskit/cmdline.h>
 #include <gtest/gtest.h>
 
@@ -10,6 +10,8 @@
 #include <string>
 
 #include "tests/support/test_support.h"
+
+using fskit::test::runTool;
 
 namespace {
 
@@ -42,22 +44,25 @@ struct Table {
 
 TEST(TagFile, ReadsPairsAndKeywords) {
   // A line longer than one read (254 characters) goes on in the next read,
-  // which is handled as a line of its own.
+  // which is handled as a line of its own (the rest used to be skipped); a
+  // comment covers only the first read. A line of exactly 254 characters
+  // leaves its line feed to a read of its own.
   const std::string file = "ms Mass spectrum\n! ignored\n\n  uv    Ultra   violet  \n"
                            "MASS Mass range ! scanned\nonlytag\n\tTab\tlabel\r\n!" +
                            std::string(260, 'c') + " TAIL comment\n" + std::string(70, 't') + " " +
-                           std::string(353, 'l') + " ZZ tail\nlast line";
+                           std::string(353, 'l') + " ZZ tail\nT " + std::string(252, 'a') +
+                           "\nU v\nlast line";
   Table plain, keywords;
   plain.read(file, 0);
   EXPECT_EQ(plain.pairs(), "MS=Mass spectrum;UV=Ultra violet;MASS=Mass range;TAB=label;"
                            "CCCCCCC=TAIL comment;" + std::string(63, 'T') + "=" +
                                std::string(63, 'l') + ";" + std::string(63, 'L') +
-                               "=ZZ tail;LAST=line;");
+                               "=ZZ tail;T=" + std::string(63, 'a') + ";U=v;LAST=line;");
   keywords.read(file, 1);
   EXPECT_EQ(keywords.pairs(), "MS=##MASS SPECTRUM=;UV=##ULTRA VIOLET=;MASS=##MASS RANGE=;"
                               "TAB=##LABEL=;CCCCCCC=##TAIL COMMENT=;" + std::string(63, 'T') +
                                   "=##" + std::string(60, 'L') + "=;" + std::string(63, 'L') +
-                                  "=##ZZ TAIL=;LAST=##LINE=;");
+                                  "=##ZZ TAIL=;T=##" + std::string(60, 'A') + "=;U=##V=;LAST=##LINE=;");
 }
 
 TEST(TagTable, AddsLooksUpAndGrowsByTen) {
@@ -112,25 +117,6 @@ TEST(TagTable, ComparatorsOrderByTagOrLabelFirst) {
               "0-11");
 }
 
-TEST(TagFile, LinesAreRead254CharactersAtATime) {
-  const std::string a63(63, 'a'), long1 = "T1 " + std::string(251, 'a') + "T2 tail\n";
-  struct Case { std::string file; int32_t mode; std::string pairs; };
-  const Case cases[] = {
-      // The rest of a line longer than one read was skipped; it is the next line.
-      {long1, 0, "T1=" + a63 + ";T2=tail;"},
-      {long1, 1, "T1=##" + std::string(60, 'A') + "=;T2=##TAIL=;"},
-      // A comment covered the whole long line; it covers only the first read.
-      {"!" + std::string(253, 'c') + "X y ! z\n", 0, "X=y;"},
-      // A line of exactly 254 characters leaves its line feed to a read of its own.
-      {"T " + std::string(252, 'a') + "\nU v\n", 0, "T=" + a63 + ";U=v;"},
-  };
-  for (const Case &c : cases) {
-    Table table;
-    table.read(c.file, c.mode);
-    EXPECT_EQ(table.pairs(), c.pairs) << c.file;
-  }
-}
-
 TEST(TagTable, RecordsHoldNothingBeyondTheirTexts) {
   // Callers compare and store records whole, so the bytes after a tag's or a
   // label's NUL must be zero, whatever an earlier, longer tag left in the
@@ -140,4 +126,47 @@ TEST(TagTable, RecordsHoldNothingBeyondTheirTexts) {
   table.read("ms Mass spectrum\n", 0);
   KwaTagEntry expected{"MS", "Mass spectrum", 13};
   EXPECT_EQ(std::memcmp(table.entries, &expected, sizeof expected), 0);
+}
+
+TEST(CmdlineTool, PrintsPartsOrStopCharacter) {
+  EXPECT_EQ(runTool({"cmdline", "copy", "a.dat,b.dat", "/log=out.txt /verbose"}).out,
+            "part\ttext\tvalue\tend\nargument\tcopy\t\t\nargument\ta.dat\t\t,\n"
+            "argument\tb.dat\t\t\nqualifier\tlog\tout.txt\t\nqualifier\tverbose\t\t\n");
+  auto stopped = runTool({"cmdline", "/q=a=b"});
+  EXPECT_EQ(stopped.status, 1);
+  EXPECT_EQ(stopped.err, "%kwaCmdLnPrts, Invalid delimiter =b\n");
+  EXPECT_EQ(runTool({"cmdline", "--json", "--", "--x"}).out,
+            "{\"part\":\"argument\",\"text\":\"--x\",\"value\":\"\",\"end\":\"\"}\n");
+  // A quote or a list left open: the parser's line, nothing printed, status 1.
+  auto unmatched = runTool({"cmdline", "copy \"a b"});
+  EXPECT_EQ(unmatched.status, 1);
+  EXPECT_EQ(unmatched.out, "");
+  EXPECT_EQ(unmatched.err, "%kwaCmdLnPrts, Unmatched quoted string.\n");
+  EXPECT_EQ(runTool({"cmdline", "/q=(a,b"}).status, 1);
+  // Closed quotes, "" inside them and quotes inside a list are complete.
+  auto closed = runTool({"cmdline", "\"a \"\"b\"\" c\" /q=(\"x)"});
+  EXPECT_EQ(closed.status, 0) << closed.err;
+  EXPECT_EQ(closed.out,
+            "part\ttext\tvalue\tend\nargument\ta \"b\" c\t\t\nqualifier\tq\t(\"x)\t\n");
+  EXPECT_EQ(runTool({"cmdline"}).status, 2);
+}
+
+TEST(TagsTool, ListsAndLooksUp) {
+  fskit::test::TempDir dir;
+  std::string file = dir.file("tags.tbl");
+  fskit::test::writeFile(file, "ms Mass spectrum ! comment\n\n  uv   Ultra  violet\n");
+  EXPECT_EQ(runTool({"tags", file}).out, "tag\tlabel\nMS\tMass spectrum\nUV\tUltra violet\n");
+  EXPECT_EQ(runTool({"tags", "--json", file}).out,
+            "{\"tag\":\"MS\",\"label\":\"Mass spectrum\"}\n{\"tag\":\"UV\",\"label\":\"Ultra violet\"}\n");
+  EXPECT_EQ(runTool({"tags", "--json", file, "--tag", "MS"}).status, 2);
+  EXPECT_EQ(runTool({"tags", "--keywords", file, "--tag", "UV"}).out, "##ULTRA VIOLET=\n");
+  // --label finds the first label that begins with it, ignoring case.
+  EXPECT_EQ(runTool({"tags", file, "--label=mass"}).out, "MS\n");
+  EXPECT_EQ(runTool({"tags", file, "--label", "ULTRA VIOLET"}).out, "UV\n");
+  EXPECT_EQ(runTool({"tags", file, "--label", "mass spectrum scan"}).status, 1);
+  auto missing = runTool({"tags", file, "--tag", "uv"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "fskit tags: no record with the tag 'uv'\n");
+  EXPECT_EQ(runTool({"tags", dir.file("none")}).status, 1);
+  EXPECT_EQ(runTool({"tags", file, "--tag", "A", "--label", "b"}).status, 2);
 }

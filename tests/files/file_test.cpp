@@ -153,13 +153,15 @@ TEST(FileRecords, ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage) {
     int error;
     std::function<int32_t(char *)> make;  // 0 with the error in the text
   };
+  auto open = [](std::string path, const char *mode) {  // "" for a null path
+    return [=](char *text) {
+      FsFile f{};
+      return fsFileOpen(path.empty() ? nullptr : path.c_str(), mode, &f, text);
+    };
+  };
   std::vector<Failure> failures = {
-      {ELOOP, [&](char *text) { FsFile f{}; return fsFileOpen(loop.c_str(), "r", &f, text); }},
-      {ENOENT, [&](char *text) { FsFile f{}; return fsFileOpen(dir.file("none").c_str(), "r", &f, text); }},
-      {ENAMETOOLONG, [&](char *text) {
-         FsFile f{};
-         return fsFileOpen(dir.file(std::string(NAME_MAX + 1, 'n')).c_str(), "r", &f, text);
-       }},
+      {ELOOP, open(loop, "r")}, {ENOENT, open(dir.file("none"), "r")},
+      {ENAMETOOLONG, open(dir.file(std::string(NAME_MAX + 1, 'n')), "r")},
       // A full device: closing fails to write what the stream holds.
       {ENOSPC, [](char *text) {
          FsFile f{};
@@ -167,16 +169,9 @@ TEST(FileRecords, ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage) {
          std::fputs("x", f.stream);
          return fsFileClose(&f, text);
        }},
-  };
-  // The other errors an open can give: a directory to write, null arguments.
-  failures.push_back({EISDIR, [&](char *text) { FsFile f{}; return fsFileOpen(dir.path().c_str(), "w", &f, text); }});
-  failures.push_back({EINVAL, [](char *text) { FsFile f{}; return fsFileOpen(nullptr, "r", &f, text); }});
-  failures.push_back({EINVAL, [&](char *text) { FsFile f{}; return fsFileOpen(locked.c_str(), nullptr, &f, text); }});
-  if (geteuid() != 0)  // permissions do not stop the superuser
-    failures.push_back({EACCES, [&](char *text) {
-                          FsFile f{};
-                          return fsFileOpen(locked.c_str(), "r", &f, text);
-                        }});
+      // The other errors an open can give: a directory to write, null arguments.
+      {EISDIR, open(dir.path(), "w")}, {EINVAL, open("", "r")}, {EINVAL, open(locked, nullptr)}};
+  if (geteuid() != 0) failures.push_back({EACCES, open(locked, "r")});  // not for the superuser
 
   unsetenv("LANGUAGE");  // it would choose the translation over the locale
   std::map<std::string, std::string> eloopText;
@@ -235,10 +230,21 @@ bool dateFile(const std::string &path, std::time_t seconds) {
 }  // namespace
 
 TEST(FileRecords, StampsOfFarDatesFitTheDocumentedSize) {
-  // The header promised that 20 bytes hold the stamp: a file dated after
-  // 9999 (any owner can date a file so) gave 21 and more.
   fskit::test::setTimeZone("UTC0");
   fskit::test::TempDir dir;
+  // A 32-bit build read file times through a 32-bit time_t: a file dated
+  // after January 2038 had no stamp, or one wrapped back to 1901.
+  const std::string late = dir.file("late");
+  fskit::test::writeFile(late, "x");
+  ASSERT_TRUE(dateFile(late, static_cast<std::time_t>(2208988800LL)));  // 2040-01-01
+  char stamp[64] = "";
+  double number = 0;
+  EXPECT_EQ(fsLastModified(late.c_str(), stamp, &number), 1);
+  EXPECT_STREQ(stamp, "20400101000000+0000");
+  EXPECT_EQ(number, 20400101000000.0);
+
+  // The header promised that 20 bytes hold the stamp: a file dated after
+  // 9999 (any owner can date a file so) gave 21 and more.
   std::time_t now = std::time(nullptr);
   std::tm today;
   ASSERT_TRUE(gmtime_r(&now, &today));
@@ -294,20 +300,5 @@ TEST(FileRecords, StampsOfFarDatesFitTheDocumentedSize) {
   EXPECT_STREQ(text, "");
   EXPECT_EQ(value, 0.0);
   unlink(path.c_str());
-}
-
-TEST(FileRecords, StampsAfter2038) {
-  // A 32-bit build read file times through a 32-bit time_t: a file dated
-  // after January 2038 had no stamp, or one wrapped back to 1901.
-  fskit::test::setTimeZone("UTC0");
-  fskit::test::TempDir dir;
-  const std::string path = dir.file("late");
-  fskit::test::writeFile(path, "x");
-  ASSERT_TRUE(dateFile(path, static_cast<std::time_t>(2208988800LL)));  // 2040-01-01
-  char text[64] = "";
-  double value = 0;
-  EXPECT_EQ(fsLastModified(path.c_str(), text, &value), 1);
-  EXPECT_STREQ(text, "20400101000000+0000");
-  EXPECT_EQ(value, 20400101000000.0);
 }
 #endif

@@ -258,12 +258,12 @@ TEST(Message, ANullFormatIsTheEmptyText) {
 
 TEST(Message, CheckStopKeepsTheLowEightBits) {
   EXPECT_EQ(fsCheckStop(), 0);
-  fsRegisterStopFunction([]() -> int32_t { return 256; });
-  EXPECT_EQ(fsCheckStop(), 0);
-  fsRegisterStopFunction([]() -> int32_t { return 1; });
-  EXPECT_EQ(fsCheckStop(), 1);
-  fsRegisterStopFunction([]() -> int32_t { return -1; });
-  EXPECT_EQ(fsCheckStop(), 255);
+  static int32_t answer;
+  fsRegisterStopFunction([]() -> int32_t { return answer; });
+  for (auto [value, expected] : {std::pair{256, 0}, {1, 1}, {-1, 255}}) {
+    answer = value;
+    EXPECT_EQ(fsCheckStop(), expected) << value;
+  }
   fsRegisterStopFunction(nullptr);
   EXPECT_EQ(fsCheckStop(), 0);
   EXPECT_STREQ(FsmOutOfMemory, "Out of Memory");

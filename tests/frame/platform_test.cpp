@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstring>
 #include <ctime>
 #include <string>
 
@@ -12,16 +11,13 @@
 #include "tests/support/test_support.h"
 
 TEST(Platform, QueryFillsOnlyGivenBuffersAndNoMore) {
-  char os[8], order[9], format[7];
-  std::memset(os, '#', sizeof os);
-  std::memset(order, '#', sizeof order);
-  std::memset(format, '#', sizeof format);
-  fsGetPlatform(nullptr, nullptr, format);
-  EXPECT_EQ(std::string(format, 7), std::string("ieee\0##", 7));
-  EXPECT_EQ(os[0], '#');
-  fsGetPlatform(os, order, nullptr);
-  EXPECT_EQ(std::string(os, 8), std::string("winnt\0##", 8));
-  EXPECT_EQ(std::string(order, 9), std::string("little\0##", 9));
+  std::string os(8, '#'), order(9, '#'), format(7, '#');
+  fsGetPlatform(nullptr, nullptr, format.data());
+  EXPECT_EQ(format, std::string("ieee\0##", 7));
+  EXPECT_EQ(os, std::string(8, '#'));
+  fsGetPlatform(os.data(), order.data(), nullptr);
+  EXPECT_EQ(os, std::string("winnt\0##", 8));
+  EXPECT_EQ(order, std::string("little\0##", 9));
 }
 
 TEST(Platform, DiskListFreeReleasesEntriesAndList) {

@@ -17,7 +17,10 @@
 #include "sort/file_sort_internal.h"
 #include "tests/support/test_support.h"
 
+using fskit::test::readText;
+using fskit::test::runTool;
 using fskit::test::TempDir;
+using fskit::test::writeFile;
 
 namespace {
 
@@ -218,9 +221,6 @@ TEST(FileSort, ToolSortsWithTheLibraryTextsOnStandardError) {
   EXPECT_EQ(fskit::test::runTool({"sort", "in.txt"}).status, 2);
   EXPECT_EQ(fskit::test::runTool({"sort", "in.txt", "out", "--buffer", "x"}).status, 2);
   EXPECT_EQ(fskit::test::runTool({"sort", "in.txt", "out", "--prefix", "../x"}).status, 2);
-  result = fskit::test::runTool({"sort", "absent.txt", "out.txt"}, "", dir.path());
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "fskit sort: cannot open input file absent.txt: No such file or directory\n");
 }
 
 // The library removes files named like its work files under its prefix: the
@@ -281,10 +281,11 @@ TEST(FileSort, InternalEntryTellsTheOutcomeAndSendsItsLinesWhereAsked) {
     auto *heard = static_cast<Heard *>(context);
     (problem ? heard->problems : heard->lines) += std::string(line) + "\n";
   };
-  auto run = [&](const std::string &content, long buffer, Heard &heard, bool replace) {
-    fskit::test::writeFile(dir.file("in.txt"), content);
+  auto run = [&](const std::string &content, long buffer, Heard &heard, bool replace,
+                 std::string input = "") {
+    if (input.empty()) fskit::test::writeFile(input = dir.file("in.txt"), content);
     fskit::sort::FileSortRequest request;
-    std::string input = dir.file("in.txt"), output = dir.file("out.txt"), prefix = dir.path() + "/";
+    std::string output = dir.file("out.txt"), prefix = dir.path() + "/";
     request.input = input.c_str();
     request.output = output.c_str();
     request.prefix = prefix.c_str();
@@ -313,15 +314,8 @@ TEST(FileSort, InternalEntryTellsTheOutcomeAndSendsItsLinesWhereAsked) {
       << result.reason;
   EXPECT_EQ(fskit::test::readFile(dir.file("out.txt")), "old\n");
   Heard failed;
-  std::filesystem::remove(dir.file("in.txt"));
-  fskit::sort::FileSortRequest request;
-  std::string absent = dir.file("absent.txt"), output = dir.file("out.txt");
-  request.input = absent.c_str();
-  request.output = output.c_str();
-  request.progress = hear;
-  request.progressContext = &failed;
-  request.replaceOutput = true;
-  result = fskit::sort::sortFile(request);
+  std::string absent = dir.file("absent.txt");
+  result = run("", 0, failed, true, absent);
   EXPECT_EQ(result.outcome, fskit::sort::FileSortOutcome::kFailed);
   EXPECT_EQ(failed.problems, "Cannot open input file " + absent + "\n");
   EXPECT_STREQ(result.reason, ("Cannot open input file " + absent).c_str());
@@ -358,10 +352,17 @@ TEST(FileSort, MergeComparesWholeLinesWithTheirNewline) {
   const std::string input = dir.file("in.txt"), output = dir.file("out.txt");
   for (const Case &c : cases) {
     SCOPED_TRACE(c.input);
+    auto sort = [&] {
+      fskit::test::captureStdout([&] {
+        fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), c.buffer, c.keep, c.counts);
+      });
+    };
+    // Without CR a text stream's seek back on Windows miscounted, and the
+    // chunk loop could come back to where a chunk began and never end.
+    fskit::test::writeFile(input, c.input);
+    sort();
     fskit::test::writeText(input, c.input);  // CR LF on Windows, where the chunks seek back
-    fskit::test::captureStdout([&] {
-      fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), c.buffer, c.keep, c.counts);
-    });
+    sort();
     EXPECT_EQ(fskit::test::readText(output), c.output);
   }
 }
@@ -383,15 +384,39 @@ TEST(FileSort, InputBeyond4GiB) {
 }
 #endif
 
-#if defined(_WIN32)
-TEST(FileSort, LfOnlyInputInChunksEnds) {
-  // A text stream's seek back on a file without CR miscounts; the chunk loop
-  // could come back to where a chunk began and never end.
-  TempDir dir;
-  std::string input = dir.file("in.txt"), output = dir.file("out.txt");
-  fskit::test::writeFile(input, "a\na\tb\n");
-  fskit::test::captureStdout([&] {
-    fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), 4, 1, 0);
-  });
+TEST(SortTool, StandardInputAndOutput) {
+  TempDir dir, work;
+  std::string in = dir.file("in.txt"), out = dir.file("out.txt");
+  writeFile(in, "pear\napple\npear\n");
+  const std::string sorted = "apple\npear\npear\n";
+  auto both = runTool({"sort", "-", "-", "--temporary-directory", work.path()}, "b\nc\na\n");
+  EXPECT_EQ(both.status, 0) << both.err;
+  EXPECT_EQ(both.out, "a\nb\nc\n");
+  auto fromStdin = runTool({"sort", "-", out}, "pear\napple\npear\n");
+  EXPECT_EQ(fromStdin.status, 0) << fromStdin.err;
+  EXPECT_EQ(fromStdin.out, "");
+  EXPECT_EQ(readText(out), sorted);
+  auto toStdout = runTool({"sort", in, "-", "--count"});
+  EXPECT_EQ(toStdout.status, 0) << toStdout.err;
+  EXPECT_EQ(toStdout.out, "apple 1\npear 2\n");
+  // The work directory is left empty: the copies of the streams are gone.
+  runTool({"sort", "-", "-", "--temporary-directory", work.path()}, "x\n");
+  EXPECT_EQ(runTool({"ls", work.path()}).out, "path\tname\textension\n");
 }
-#endif
+
+TEST(SortTool, FailuresGiveTheSystemsReason) {
+  TempDir dir;
+  auto missing = runTool({"sort", dir.file("none"), "-"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.out, "");
+  EXPECT_EQ(missing.err, "fskit sort: cannot open input file " + dir.file("none") +
+                             ": No such file or directory\n");
+  auto directory = runTool({"sort", dir.path(), dir.file("out")});
+  EXPECT_EQ(directory.status, 1);
+  EXPECT_EQ(directory.err,
+            "fskit sort: cannot open input file " + dir.path() + ": Is a directory\n");
+  // A line longer than the buffer stops the sort; nothing reaches stdout.
+  auto stopped = runTool({"sort", "-", "-", "--buffer", "4"}, "a\nlonger line\n");
+  EXPECT_EQ(stopped.status, 1);
+  EXPECT_EQ(stopped.out, "");
+}

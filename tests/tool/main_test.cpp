@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -35,10 +35,6 @@ TEST(Tool, VersionPlatformHelpAndUsageErrors) {
     EXPECT_EQ(bad.out, "");
     EXPECT_FALSE(bad.err.empty());
   }
-  auto unreadable = runTool({"ls", "/no/such/directory"});
-  EXPECT_EQ(unreadable.status, 1);
-  EXPECT_EQ(unreadable.err,
-            "fskit ls: cannot read directory /no/such/directory: No such file or directory\n");
   auto unknown = runTool({"no-such-command"});
   EXPECT_EQ(unknown.err, "fskit: unknown command 'no-such-command' (try 'fskit --help')\n");
 }
@@ -75,36 +71,19 @@ namespace {
 // The keys of one flat JSON object of strings and numbers, as the tool
 // writes a table row; empty when `line` is not such an object.
 std::vector<std::string> jsonKeys(const std::string &line) {
+  // A member: a key, then a string (no control characters) or a JSON number.
+  static const std::regex member(R"re("((?:[^"\\\x00-\x1f]|\\.)*)":)re"
+                                 R"re((?:"(?:[^"\\\x00-\x1f]|\\.)*"|-?(?:0|[1-9]\d*)(?:\.\d+)?(?:[eE][+-]?\d+)?)([,}]))re");
+  if (line.empty() || line[0] != '{') return {};
   std::vector<std::string> keys;
-  size_t at = 0;
-  auto string = [&](std::string *out) {
-    if (at >= line.size() || line[at++] != '"') return false;
-    for (; at < line.size() && line[at] != '"'; ++at) {
-      if (static_cast<unsigned char>(line[at]) < 0x20) return false;
-      if (line[at] == '\\' && ++at < line.size() && out != nullptr) *out += '\\';
-      if (out != nullptr) *out += line[at];
-    }
-    return at++ < line.size();
-  };
-  if (line.empty() || line[at++] != '{' || line.back() != '}') return {};
-  while (at < line.size() - 1) {
-    if (!keys.empty() && line[at++] != ',') return {};
-    std::string key;
-    if (!string(&key) || at >= line.size() || line[at++] != ':') return {};
-    if (line[at] == '"') {
-      if (!string(nullptr)) return {};
-    } else {
-      size_t end = line.find_first_of(",}", at);
-      char *stop = nullptr;
-      std::string number = line.substr(at, end - at);
-      std::strtod(number.c_str(), &stop);
-      if (number.empty() || *stop != '\0' || number.find_first_of("ni") != std::string::npos)
-        return {};
-      at = end;
-    }
-    keys.push_back(key);
+  std::smatch m;
+  for (auto at = line.cbegin() + 1;
+       std::regex_search(at, line.cend(), m, member, std::regex_constants::match_continuous);) {
+    keys.push_back(m[1]);
+    at = m[0].second;
+    if (*m[2].first == '}') return at == line.cend() ? keys : std::vector<std::string>{};
   }
-  return keys;
+  return {};
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <bit>
 #include <bitset>
 #include <string>
+#include <utility>
 
 TEST(Bits, TablesMatchADirectComputation) {
   for (unsigned i = 0; i < 32; ++i) EXPECT_EQ(FsBitMasks[i], uint32_t{1} << i) << i;
@@ -34,18 +35,15 @@ TEST(Bits, ItobGroupsEightsFromTheRightForEveryWidth) {
 }
 
 TEST(Bits, FieldsAndCounts) {
-  EXPECT_EQ(fsGetBits(0xABCD, 15, 4), 0xAu);
-  EXPECT_EQ(fsGetBits(0xABCD, 3, 4), 0xDu);
-  EXPECT_EQ(fsGetBits(0xABCD, 7, 1), 1u);
-  EXPECT_EQ(fsGetBits(0x80000000, 31, 1), 1u);
-  EXPECT_EQ(fsGetBits(0xDEADBEEF, 31, 31), 0x6F56DF77u);
-  // Outside the documented range: the whole word, nothing, zero bits below bit 0.
-  EXPECT_EQ(fsGetBits(0xDEADBEEF, 31, 32), 0xDEADBEEFu);
-  EXPECT_EQ(fsGetBits(0xDEADBEEF, 5, 0), 0u);
-  EXPECT_EQ(fsGetBits(0xF, 1, 4), 0xCu);
-  EXPECT_EQ(fsGetBits(0xF, 40, 4), 0u);
-  EXPECT_EQ(fsBitCount(0), 0);
-  EXPECT_EQ(fsBitCount(0xFFFFFFFF), 32);
-  EXPECT_EQ(fsBitCount(0x80000001), 2);
-  EXPECT_EQ(fsBitCount(0x01020408), 4);
+  // Word, highest bit, bit count, field; past the documented range: the whole
+  // word, nothing, zero bits below bit 0.
+  const uint32_t fields[][4] = {{0xABCD, 15, 4, 0xA},          {0xABCD, 3, 4, 0xD},
+                                {0xABCD, 7, 1, 1},             {0x80000000, 31, 1, 1},
+                                {0xDEADBEEF, 31, 31, 0x6F56DF77}, {0xDEADBEEF, 31, 32, 0xDEADBEEF},
+                                {0xDEADBEEF, 5, 0, 0},         {0xF, 1, 4, 0xC},
+                                {0xF, 40, 4, 0}};
+  for (auto [word, high, count, field] : fields)
+    EXPECT_EQ(fsGetBits(word, high, count), field) << high << " " << count;
+  for (auto [word, count] : {std::pair{0u, 0}, {0xFFFFFFFFu, 32}, {0x80000001u, 2}, {0x01020408u, 4}})
+    EXPECT_EQ(fsBitCount(word), count) << word;
 }
