@@ -16,6 +16,7 @@
 
 #include "ini/ini_internal.h"
 #include "tests/support/alloc_fault.h"
+#include "tests/support/ini_walk.h"
 #include "tests/support/test_support.h"
 
 using fskit::test::captureStderr;
@@ -30,14 +31,7 @@ namespace {
 const std::string kText = "[A]\nx = 1\ny = 2\n; c\n[B]\nz = 3\n[A]\nw = 4\n";
 const std::string kWalk = "A|x|1;A|y|2;B|z|3;A|x|1;A|y|2;";  // a second A walks the first
 
-// "paragraph|topic|value;" for every value the walk delivers.
-std::string walk(int32_t handle) {
-  std::string all;
-  char paragraph[64], topic[64], value[64];
-  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
-    all += std::string(paragraph) + "|" + topic + "|" + value + ";";
-  return all;
-}
+std::string walk(int32_t handle) { return fskit::test::iniWalk(handle, ";"); }
 
 // While armed (byteLimit >= 0), fdopen gives a stream that takes
 // `byteLimit` bytes and then fails, as a full disk would; with `closeFails`

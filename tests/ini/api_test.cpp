@@ -20,10 +20,12 @@
 
 #include "ini/state.h"
 #include "ini/storage.h"
+#include "tests/support/ini_walk.h"
 #include "tests/support/test_support.h"
 
 using fskit::test::captureStderr;
 using fskit::test::ChangeDir;
+using fskit::test::iniWalk;
 using fskit::test::fileExists;
 using fskit::test::readFile;
 using fskit::test::readText;
@@ -31,15 +33,6 @@ using fskit::test::TempDir;
 using fskit::test::writeFile;
 
 namespace {
-
-// Every value the walk delivers, as "paragraph|topic|value" lines.
-std::string walk(int32_t handle) {
-  std::string all;
-  char paragraph[1100], topic[1100], value[1100];
-  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
-    all += std::string(paragraph) + "|" + topic + "|" + value + "\n";
-  return all;
-}
 
 std::string valueOf(int32_t handle, const char *paragraph, const char *topic) {
   char value[1100] = "junk", comment[1] = {'x'};
@@ -125,7 +118,7 @@ TEST(IniApi, GetSetAndWriteBack) {
   // A new document replaces an existing file.
   handle = fsIniNewFile(path.c_str());
   ASSERT_EQ(handle, 1000);
-  EXPECT_EQ(walk(handle), "");
+  EXPECT_EQ(iniWalk(handle), "");
   fsIniSetValue(handle, "P", "x", "1", "");
   EXPECT_EQ(fsIniWriteFile(handle), 1);
   EXPECT_EQ(readText(path), "[P]\nx = 1\n");
@@ -140,7 +133,7 @@ TEST(IniApi, WalkQuirks) {
             "[A]\nz = 9\n");
   int32_t handle = fsIniReadFile(path.c_str());
   std::string messages = captureStderr([&] {
-    EXPECT_EQ(walk(handle), "A|a1|1\nB|b|1\nB|b|1\nB|c|3\nA|a1|1\n");
+    EXPECT_EQ(iniWalk(handle), "A|a1|1\nB|b|1\nB|b|1\nB|c|3\nA|a1|1\n");
   });
   EXPECT_EQ(messages, "Cannot find value for paragraph \"B\" topic \"novalue\"\n");
   // After the end, further calls give 0 until a new start.
@@ -300,13 +293,8 @@ TEST(IniApi, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
     if (c.first == First::kReopened) {
       ASSERT_EQ(fsIniReadFile(dir.file("a.ini").c_str()), a);
     }
-    // Every value the walk delivers from here on, "paragraph|topic|value;".
-    std::string delivered;
-    EXPECT_EQ(captureStderr([&] {
-                while (fsIniNext(0, c.onFirst ? a : b, paragraph, topic, value) == 1)
-                  delivered += std::string(paragraph) + "|" + topic + "|" + value + ";";
-              }),
-              "");
+    std::string delivered;  // from here on
+    EXPECT_EQ(captureStderr([&] { delivered = iniWalk(c.onFirst ? a : b, ";", false); }), "");
     EXPECT_EQ(delivered, c.expected);
     fsIniReleaseFile(a);
     fsIniReleaseFile(b);

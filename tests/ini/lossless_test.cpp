@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "ini/document.h"
+#include "tests/support/ini_walk.h"
 #include "tests/support/test_support.h"
 
 using fskit::ini::FsIniFile;
@@ -59,10 +60,7 @@ std::string classicValue(const TempDir &dir, const std::string &text, const std:
 std::string classicWalk(const TempDir &dir, const std::string &text) {
   writeFile(dir.file("classic.ini"), text);
   int32_t handle = fsIniReadFile(dir.file("classic.ini").c_str());
-  std::string all;
-  char paragraph[1100], topic[1100], value[1100];
-  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
-    all += std::string(paragraph) + "|" + topic + "|" + value + "\n";
+  std::string all = fskit::test::iniWalk(handle);
   fsIniReleaseFile(handle);
   return all;
 }

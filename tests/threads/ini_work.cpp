@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "ini/state.h"
+#include "tests/support/ini_walk.h"
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
 
@@ -107,12 +108,7 @@ std::string sharedReads(int worker, int round) {
 // while the others look values up.
 std::string walkBesideReaders(int worker, int round) {
   if (worker != 0) return sharedReads(worker, round);
-  int32_t handle = sharedHandle();
-  std::string out;
-  char paragraph[64], topic[64], value[64];
-  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
-    out += std::string(paragraph) + "|" + topic + "|" + value + ";";
-  return out;
+  return fskit::test::iniWalk(sharedHandle(), ";");
 }
 
 // Each worker sets a document of its own, writes it, reads it back and
