@@ -6,16 +6,13 @@
 #include <fskit/frame.h>
 #include <fskit/strings.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <string>
 #include <unordered_map>
 
 #include "fuzz/support/fuzz_support.h"
 
 namespace {
 
-std::string elementFile() { return fskit::fuzz::scratchFile("elements.tbl"); }
+std::string elementFile() { return scratchFile("elements.tbl"); }
 
 // The number of records the reading gives: each piece of at most 131
 // characters is a line; an element line (first field in column 0 or 1) adds
@@ -26,7 +23,7 @@ int32_t expectedCount(std::string_view file) {
   for (size_t at = 0; at < file.size();) {
     const size_t newline = file.find('\n', at);
     const size_t end = std::min(newline == std::string_view::npos ? file.size() : newline + 1, at + 131);
-    const fskit::fuzz::Text piece(file.substr(at, end - at));
+    const Text piece(file.substr(at, end - at));
     at = end;
     char *start;
     int32_t length;
@@ -52,9 +49,8 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
   return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  const std::string_view file(reinterpret_cast<const char *>(data), size);
-  fskit::fuzz::writeBytes(elementFile(), file);
+FUZZ_TARGET(file) {
+  writeBytes(elementFile(), file);
   FUZZ_CHECK(fsInitElemTable(0, 0) == 1);  // forgets the table and the name it came from
   FUZZ_CHECK(fsLoadElemTable(elementFile().c_str()) == 1);
 
@@ -76,5 +72,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   }
   FsElementRecord record;
   FUZZ_CHECK(fsGetElementInfo(count, &record) == 0 && fsGetElementInfo(-1, &record) == 0);
-  return 0;
 }

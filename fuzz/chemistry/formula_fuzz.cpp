@@ -11,12 +11,8 @@
 
 #include <array>
 #include <cmath>
-#include <string>
-#include <vector>
 
 #include "fuzz/support/fuzz_support.h"
-
-using fskit::fuzz::Text;
 
 namespace {
 
@@ -35,9 +31,7 @@ Merged parseMerged(const char *formula, int32_t separated, int32_t dotAll, int32
   const size_t room = maxTokens > 0 ? size_t(maxTokens) : 100;
   Merged out;
   out.symbols.resize(room);
-  out.counts.resize(room);
-  out.atomicNumbers.resize(room);
-  out.shifts.resize(room);
+  for (auto *v : {&out.counts, &out.atomicNumbers, &out.shifts}) v->resize(room);
   Text text(20 * room + 1, '~');  // 20 bytes a symbol suffice
   out.result = fsTblParseMF(formula, separated, dotAll, text.get(), &out.nominal, &out.mono,
                             &out.average, &out.rdb, maxTokens,
@@ -164,11 +158,9 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
   return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
-  const uint8_t options = fskit::fuzz::takeByte(input);
+FUZZ_TARGET(input) {
+  const uint8_t options = takeByte(input);
   const Text formula(input);
   checkMerged(formula, options);
   checkTokens(formula, options);
-  return 0;
 }

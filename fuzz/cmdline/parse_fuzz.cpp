@@ -5,12 +5,8 @@
 #include <fskit/cmdline.h>
 
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "fuzz/support/fuzz_support.h"
-
-using fskit::fuzz::Text;
 
 namespace {
 
@@ -31,7 +27,7 @@ Parsed parse(std::string_view lineBytes) {
   KwaCmdLnParts parts;
   std::memset(&parts, 0x5a, sizeof parts);
   Parsed out;
-  out.err = fskit::fuzz::caughtStderr([&] { out.result = kwaCmdLnPrts(line.get(), &parts); });
+  out.err = caughtStream(::stderr, [&] { out.result = kwaCmdLnPrts(line.get(), &parts); });
 
   // A limit stops the parse at the character where the refused token would
   // start, which is the line's end after a final quote: then the result is 0.
@@ -89,8 +85,7 @@ std::string written(const Parsed &parsed) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  const Parsed parsed = parse(std::string_view(reinterpret_cast<const char *>(data), size));
+FUZZ_TARGET(bytes) {
+  const Parsed parsed = parse(bytes);
   if (parsed.result == 0 && parsed.err.empty()) FUZZ_CHECK(parse(written(parsed)) == parsed);
-  return 0;
 }

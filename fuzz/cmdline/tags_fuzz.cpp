@@ -4,10 +4,6 @@
 // Input: one byte (odd: keyword mode), then the file.
 #include <fskit/cmdline.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-
 #include "fuzz/support/fuzz_support.h"
 
 namespace {
@@ -52,9 +48,8 @@ void checkRecords(const Table &table, bool keywords) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
-  const bool keywords = fskit::fuzz::takeByte(input) % 2 == 1;
+FUZZ_TARGET(input) {
+  const bool keywords = takeByte(input) % 2 == 1;
   Table table;
   read(input, keywords ? 1 : 0, table);
   checkRecords(table, keywords);
@@ -62,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   // A label cut just after a blank would lose it when read again.
   std::string file;
   for (int32_t i = 0; i < table.count; ++i) {
-    if (table.entries[i].label[62] == ' ') return 0;
+    if (table.entries[i].label[62] == ' ') return;
     file += std::string(table.entries[i].tag) + " " + table.entries[i].label + "\n";
   }
   Table again;
@@ -70,5 +65,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   FUZZ_CHECK(again.count == table.count);
   for (int32_t i = 0; i < table.count; ++i)
     FUZZ_CHECK(std::memcmp(&again.entries[i], &table.entries[i], sizeof(KwaTagEntry)) == 0);
-  return 0;
 }

@@ -8,11 +8,7 @@
 // first NUL; bit 3: a null input), then the text.
 #include <fskit/datetime.h>
 
-#include <string>
-
 #include "fuzz/support/fuzz_support.h"
-
-using fskit::fuzz::Text;
 
 namespace {
 
@@ -28,7 +24,7 @@ Converted convert(int32_t inLayout, const char *input, int32_t outLayout,
                   const char *separators, int32_t useNow) {
   Text output(kOutput, '~');
   Converted out;
-  out.err = fskit::fuzz::caughtStderr(
+  out.err = caughtStream(::stderr, 
       [&] { out.result = fsDateTime(inLayout, input, outLayout, output.get(), separators, useNow); });
   const bool untouched = std::string_view(output.get(), kOutput) == std::string(kOutput, '~');
   FUZZ_CHECK(untouched || std::memchr(output.get(), '\0', kOutput) != nullptr);
@@ -38,14 +34,13 @@ Converted convert(int32_t inLayout, const char *input, int32_t outLayout,
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
-  const int32_t inLayout = fskit::fuzz::takeByte(input) % 14;  // 13: unsupported
-  const int32_t outLayout = fskit::fuzz::takeByte(input) % 12;  // 11: unsupported
-  const uint8_t options = fskit::fuzz::takeByte(input);
+FUZZ_TARGET(input) {
+  const int32_t inLayout = takeByte(input) % 14;  // 13: unsupported
+  const int32_t outLayout = takeByte(input) % 12;  // 11: unsupported
+  const uint8_t options = takeByte(input);
   const int32_t useNow = options & 1;
   std::string_view separatorBytes;
-  if ((options >> 1 & 3) == 3) std::tie(separatorBytes, input) = fskit::fuzz::splitAtNul(input, "");
+  if ((options >> 1 & 3) == 3) std::tie(separatorBytes, input) = splitAtNul(input, "");
   const Text separatorText(separatorBytes), text(input);
   const char *separators[] = {nullptr, "", "NONE", separatorText.get()};
   const char *separator = separators[options >> 1 & 3];
@@ -55,12 +50,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const std::string unreadable = "Unable to generate valid input date from: " + std::string(text.str()) + "\n";
   if (first.err.ends_with(unreadable)) {
     FUZZ_CHECK(first.result == 0 && first.output == "~" && useNow == 0);
-    return 0;
+    return;
   }
   if (outLayout == 11) {
     FUZZ_CHECK(first.result == 0 && first.output.empty() &&
                first.err.ends_with("Unsupported date/time output format 11"));
-    return 0;
+    return;
   }
   FUZZ_CHECK(first.result == 1 && first.output != "~" && first.output.size() <= kOutput - 1);
   FUZZ_CHECK(first.err.empty() || first.err == "Unsupported date/time input format 13\n");
@@ -73,5 +68,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const Converted stampAgain = convert(6, stamp.output.c_str(), 6, nullptr, 0);
     FUZZ_CHECK(stampAgain.result == 1 && stampAgain.output == stamp.output);
   }
-  return 0;
 }

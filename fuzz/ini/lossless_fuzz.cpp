@@ -3,9 +3,6 @@
 // bytes; a value set changes one line of the old text (or none, adding lines)
 // and reads back; where the classic reader takes in the whole text, both
 // find the same values.
-#include <algorithm>
-#include <cstdio>
-#include <string>
 
 #include "fuzz/support/fuzz_support.h"
 #include "ini/document.h"
@@ -60,8 +57,8 @@ void checkSet(const std::string &text, const std::string &paragraph, const std::
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  const std::string text(reinterpret_cast<const char *>(data), size);
+FUZZ_TARGET(bytes) {
+  const std::string text(bytes);
   Document document(text);
   FUZZ_CHECK(document.text() == text);
 
@@ -82,5 +79,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     checkSet(text, entries.front().paragraph, "fuzz topic");
   }
   checkSet(text, "fuzz paragraph", "t");
-  return 0;
 }

@@ -3,9 +3,6 @@
 // each name, and a document that is written, read again and written again
 // gives the same bytes. With the first input byte odd, memory runs out after
 // (byte / 2) allocations of the first reading: what was read must still hold.
-#include <cstdio>
-#include <cstdlib>
-#include <string>
 #include <unordered_map>
 
 #include "fuzz/support/fuzz_support.h"
@@ -39,7 +36,7 @@ void read(FsIniFile &document, const std::string &text, long allocations = -1) {
 }
 
 std::string written(const FsIniFile &document) {
-  return fskit::fuzz::writtenTo(
+  return writtenTo(
       [&](std::FILE *stream) { FUZZ_CHECK(document.write(stream) == fskit::ini::kOk); });
 }
 
@@ -87,17 +84,15 @@ bool writtenBackAsRead(const FsIniFile &document, const std::string &text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
-  const uint8_t budget = fskit::fuzz::takeByte(input);
+FUZZ_TARGET(input) {
+  const uint8_t budget = takeByte(input);
   Document first;
   read(*first.file, std::string(input), budget % 2 == 1 ? budget / 2 : -1);
   checkLookups(*first.file);
 
   const std::string once = written(*first.file);
-  if (!writtenBackAsRead(*first.file, once)) return 0;
+  if (!writtenBackAsRead(*first.file, once)) return;
   Document second;
   read(*second.file, once);
   FUZZ_CHECK(written(*second.file) == once);
-  return 0;
 }

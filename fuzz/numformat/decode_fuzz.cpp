@@ -6,7 +6,6 @@
 
 #include <bit>
 #include <cmath>
-#include <cstring>
 
 #include "fuzz/support/fuzz_support.h"
 
@@ -45,9 +44,9 @@ T decodedAgain(Convert encode, Convert decode, T value) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+FUZZ_TARGET(bytes) {
   unsigned char pattern[8] = {};
-  std::memcpy(pattern, data, size < 8 ? size : 8);
+  std::memcpy(pattern, bytes.data(), std::min<size_t>(bytes.size(), 8));
   const unsigned char original[8] = {pattern[0], pattern[1], pattern[2], pattern[3],
                                      pattern[4], pattern[5], pattern[6], pattern[7]};
 
@@ -101,5 +100,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FUZZ_CHECK(std::memcmp(twice, pattern, 8) == 0);
   }
   FUZZ_CHECK(std::memcmp(pattern, original, 8) == 0);  // no decoder wrote to its source
-  return 0;
 }

@@ -7,20 +7,14 @@
 // duplicates, bit 1: counts), then the file.
 #include <fskit/sort.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "fuzz/support/fuzz_support.h"
 
 namespace {
 
-std::string file(const char *name) { return fskit::fuzz::scratchFile(name); }
+std::string file(const char *name) { return scratchFile(name); }
 std::string workDirectory() { return file(""); }
 
 // The lines of each chunk as the chunk phase reads them: pieces of at most
@@ -57,16 +51,15 @@ bool holdsLowBytes(const std::string &line) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
-  const uint8_t bufferByte = fskit::fuzz::takeByte(input), mode = fskit::fuzz::takeByte(input);
+FUZZ_TARGET(input) {
+  const uint8_t bufferByte = takeByte(input), mode = takeByte(input);
   const bool keep = mode & 1, counts = mode & 2;
   // At most about 40 chunks: more than one merge pass, at a bearable cost.
   const long buffer = bufferByte == 0 ? 0 : std::max<long>(bufferByte, long(input.size() / 40) + 1);
-  fskit::fuzz::writeBytes(file("in"), input);
+  writeBytes(file("in"), input);
   std::filesystem::remove(file("out"));
   long result = -1;
-  const std::string printed = fskit::fuzz::caughtStream(::stdout, [&] {
+  const std::string printed = caughtStream(::stdout, [&] {
     result = fsStrSort(file("in").c_str(), file("out").c_str(), workDirectory().c_str(),
                        buffer, keep, counts);
   });
@@ -75,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   FUZZ_CHECK(printed.ends_with("\n" + std::to_string(result) + " records written\n"));
   if (input.empty()) {
     FUZZ_CHECK(result == 0 && !std::filesystem::exists(file("out")));
-    return 0;
+    return;
   }
 
   const auto chunks = chunksOf(input, buffer == 0 ? input.size() : size_t(buffer));
@@ -94,7 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     std::vector<std::string> sorted = lines;
     std::sort(sorted.begin(), sorted.end());
     FUZZ_CHECK(sorted == all && (!ordered || lines == all));
-    return 0;
+    return;
   }
   // Collapsed: every distinct non-empty line, with its count per chunk.
   std::set<std::string> distinct(all.begin(), all.end()), found;
@@ -118,5 +111,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
       if (!line.empty()) expected.push_back(counts ? line + " " + std::to_string(count) : line);
     FUZZ_CHECK(lines == expected);
   }
-  return 0;
 }

@@ -6,11 +6,7 @@
 // a NUL) and, whole, the field.
 #include <fskit/strings.h>
 
-#include <string>
-
 #include "fuzz/support/fuzz_support.h"
-
-using fskit::fuzz::Text;
 
 namespace {
 
@@ -68,9 +64,8 @@ void checkField(std::string_view field, uint32_t dstSize) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
-  const uint32_t dstSize = fskit::fuzz::takeByte(input);
+FUZZ_TARGET(input) {
+  const uint32_t dstSize = takeByte(input);
   const std::string_view s = input.substr(0, input.find('\0'));
   int32_t length = -1;
 
@@ -91,5 +86,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   if (s.find('"') == std::string_view::npos) FUZZ_CHECK(qcollapsed == collapsed);
 
   checkField(input, dstSize);
-  return 0;
 }

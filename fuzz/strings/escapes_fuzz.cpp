@@ -3,12 +3,7 @@
 // escaped form of the input that must turn back into the input.
 #include <fskit/strings.h>
 
-#include <string>
-#include <vector>
-
 #include "fuzz/support/fuzz_support.h"
-
-using fskit::fuzz::Text;
 
 namespace {
 
@@ -58,8 +53,7 @@ std::string withoutNuls(std::string_view bytes) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
+FUZZ_TARGET(input) {
   const Text src(input);
   Text apart(src.str().size() + 1, '~');
   FUZZ_CHECK(strcvtesc(apart.get(), src.get()) == apart.get());
@@ -73,5 +67,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Text decoded(encoded.size(), '~');
   strcvtesc(decoded.get(), encoded.get());
   FUZZ_CHECK(decoded.str() == original);
-  return 0;
 }

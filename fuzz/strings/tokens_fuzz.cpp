@@ -5,12 +5,7 @@
 // delimiters are blank and comma.
 #include <fskit/strings.h>
 
-#include <string>
-#include <vector>
-
 #include "fuzz/support/fuzz_support.h"
-
-using fskit::fuzz::Text;
 
 namespace {
 
@@ -71,12 +66,10 @@ void checkEachToken(const Text &s, std::string_view delims, int32_t maxLen) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
-  uint8_t sizes = fskit::fuzz::takeByte(input);
-  auto [delims, text] = fskit::fuzz::splitAtNul(input, " ,");
+FUZZ_TARGET(input) {
+  uint8_t sizes = takeByte(input);
+  auto [delims, text] = splitAtNul(input, " ,");
   const Text s(text);
   checkAllTokens(s, delims, sizes >> 4);
   checkEachToken(s, delims, sizes & 15);
-  return 0;
 }

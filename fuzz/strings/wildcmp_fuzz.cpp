@@ -4,11 +4,7 @@
 // and the text (without a NUL the text is empty).
 #include <fskit/strings.h>
 
-#include <vector>
-
 #include "fuzz/support/fuzz_support.h"
-
-using fskit::fuzz::Text;
 
 namespace {
 
@@ -31,15 +27,13 @@ bool matches(std::string_view pattern, std::string_view text, char anyChar, char
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  std::string_view input(reinterpret_cast<const char *>(data), size);
-  const char anyChar = char(fskit::fuzz::takeByte(input));
-  const char anyRun = char(fskit::fuzz::takeByte(input));
-  if (input.size() > 1024) return 0;  // the plain matcher is quadratic
+FUZZ_TARGET(input) {
+  const char anyChar = char(takeByte(input));
+  const char anyRun = char(takeByte(input));
+  if (input.size() > 1024) return;  // the plain matcher is quadratic
   const size_t nul = input.find('\0');
   const Text pattern(input.substr(0, nul));
   const Text text(nul == std::string_view::npos ? std::string_view() : input.substr(nul + 1));
   const int result = strwildcmp(pattern.get(), text.get(), anyChar, anyRun);
   FUZZ_CHECK(result == (matches(pattern.str(), text.str(), anyChar, anyRun) ? 1 : 0));
-  return 0;
 }

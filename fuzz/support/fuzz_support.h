@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Helpers shared by the fuzz targets: invariant checks that stop the run,
-// exact-size copies of the input, a place to catch what a call prints, and
-// a scratch directory for the targets that read files.
+// Helpers shared by the fuzz targets: the entry point, invariant checks that
+// stop the run, exact-size copies of the input, a place to catch what a call
+// prints, and a scratch directory for the targets that read files.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -14,8 +15,18 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <stdlib.h>
+
+// FUZZ_TARGET(input) { ... }: the body runs on each input, as a string_view.
+#define FUZZ_TARGET(input)                                                       \
+  static void fuzzOne(std::string_view input);                                   \
+  extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {      \
+    fuzzOne(std::string_view(reinterpret_cast<const char *>(data), size));       \
+    return 0;                                                                    \
+  }                                                                              \
+  static void fuzzOne(std::string_view input)
 
 // A broken invariant ends the run like a crash, so libFuzzer keeps the input.
 #define FUZZ_CHECK(condition)                                                       \
@@ -96,11 +107,6 @@ std::string caughtStream(std::FILE *&stream, Body body) {
   });
 }
 
-template <typename Body>
-std::string caughtStderr(Body body) {
-  return caughtStream(::stderr, body);
-}
-
 // The run's own directory plus "/" + `name`: in memory where /dev/shm exists
 // (a file is written for every input), removed at exit.
 inline std::string scratchFile(const char *name) {
@@ -126,3 +132,5 @@ inline void writeBytes(const std::string &path, std::string_view bytes) {
 }
 
 }  // namespace fskit::fuzz
+
+using namespace fskit::fuzz;  // each target is a program of its own

@@ -3,11 +3,7 @@
 // desDecrypt(desEncrypt(x)) giving x up to its first blank.
 #include <fskit/util.h>
 
-#include <string>
-
 #include "fuzz/support/fuzz_support.h"
-
-using fskit::fuzz::Text;
 
 namespace {
 
@@ -42,9 +38,8 @@ void checkRoundTrip(const Text &text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  const Text input(std::string_view(reinterpret_cast<const char *>(data), size));
-  checkDecrypt(input);
-  checkRoundTrip(input);
-  return 0;
+FUZZ_TARGET(bytes) {
+  const Text text(bytes);
+  checkDecrypt(text);
+  checkRoundTrip(text);
 }

@@ -20,10 +20,12 @@
 
 #include "ini/state.h"
 #include "ini/storage.h"
+#include "tests/support/ini_walk.h"
 #include "tests/support/test_support.h"
 
 using fskit::test::captureStderr;
 using fskit::test::ChangeDir;
+using fskit::test::iniWalk;
 using fskit::test::fileExists;
 using fskit::test::readFile;
 using fskit::test::readText;
@@ -31,15 +33,6 @@ using fskit::test::TempDir;
 using fskit::test::writeFile;
 
 namespace {
-
-// Every value the walk delivers, as "paragraph|topic|value" lines.
-std::string walk(int32_t handle) {
-  std::string all;
-  char paragraph[1100], topic[1100], value[1100];
-  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
-    all += std::string(paragraph) + "|" + topic + "|" + value + "\n";
-  return all;
-}
 
 std::string valueOf(int32_t handle, const char *paragraph, const char *topic) {
   char value[1100] = "junk", comment[1] = {'x'};
@@ -125,7 +118,7 @@ TEST(IniApi, GetSetAndWriteBack) {
   // A new document replaces an existing file.
   handle = fsIniNewFile(path.c_str());
   ASSERT_EQ(handle, 1000);
-  EXPECT_EQ(walk(handle), "");
+  EXPECT_EQ(iniWalk(handle), "");
   fsIniSetValue(handle, "P", "x", "1", "");
   EXPECT_EQ(fsIniWriteFile(handle), 1);
   EXPECT_EQ(readText(path), "[P]\nx = 1\n");
@@ -140,7 +133,7 @@ TEST(IniApi, WalkQuirks) {
             "[A]\nz = 9\n");
   int32_t handle = fsIniReadFile(path.c_str());
   std::string messages = captureStderr([&] {
-    EXPECT_EQ(walk(handle), "A|a1|1\nB|b|1\nB|b|1\nB|c|3\nA|a1|1\n");
+    EXPECT_EQ(iniWalk(handle), "A|a1|1\nB|b|1\nB|b|1\nB|c|3\nA|a1|1\n");
   });
   EXPECT_EQ(messages, "Cannot find value for paragraph \"B\" topic \"novalue\"\n");
   // After the end, further calls give 0 until a new start.
@@ -271,17 +264,21 @@ TEST(IniApi, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
   enum class First { kKept, kReleased, kReopened };  // the walk's first document
   struct Case {
     First first;
-    const char *expected;  // what the walk delivers on the second handle
+    bool onFirst;          // the walk goes on with the first handle, not the second
+    const char *expected;  // what it delivers
   } cases[] = {
       // Used to take the second document's paragraph at the same position
       // (Z) instead of its paragraph named X, at the line the walk stood on.
-      {First::kKept, "X|b|20;X|c|30;X|a|10;X|b|20;X|c|30;"},
+      {First::kKept, false, "X|b|20;X|c|30;X|a|10;X|b|20;X|c|30;"},
       // Right before, and kept so: with the first document gone its paragraph
       // has no name any more, and the walk goes on with the next paragraph,
       // reading nothing released.
-      {First::kReleased, "X|a|10;X|b|20;X|c|30;"},
+      {First::kReleased, false, "X|a|10;X|b|20;X|c|30;"},
       // The same when a new document has taken the released one's slot.
-      {First::kReopened, "X|a|10;X|b|20;X|c|30;"},
+      {First::kReopened, false, "X|a|10;X|b|20;X|c|30;"},
+      // Read again into the walk's own slot: another document, whose
+      // paragraph is looked up anew (the old one has no name any more).
+      {First::kReopened, true, "Y|q|5;"},
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(c.expected);
@@ -296,36 +293,12 @@ TEST(IniApi, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
     if (c.first == First::kReopened) {
       ASSERT_EQ(fsIniReadFile(dir.file("a.ini").c_str()), a);
     }
-    // Every value the walk delivers from here on, "paragraph|topic|value;".
-    std::string delivered;
-    EXPECT_EQ(captureStderr([&] {
-                while (fsIniNext(0, b, paragraph, topic, value) == 1)
-                  delivered += std::string(paragraph) + "|" + topic + "|" + value + ";";
-              }),
-              "");
+    std::string delivered;  // from here on
+    EXPECT_EQ(captureStderr([&] { delivered = iniWalk(c.onFirst ? a : b, ";", false); }), "");
     EXPECT_EQ(delivered, c.expected);
     fsIniReleaseFile(a);
     fsIniReleaseFile(b);
   }
-}
-
-TEST(IniApi, WalkOnAHandleOpenedAgainGoesOnWithTheNextParagraph) {
-  // The walk keeps the paragraph it found for its current name; a document
-  // read again into the same slot is another document, whose paragraph must
-  // be looked up anew (here: the old one has no name any more).
-  TempDir dir;
-  writeFile(dir.file("a.ini"), "[X]\na=1\nb=2\n[Y]\nq=5\n");
-  int32_t a = fsIniReadFile(dir.file("a.ini").c_str());
-  ASSERT_NE(a, 0);
-  char paragraph[64], topic[64], value[64];
-  ASSERT_EQ(fsIniNext(1, a, paragraph, topic, value), 1);
-  fsIniReleaseFile(a);
-  ASSERT_EQ(fsIniReadFile(dir.file("a.ini").c_str()), a);
-  std::string delivered;
-  while (fsIniNext(0, a, paragraph, topic, value) == 1)
-    delivered += std::string(paragraph) + "|" + topic + "|" + value + ";";
-  EXPECT_EQ(delivered, "Y|q|5;");
-  fsIniReleaseFile(a);
 }
 
 TEST(IniApi, ADirectoryIsAFileThatCannotBeOpened) {

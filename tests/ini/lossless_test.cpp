@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "ini/document.h"
+#include "tests/support/ini_walk.h"
 #include "tests/support/test_support.h"
 
 using fskit::ini::FsIniFile;
@@ -43,28 +44,18 @@ std::string set(const std::string &text, const std::string &paragraph, const std
   return document.text();
 }
 
-// The value the C functions find in `text`, or "<none>".
-std::string classicValue(const TempDir &dir, const std::string &text, const std::string &paragraph,
-                         const std::string &topic) {
+// What the C functions find in `text`: with a topic its value ("<none>"
+// without one), else every value their walk delivers, as iniWalk gives them.
+std::string classic(const TempDir &dir, const std::string &text, const std::string &paragraph = "",
+                    const std::string &topic = "") {
   writeFile(dir.file("classic.ini"), text);
   int32_t handle = fsIniReadFile(dir.file("classic.ini").c_str());
   char value[1100], comment[1];
-  std::string found = "<none>";
-  if (fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, comment) == 1) found = value;
+  std::string found = topic.empty() ? fskit::test::iniWalk(handle) : "<none>";
+  if (!topic.empty() && fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, comment) == 1)
+    found = value;
   fsIniReleaseFile(handle);
   return found;
-}
-
-// Every value the C functions' walk delivers, as "paragraph|topic|value" lines.
-std::string classicWalk(const TempDir &dir, const std::string &text) {
-  writeFile(dir.file("classic.ini"), text);
-  int32_t handle = fsIniReadFile(dir.file("classic.ini").c_str());
-  std::string all;
-  char paragraph[1100], topic[1100], value[1100];
-  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
-    all += std::string(paragraph) + "|" + topic + "|" + value + "\n";
-  fsIniReleaseFile(handle);
-  return all;
 }
 
 std::string losslessWalk(const Document &document) {
@@ -160,7 +151,7 @@ void checkFile(const std::string &name, const std::string &text, const TempDir &
                              return line.size() < size_t(fskit::ini::kLineBuffer);
                            });
   if (classicReadsWhole) {
-    EXPECT_EQ(losslessWalk(document), classicWalk(dir, text));
+    EXPECT_EQ(losslessWalk(document), classic(dir, text));
   }
 
   struct Target {
@@ -194,7 +185,7 @@ void checkFile(const std::string &name, const std::string &text, const TempDir &
       return line.size() >= size_t(fskit::ini::kLineBuffer);
     });
     if (!longLines && classicReach(after) >= long(lineEnd)) {
-      EXPECT_EQ(classicValue(dir, after, target.paragraph, target.topic), value);
+      EXPECT_EQ(classic(dir, after, target.paragraph, target.topic), value);
     }
 
     std::string copy = dir.file("tool.ini");

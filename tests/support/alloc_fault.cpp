@@ -84,15 +84,11 @@ void operator delete[](void *block, const std::nothrow_t &) noexcept { std::free
 namespace fskit::test {
 
 void failAllocationFrom(long k) { injector = Injector{k, LONG_MAX, 0, false}; }
-
 void failOnlyAllocation(long k) { injector = Injector{k, k, 0, false}; }
-
 void refuseAllocationsAbove(size_t bytes) { largestAllowed = bytes; }
 
-namespace {
-
-long forEachFailure(void (*arm)(long), const std::function<void()> &call,
-                    const std::function<void(long k, bool refused)> &check) {
+static long forEachFailure(void (*arm)(long), const std::function<void()> &call,
+                           const std::function<void(long k, bool refused)> &check) {
   for (long k = 1;; ++k) {
     arm(k);
     call();
@@ -103,13 +99,10 @@ long forEachFailure(void (*arm)(long), const std::function<void()> &call,
   }
 }
 
-}  // namespace
-
 long forEachAllocationFailure(const std::function<void()> &call,
                               const std::function<void(long k, bool refused)> &check) {
   return forEachFailure(failAllocationFrom, call, check);
 }
-
 long forEachSingleAllocationFailure(const std::function<void()> &call,
                                     const std::function<void(long k, bool refused)> &check) {
   return forEachFailure(failOnlyAllocation, call, check);

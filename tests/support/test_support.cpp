@@ -35,6 +35,36 @@ std::string capture(std::FILE *stream, int fd, const std::function<void()> &body
   return readText(path);
 }
 
+std::string readWhole(const std::string &path, std::ios::openmode mode) {
+  std::ifstream in(path, mode);
+  std::ostringstream content;
+  content << in.rdbuf();
+  return content.str();
+}
+
+void writeWhole(const std::string &path, const std::string &content, std::ios::openmode mode) {
+  std::ofstream out(path, mode | std::ios::trunc);
+  out << content;
+  if (!out) throw std::runtime_error("cannot write " + path);
+}
+
+// An empty read-write binary stream whose file is removed when it is closed.
+std::FILE *scratchStream() {
+#if defined(_WIN32)
+  // The C runtime's tmpfile() writes to the drive's root; this goes to
+  // %TEMP%, and "D" deletes it at its close.
+  static std::atomic<unsigned> counter{0};
+  auto name = "fskit-scratch-" + std::to_string(std::random_device{}()) + "-" +
+              std::to_string(counter++);
+  std::string path = (std::filesystem::temp_directory_path() / name).string();
+  std::FILE *stream = std::fopen(path.c_str(), "w+bD");
+#else
+  std::FILE *stream = std::tmpfile();
+#endif
+  if (stream == nullptr) throw std::runtime_error("no scratch stream");
+  return stream;
+}
+
 }  // namespace
 
 std::string captureStdout(const std::function<void()> &body) {
@@ -92,27 +122,10 @@ StdinFrom::~StdinFrom() {
   close(saved_);
 }
 
-namespace {
-std::string readWhole(const std::string &path, std::ios::openmode mode) {
-  std::ifstream in(path, mode);
-  std::ostringstream content;
-  content << in.rdbuf();
-  return content.str();
-}
-}  // namespace
-
 std::string readFile(const std::string &path) { return readWhole(path, std::ios::binary); }
 
 // Text mode differs from binary on Windows only, where it reads CR LF as LF.
 std::string readText(const std::string &path) { return readWhole(path, std::ios::in); }
-
-namespace {
-void writeWhole(const std::string &path, const std::string &content, std::ios::openmode mode) {
-  std::ofstream out(path, mode | std::ios::trunc);
-  out << content;
-  if (!out) throw std::runtime_error("cannot write " + path);
-}
-}  // namespace
 
 void writeFile(const std::string &path, const std::string &content) {
   writeWhole(path, content, std::ios::out | std::ios::binary);
@@ -126,25 +139,6 @@ bool fileExists(const std::string &path) {
   std::error_code ignored;
   return std::filesystem::exists(path, ignored);
 }
-
-namespace {
-// An empty read-write binary stream whose file is removed when it is closed.
-std::FILE *scratchStream() {
-#if defined(_WIN32)
-  // The C runtime's tmpfile() writes to the drive's root; this goes to
-  // %TEMP%, and "D" deletes it at its close.
-  static std::atomic<unsigned> counter{0};
-  auto name = "fskit-scratch-" + std::to_string(std::random_device{}()) + "-" +
-              std::to_string(counter++);
-  std::string path = (std::filesystem::temp_directory_path() / name).string();
-  std::FILE *stream = std::fopen(path.c_str(), "w+bD");
-#else
-  std::FILE *stream = std::tmpfile();
-#endif
-  if (stream == nullptr) throw std::runtime_error("no scratch stream");
-  return stream;
-}
-}  // namespace
 
 std::FILE *streamOf(const std::string &text) {
   std::FILE *stream = scratchStream();

@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <fskit/chemistry.h>
@@ -87,10 +86,7 @@ TEST(ElementThreads, TheFirstLoadServesEveryThread) {
   ASSERT_EQ(fsInitElemTable(0, 0), 1);  // no table present
   ASSERT_EQ(fsElementTableCount(), 0);
   std::vector<int32_t> found(fskit::stress::kThreads, -2);
-  std::vector<std::thread> threads;
-  for (int i = 0; i < fskit::stress::kThreads; ++i)
-    threads.emplace_back([&found, i] { found[size_t(i)] = fsFindElemInTbl("N"); });
-  for (std::thread &t : threads) t.join();
+  fskit::stress::onThreads(fskit::stress::kThreads, [&found](int i) { found[size_t(i)] = fsFindElemInTbl("N"); });
   EXPECT_GT(fsElementTableCount(), 0);
   for (int32_t index : found) EXPECT_EQ(index, fsFindElement("N", nullptr));
 }

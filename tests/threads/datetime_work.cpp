@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <fskit/datetime.h>
@@ -68,11 +67,8 @@ TEST(DateThreads, EachThreadKeepsItsOwnCurrentTimeText) {
   // The text of one thread stays put while others ask for theirs.
   const char *mine = fsNowAscTime();
   std::string before = mine;
-  std::vector<std::thread> threads;
   std::vector<const char *> theirs(fskit::stress::kThreads);
-  for (int i = 0; i < fskit::stress::kThreads; ++i)
-    threads.emplace_back([&theirs, i] { theirs[size_t(i)] = fsNowAscTime(); });
-  for (std::thread &t : threads) t.join();
+  fskit::stress::onThreads(fskit::stress::kThreads, [&theirs](int i) { theirs[size_t(i)] = fsNowAscTime(); });
   for (const char *text : theirs) EXPECT_NE(text, mine);
   EXPECT_EQ(fsNowAscTime(), mine);
   EXPECT_EQ(std::strlen(mine), 24u);

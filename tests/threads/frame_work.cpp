@@ -7,7 +7,6 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <fskit/frame.h>
@@ -72,12 +71,9 @@ TEST(MessageThreads, MessagesArriveWholeOnTheScreenAndInTheLog) {
   constexpr int kPerThread = 1000;
   fsRegisterMsgLog(fsDefaultMsgLogFunction);
   std::string screen = fskit::test::captureStdout([] {
-    std::vector<std::thread> threads;
-    for (int worker = 0; worker < fskit::stress::kThreads; ++worker)
-      threads.emplace_back([worker] {
-        for (int round = 0; round < kPerThread; ++round) sendThreeParts(worker, round);
-      });
-    for (std::thread &t : threads) t.join();
+    fskit::stress::onThreads(fskit::stress::kThreads, [](int worker) {
+      for (int round = 0; round < kPerThread; ++round) sendThreeParts(worker, round);
+    });
   });
   fsRegisterMsgLog(nullptr);  // closes the log file
   expectWholeMessages(screen, fskit::stress::kThreads, kPerThread);

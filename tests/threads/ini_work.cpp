@@ -7,9 +7,11 @@
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <latch>
 #include <mutex>
 #include <semaphore>
 #include <string>
@@ -17,6 +19,7 @@
 #include <vector>
 
 #include "ini/state.h"
+#include "tests/support/ini_walk.h"
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
 
@@ -105,12 +108,7 @@ std::string sharedReads(int worker, int round) {
 // while the others look values up.
 std::string walkBesideReaders(int worker, int round) {
   if (worker != 0) return sharedReads(worker, round);
-  int32_t handle = sharedHandle();
-  std::string out;
-  char paragraph[64], topic[64], value[64];
-  for (int32_t first = 1; fsIniNext(first, handle, paragraph, topic, value) == 1; first = 0)
-    out += std::string(paragraph) + "|" + topic + "|" + value + ";";
-  return out;
+  return fskit::test::iniWalk(sharedHandle(), ";");
 }
 
 // Each worker sets a document of its own, writes it, reads it back and
@@ -163,10 +161,10 @@ TEST(IniThreads, ReadersAtOnceOnIndexesBehind) {
   fskit::test::writeFile(path, text);
   int32_t handle = openRetrying(path, true);
 
-  std::atomic<bool> go{false};
+  std::latch together(4);
   std::atomic<long> bad{0};
   auto reader = [&](int seed) {
-    while (!go) std::this_thread::yield();
+    together.arrive_and_wait();
     char value[64];
     for (int i = 0; i < 200; ++i) {
       int n = (seed * 13 + i * 101) % kLong;
@@ -179,10 +177,7 @@ TEST(IniThreads, ReadersAtOnceOnIndexesBehind) {
         ++bad;
     }
   };
-  std::vector<std::thread> readers;
-  for (int seed = 0; seed < 4; ++seed) readers.emplace_back(reader, seed);
-  go = true;
-  for (std::thread &t : readers) t.join();
+  fskit::stress::onThreads(4, reader);
   fsIniReleaseFile(handle);
   EXPECT_EQ(bad.load(), 0);
 }
@@ -194,11 +189,7 @@ TEST(IniThreads, ReadersAtOnceOnIndexesBehind) {
 TEST(IniThreads, ReadersNeverSeeATornValue) {
   const std::vector<std::string> written = {std::string(1000, 'a'), "b", std::string(300, 'c'),
                                             std::string(17, 'd'), std::string(700, 'e')};
-  auto isWritten = [&](const std::string &value) {
-    for (const std::string &one : written)
-      if (value == one) return true;
-    return false;
-  };
+  auto isWritten = [&](const std::string &value) { return std::ranges::count(written, value) > 0; };
   int32_t handle = openRetrying(fskit::stress::scratchDir() + "/torn.ini", false);
   for (int p = 0; p < 20; ++p)
     for (int t = 0; t < 20; ++t) {
@@ -211,7 +202,7 @@ TEST(IniThreads, ReadersNeverSeeATornValue) {
   std::atomic<bool> writing{true};
   std::atomic<int> started{0};
   std::atomic<long> bad{0}, reads{0}, walked{0};
-  std::thread writer([&] {
+  auto writer = [&] {
     while (started < 5) std::this_thread::yield();  // the three readers and the walkers
     for (int i = 0; i < 3000 || reads < 20000; ++i) {
       fsIniSetValue(handle, "Q0", "v", written[size_t(i) % written.size()].c_str(), "");
@@ -223,7 +214,7 @@ TEST(IniThreads, ReadersNeverSeeATornValue) {
       }
     }
     writing = false;
-  });
+  };
   auto reader = [&](int seed) {
     char value[1100];
     ++started;
@@ -252,12 +243,7 @@ TEST(IniThreads, ReadersNeverSeeATornValue) {
           ++bad;
       }
   };
-  std::vector<std::thread> readers;
-  for (int seed = 0; seed < 3; ++seed) readers.emplace_back(reader, seed * 7);
-  readers.emplace_back(walker);
-  readers.emplace_back(walker);
-  writer.join();
-  for (std::thread &t : readers) t.join();
+  fskit::stress::onThreads(6, [&](int i) { i == 0 ? writer() : i < 4 ? reader(i * 7) : walker(); });
   fsIniReleaseFile(handle);
   EXPECT_EQ(bad.load(), 0);
   EXPECT_GT(reads.load(), 0);

@@ -31,20 +31,12 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
+// A short text for the bytes of the sorted results.
 struct Hash {
-  uint64_t value = 14695981039346656037ull;
-  void add(const void *data, size_t size) {
-    for (size_t i = 0; i < size; ++i) {
-      value ^= static_cast<const unsigned char *>(data)[i];
-      value *= 1099511628211ull;
-    }
-  }
+  std::string bytes;
+  void add(const void *data, size_t size) { bytes.append(static_cast<const char *>(data), size); }
   template <class T> void add(const std::vector<T> &items) { add(items.data(), items.size() * sizeof(T)); }
-  std::string text() const {
-    char hex[17];
-    std::snprintf(hex, sizeof hex, "%016llx", static_cast<unsigned long long>(value));
-    return hex;
-  }
+  std::string text() const { return std::to_string(std::hash<std::string>{}(bytes)); }
 };
 
 std::mt19937 randomFor(int worker, int round) { return std::mt19937(unsigned(worker * 7919 + round)); }

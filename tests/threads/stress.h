@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace fskit::stress {
@@ -28,14 +29,21 @@ struct Workload {
 
 std::vector<Workload> &workloads();
 
-// Adds a workload at static initialisation:
-//   const fskit::stress::Registration r{{"name", rounds, run}};
+// Adds a workload at static initialisation.
 struct Registration {
   explicit Registration(Workload workload) { workloads().push_back(std::move(workload)); }
 };
 
-// A directory private to this test process, under the system's temporary
-// directory, made on first use and removed at exit.
+// A directory private to this test process, removed at exit.
 const std::string &scratchDir();
+
+// Runs `body(i)` for i = 0 .. threads-1, each on a thread of its own, and
+// waits for all of them.
+template <typename Body>
+void onThreads(int threads, Body body) {
+  std::vector<std::thread> all;
+  for (int i = 0; i < threads; ++i) all.emplace_back(body, i);
+  for (std::thread &t : all) t.join();
+}
 
 }  // namespace fskit::stress

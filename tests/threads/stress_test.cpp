@@ -7,8 +7,8 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <latch>
 #include <mutex>
-#include <thread>
 
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
@@ -56,11 +56,11 @@ TEST(Stress, EveryFamilyFromEightThreadsMatchesOneThread) {
   std::mutex mismatchLock;
   std::vector<Mismatch> mismatches;
   std::atomic<long> calls{0};
-  std::atomic<bool> go{false};
+  std::latch together(kThreads);
+  int maxRounds = 0;
+  for (const Workload &w : all) maxRounds = std::max(maxRounds, w.rounds);
   auto work = [&](int worker) {
-    while (!go.load()) std::this_thread::yield();
-    int maxRounds = 0;
-    for (const Workload &w : all) maxRounds = std::max(maxRounds, w.rounds);
+    together.arrive_and_wait();
     // Each worker starts at another workload, so that every family runs
     // alongside every other one.
     for (int round = 0; round < maxRounds; ++round)
@@ -75,19 +75,10 @@ TEST(Stress, EveryFamilyFromEightThreadsMatchesOneThread) {
         }
       }
   };
-  double seconds = 0;
-  fskit::test::captureStdout([&] {
-    std::vector<std::thread> threads;
-    for (int worker = 0; worker < kThreads; ++worker) threads.emplace_back(work, worker);
-    auto start = std::chrono::steady_clock::now();
-    go.store(true);
-    for (std::thread &t : threads) t.join();
-    seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  });
-
+  const auto start = std::chrono::steady_clock::now();
+  fskit::test::captureStdout([&] { onThreads(kThreads, work); });
   std::printf("stress: %d threads, %zu workloads, %ld rounds in %.2f s\n", kThreads, all.size(),
-              calls.load(), seconds);
-  for (const Workload &w : all) std::printf("  %s: %d rounds per thread\n", w.name.c_str(), w.rounds);
+              calls.load(), std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
   for (size_t i = 0; i < mismatches.size() && i < 20; ++i) {
     const Mismatch &m = mismatches[i];
     ADD_FAILURE() << m.workload << " worker " << m.worker << " round " << m.round

@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <fskit/cmdline.h>
@@ -64,13 +63,10 @@ TEST(KeyCodeThreads, EveryCallReadsOneWholeKey) {
   for (int i = 0; i < fskit::stress::kThreads * kPerThread; ++i) input += "\x1b[A";
   fskit::test::StdinFrom keys(input);
   std::vector<int> wrong(fskit::stress::kThreads, 0);
-  std::vector<std::thread> threads;
-  for (int i = 0; i < fskit::stress::kThreads; ++i)
-    threads.emplace_back([&wrong, i] {
-      for (int k = 0; k < kPerThread; ++k)
-        if (getKeyCode() != FS_KEY_UP) ++wrong[size_t(i)];
-    });
-  for (std::thread &t : threads) t.join();
+  fskit::stress::onThreads(fskit::stress::kThreads, [&wrong](int i) {
+    for (int k = 0; k < kPerThread; ++k)
+      if (getKeyCode() != FS_KEY_UP) ++wrong[size_t(i)];
+  });
   for (int count : wrong) EXPECT_EQ(count, 0);
   EXPECT_EQ(getKeyCode(), 4);  // all read: end of input
 }
