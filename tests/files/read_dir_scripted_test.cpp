@@ -21,12 +21,20 @@ namespace {
 // The names every directory opened delivers, in this order.
 std::vector<std::string> scriptedNames;
 size_t nextName = 0;
-dirent scriptedEntry;
 char scriptedDirectory;  // its address stands for the open directory
 
 // Before the records, a listing allocates its block, then the platform's
 // search its own record and its copy of the pattern.
 constexpr long kBlockAndSearch = 3;
+
+// The next scripted name in `entry`, or null after the last.
+template <typename Entry>
+Entry *deliver() {
+  static thread_local Entry entry;
+  if (nextName >= scriptedNames.size()) return nullptr;
+  std::snprintf(entry.d_name, sizeof entry.d_name, "%s", scriptedNames[nextName++].c_str());
+  return &entry;
+}
 
 int nullTexts(const FsFileSpec &record) {
   int missing = 0;
@@ -44,12 +52,10 @@ DIR *__wrap_opendir(const char *) {
   return reinterpret_cast<DIR *>(&scriptedDirectory);
 }
 
-dirent *__wrap_readdir(DIR *) {
-  if (nextName >= scriptedNames.size()) return nullptr;
-  std::snprintf(scriptedEntry.d_name, sizeof scriptedEntry.d_name, "%s",
-                scriptedNames[nextName++].c_str());
-  return &scriptedEntry;
-}
+dirent *__wrap_readdir(DIR *) { return deliver<dirent>(); }
+// With 64-bit file offsets on a 32-bit system, the library's readdir is
+// readdir64.
+dirent64 *__wrap_readdir64(DIR *) { return deliver<dirent64>(); }
 
 int __wrap_closedir(DIR *) { return 0; }
 
