@@ -236,6 +236,25 @@ std::vector<Document::Entry> Document::values() const {
   return entries;
 }
 
+std::optional<std::string> refusal(const std::string &paragraph, const std::string &topic,
+                                   const std::string &value, const std::string &comment) {
+  for (const auto &[what, text] : {std::pair{"paragraph name", &paragraph},
+                                   {"topic", &topic},
+                                   {"value", &value},
+                                   {"comment", &comment}})
+    if (text->find_first_of("\r\n") != std::string::npos)
+      return std::string("a line feed or carriage return in the ") + what + " would break the line";
+  if (paragraph.empty()) return "the paragraph name is empty";
+  if (paragraph.find(']') != std::string::npos) return "a paragraph name cannot contain ']'";
+  if (topic.empty() || ascii::isSpace(topic.front()) || ascii::isSpace(topic.back()) ||
+      ascii::isCntrl(topic.back()))
+    return "a topic cannot be empty nor begin or end with a blank";
+  if (topic.find('=') != std::string::npos) return "a topic cannot contain '='";
+  if (topic.front() == '[' || topic.front() == ';' || topic.front() == '#')
+    return "a topic cannot begin with '[', ';' or '#'";
+  return std::nullopt;
+}
+
 std::string readBack(const std::string &topic, const std::string &value) {
   FsIniLine line(topic.c_str(), value.c_str());
   if (line.topic() == nullptr) return "";

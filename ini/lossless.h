@@ -104,6 +104,14 @@ class Document {
   std::vector<Line> lines_;
 };
 
+// Why setValue() cannot write these texts without changing how the file
+// reads (other lines, or the name the line is found by), or nullopt when it
+// can: line ends anywhere, an empty paragraph name or one with ']', a topic
+// that is empty, has blanks at its ends, holds '=' or begins like a header
+// or a comment.
+std::optional<std::string> refusal(const std::string &paragraph, const std::string &topic,
+                                   const std::string &value, const std::string &comment);
+
 // The value that the C functions read back from the line that fsIniSetValue
 // and fsIniWriteFile make of `topic` and `value` ("" for none): `value`
 // itself only when it can be read back whole.
