@@ -8,7 +8,7 @@
 
 #include <fskit/datetime.h>
 
-#include "datetime/conversion.h"
+#include "datetime/conversion_internal.h"
 #include "datetime/date_record.h"
 
 using namespace fskit::datetime;

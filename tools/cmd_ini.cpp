@@ -9,7 +9,6 @@
 #include <string>
 
 #include "ini/lossless.h"
-#include "platform/ascii.h"
 #include "tools/command.h"
 
 namespace fskit::tool {

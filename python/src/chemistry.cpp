@@ -14,7 +14,7 @@
 
 #include <fskit/chemistry.h>
 
-#include "chemistry/chemistry.h"
+#include "chemistry/formula_internal.h"
 #include "python/src/bindings.h"
 #include "python/src/errors.h"
 #include "python/src/messages.h"
@@ -25,7 +25,7 @@ namespace fskit::python {
 namespace {
 
 // Room for the canonical text of the parser's 100 distinct symbols.
-constexpr size_t kTextSize = 20 * chemistry::kDefaultTokens + 1;
+constexpr size_t kTextSize = 20 * chemistry::kFormulaEntries + 1;
 
 struct Formula {
   std::string formula, text;
@@ -34,25 +34,11 @@ struct Formula {
   std::vector<std::pair<std::string, int32_t>> counts;
 };
 
-// The token that made the parser stop `consumed` characters in: its symbol
-// and where it begins.
-std::pair<std::string, size_t> refusedSymbol(const std::string &formula, size_t consumed) {
-  bool separated = formula.find_first_of(". ") != std::string::npos;
-  size_t position = 0, start = 0;
-  chemistry::FormulaToken token{};
-  while (position < consumed && position < formula.size()) {
-    start = position;
-    position = chemistry::scanFormulaToken(formula.c_str(), position, separated, true, token);
-  }
-  while (start < formula.size() && (formula[start] == ' ' || formula[start] == '.')) ++start;
-  return {token.symbol, start};
-}
-
 [[noreturn]] void refuse(const std::string &formula, int32_t result) {
   std::string messages = forwardLibraryMessages();
   if (result == 0)
     raise("FormulaError", py::make_tuple("empty formula", formula, "", -1));
-  auto [symbol, position] = refusedSymbol(formula, size_t(-int64_t(result)));
+  auto [symbol, position] = chemistry::refusedSymbol(formula.c_str(), result);
   std::string text = "unknown element symbol '" + symbol + "' at position " +
                      std::to_string(position) + " of '" + formula + "'";
   if (!messages.empty()) text += " (" + messages + ")";
@@ -66,8 +52,8 @@ Formula parseFormula(const std::string &formula) {
     raise("FormulaError", py::make_tuple("a formula cannot hold a NUL character", formula, "",
                                          int(formula.find('\0'))));
   char text[kTextSize] = "";
-  char symbols[chemistry::kDefaultTokens][10];
-  int32_t counts[chemistry::kDefaultTokens];
+  char symbols[chemistry::kFormulaEntries][10];
+  int32_t counts[chemistry::kFormulaEntries];
   int32_t result;
   {
     py::gil_scoped_release unlocked;
@@ -219,12 +205,12 @@ py::tuple masses(const py::handle &formulas, const std::string &errors) {
 }
 
 // The C loop that masses() wraps, over the same block, for the benchmark.
-double parseLoopSeconds(const py::handle &formulas, int repeats) {
+double parseLoopSeconds(const py::handle &formulas, int repeats, bool threadTime) {
   FormulaBlock block = collectFormulas(formulas);
   size_t n = block.starts.size();
   std::vector<int32_t> nominal(n);
   std::vector<double> mono(n), average(n), rdb(n);
-  py::object clock = py::module_::import("time").attr("perf_counter");
+  py::object clock = py::module_::import("time").attr(threadTime ? "thread_time" : "perf_counter");
   double best = std::numeric_limits<double>::infinity();
   for (int r = 0; r < repeats; ++r) {
     double start = clock().cast<double>();
@@ -306,8 +292,9 @@ naming the symbol and its position; so does an empty formula.)")
              "Masses of many formulas: (nominal, monoisotopic, average, rdb) arrays. "
              "Use fskit.masses().");
   module.def("_parse_loop_seconds", &parseLoopSeconds, py::arg("formulas"), py::arg("repeats") = 3,
-             "Seconds the library's own loop over the formulas takes (best of `repeats`); "
-             "for the benchmark.");
+             py::arg("thread_time") = false,
+             "Seconds the library's own loop over the formulas takes (best of `repeats`, by "
+             "time.perf_counter or time.thread_time); for the benchmark.");
   module.def("_load_elements", &loadElements, py::arg("path"),
              "Loads the element file `path`. Use fskit.load_elements().");
   module.def("_element_records", &elementRecords,

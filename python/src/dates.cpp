@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "datetime/conversion.h"
+#include "datetime/conversion_internal.h"
 #include "python/src/bindings.h"
 #include "python/src/errors.h"
 #include "python/src/messages.h"

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "datetime/conversion.h"
+#include "datetime/conversion_internal.h"
 #include "tests/support/test_support.h"
 
 using fskit::datetime::convertDateTime;
