@@ -8,6 +8,7 @@ namespace fskit::python {
 
 void addNumbers(pybind11::module_ &module);
 void addChemistry(pybind11::module_ &module);
+void addMasses(pybind11::module_ &module);
 void addIniFile(pybind11::module_ &module);
 void addDates(pybind11::module_ &module);
 void addSortFile(pybind11::module_ &module);

@@ -14,6 +14,7 @@ PYBIND11_MODULE(_fskit, module) {
   fskit::python::captureLibraryMessages();
   // numbers: added with the array converters
   fskit::python::addChemistry(module);
+  fskit::python::addMasses(module);
   fskit::python::addIniFile(module);
   fskit::python::addDates(module);
   fskit::python::addSortFile(module);
