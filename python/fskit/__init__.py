@@ -22,14 +22,14 @@ from . import _fskit
 from ._dates import from_datetime, to_datetime
 from ._errors import DateError, ElementTableError, Error, FormulaError, SortError
 from ._fskit import (
-
+    FORMATS,
     Formula,
     IniFile,
     IniParagraph,
     convert_date,
-
-
-
+    decode,
+    encode,
+    format_info,
     sort_file,
 )
 

@@ -12,7 +12,7 @@ PYBIND11_MODULE(_fskit, module) {
       "arrays, molecular formulas, lossless INI files, date layouts and the file sort. "
       "Use it through the package fskit.";
   fskit::python::captureLibraryMessages();
-  // numbers: added with the array converters
+  fskit::python::addNumbers(module);
   fskit::python::addChemistry(module);
   fskit::python::addMasses(module);
   fskit::python::addIniFile(module);
