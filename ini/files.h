@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 namespace fskit::ini {
 
@@ -19,6 +20,8 @@ using TextWriter = bool (*)(const void *source, std::FILE *stream);
 // are written in place; "Error opening ini file NAME" when a file cannot be
 // opened. `binary`: the bytes go out as they are, on Windows too (otherwise
 // a line feed becomes CR LF there). False when the text was not written.
-bool replaceFile(const char *fileName, TextWriter write, const void *source, bool binary);
+// With `problem` the message goes there instead of standard error.
+bool replaceFile(const char *fileName, TextWriter write, const void *source, bool binary,
+                 std::string *problem = nullptr);
 
 }  // namespace fskit::ini

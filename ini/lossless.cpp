@@ -86,7 +86,7 @@ Document::Line Document::lineOf(std::string bytes, bool first) {
   return line;
 }
 
-std::optional<Document> Document::readFile(const char *fileName) {
+std::optional<Document> Document::readFile(const char *fileName, std::string *problem) {
   std::FILE *stream = openForReading(fileName);
   std::string text;
   if (stream != nullptr) {
@@ -97,12 +97,15 @@ std::optional<Document> Document::readFile(const char *fileName) {
     std::fclose(stream);
     if (!failed) return Document(text);
   }
-  std::fprintf(stderr, "Error opening ini file %s\n", fileName);
+  if (problem != nullptr)
+    *problem = std::string("Error opening ini file ") + fileName;
+  else
+    std::fprintf(stderr, "Error opening ini file %s\n", fileName);
   return std::nullopt;
 }
 
-bool Document::writeFile(const char *fileName) const {
-  return replaceFile(fileName, writeBytes, this, true);
+bool Document::writeFile(const char *fileName, std::string *problem) const {
+  return replaceFile(fileName, writeBytes, this, true, problem);
 }
 
 std::string Document::text() const {
@@ -128,6 +131,43 @@ std::optional<std::string> Document::value(const std::string &paragraph,
   size_t header = findParagraph(paragraph);
   size_t line = header == npos ? npos : findTopic(header, topic);
   return line == npos ? std::nullopt : lines_[line].value;
+}
+
+std::vector<std::string> Document::paragraphs() const {
+  std::vector<std::string> names;
+  for (const Line &line : lines_)
+    if (line.kind == Kind::kHeader && line.named &&
+        std::find(names.begin(), names.end(), line.name) == names.end())
+      names.push_back(line.name);
+  return names;
+}
+
+std::vector<std::string> Document::topics(const std::string &paragraph) const {
+  std::vector<std::string> names;
+  size_t header = findParagraph(paragraph);
+  if (header == npos) return names;
+  for (size_t i = header + 1; i < lines_.size() && lines_[i].kind != Kind::kHeader; ++i)
+    if (lines_[i].kind == Kind::kTopic && lines_[i].named &&
+        std::find(names.begin(), names.end(), lines_[i].name) == names.end())
+      names.push_back(lines_[i].name);
+  return names;
+}
+
+bool Document::removeTopic(const std::string &paragraph, const std::string &topic) {
+  size_t header = findParagraph(paragraph);
+  size_t line = header == npos ? npos : findTopic(header, topic);
+  if (line == npos) return false;
+  lines_.erase(lines_.begin() + std::ptrdiff_t(line));
+  return true;
+}
+
+bool Document::removeParagraph(const std::string &paragraph) {
+  size_t header = findParagraph(paragraph);
+  if (header == npos) return false;
+  size_t end = header + 1;
+  while (end < lines_.size() && lines_[end].kind != Kind::kHeader) ++end;
+  lines_.erase(lines_.begin() + std::ptrdiff_t(header), lines_.begin() + std::ptrdiff_t(end));
+  return true;
 }
 
 std::string Document::lineEnd(size_t after) const {
@@ -194,6 +234,25 @@ std::vector<Document::Entry> Document::values() const {
     }
   }
   return entries;
+}
+
+std::optional<std::string> refusal(const std::string &paragraph, const std::string &topic,
+                                   const std::string &value, const std::string &comment) {
+  for (const auto &[what, text] : {std::pair{"paragraph name", &paragraph},
+                                   {"topic", &topic},
+                                   {"value", &value},
+                                   {"comment", &comment}})
+    if (text->find_first_of("\r\n") != std::string::npos)
+      return std::string("a line feed or carriage return in the ") + what + " would break the line";
+  if (paragraph.empty()) return "the paragraph name is empty";
+  if (paragraph.find(']') != std::string::npos) return "a paragraph name cannot contain ']'";
+  if (topic.empty() || ascii::isSpace(topic.front()) || ascii::isSpace(topic.back()) ||
+      ascii::isCntrl(topic.back()))
+    return "a topic cannot be empty nor begin or end with a blank";
+  if (topic.find('=') != std::string::npos) return "a topic cannot contain '='";
+  if (topic.front() == '[' || topic.front() == ';' || topic.front() == '#')
+    return "a topic cannot begin with '[', ';' or '#'";
+  return std::nullopt;
 }
 
 std::string readBack(const std::string &topic, const std::string &value) {

@@ -33,13 +33,15 @@ class Document {
   explicit Document(const std::string &text);
 
   // The document of a file, or nullopt with "Error opening ini file NAME"
-  // on standard error when it cannot be read (a directory included).
-  static std::optional<Document> readFile(const char *fileName);
+  // on standard error when it cannot be read (a directory included). With
+  // `problem` the message goes there instead (the Python package hands it to
+  // its caller).
+  static std::optional<Document> readFile(const char *fileName, std::string *problem = nullptr);
   // Writes the bytes to `fileName` as fsIniWriteFile writes a document (a
   // regular file is replaced only by the complete text), byte for byte on
   // every platform; false, with the message of fsIniWriteFile when a file
-  // cannot be opened, when it was not written.
-  bool writeFile(const char *fileName) const;
+  // cannot be opened (into `problem` when given), when it was not written.
+  bool writeFile(const char *fileName, std::string *problem = nullptr) const;
   std::string text() const;
 
   // The value of `topic` in the first paragraph named `paragraph`; nullopt
@@ -56,6 +58,19 @@ class Document {
   // named "" is not set, as the C functions never write one.
   void setValue(const std::string &paragraph, const std::string &topic, const std::string &value,
                 const std::string &comment);
+
+  // The names of the paragraphs, each once, in file order ("" left out).
+  std::vector<std::string> paragraphs() const;
+  // The topics of the first paragraph named `paragraph`, each once, in file
+  // order: those whose first line value() reads.
+  std::vector<std::string> topics(const std::string &paragraph) const;
+
+  // Removes the first line of `topic` in the first paragraph named
+  // `paragraph`, the line whose value value() reads; false when there is none.
+  bool removeTopic(const std::string &paragraph, const std::string &topic);
+  // Removes the first paragraph named `paragraph`: its header and every line
+  // up to the next header. False when there is none.
+  bool removeParagraph(const std::string &paragraph);
 
   // What fsIniNext delivers when it walks the document: for each paragraph
   // in order, the topics of the first paragraph of its name up to its first
@@ -88,6 +103,14 @@ class Document {
 
   std::vector<Line> lines_;
 };
+
+// Why setValue() cannot write these texts without changing how the file
+// reads (other lines, or the name the line is found by), or nullopt when it
+// can: line ends anywhere, an empty paragraph name or one with ']', a topic
+// that is empty, has blanks at its ends, holds '=' or begins like a header
+// or a comment.
+std::optional<std::string> refusal(const std::string &paragraph, const std::string &topic,
+                                   const std::string &value, const std::string &comment);
 
 // The value that the C functions read back from the line that fsIniSetValue
 // and fsIniWriteFile make of `topic` and `value` ("" for none): `value`

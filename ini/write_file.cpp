@@ -20,16 +20,26 @@
 namespace fskit::ini {
 namespace {
 
+// The one message of a file that cannot be opened: on standard error, or
+// into `problem` for a caller that reports it its own way.
+void cannotOpen(const char *fileName, std::string *problem) {
+  if (problem != nullptr)
+    *problem = std::string("Error opening ini file ") + fileName;
+  else
+    std::fprintf(stderr, "Error opening ini file %s\n", fileName);
+}
+
 // Output errors may surface only when the buffer is flushed at the close.
 bool writeAndClose(TextWriter write, const void *source, std::FILE *stream) {
   bool written = write(source, stream);
   return std::fclose(stream) == 0 && written;
 }
 
-bool writeInPlace(const char *fileName, TextWriter write, const void *source, bool binary) {
+bool writeInPlace(const char *fileName, TextWriter write, const void *source, bool binary,
+                  std::string *problem) {
   std::FILE *stream = std::fopen(fileName, binary ? "wb" : "w");
   if (stream == nullptr) {
-    std::fprintf(stderr, "Error opening ini file %s\n", fileName);
+    cannotOpen(fileName, problem);
     return false;
   }
   return writeAndClose(write, source, stream);
@@ -38,7 +48,7 @@ bool writeInPlace(const char *fileName, TextWriter write, const void *source, bo
 // A complete text that cannot be renamed over the file (a file mounted in
 // its place, for one) is written into the file itself instead.
 bool writeReplacement(const char *fileName, TextWriter write, const void *source, bool binary,
-                      platform::Replacement &replacement, int fd) {
+                      platform::Replacement &replacement, int fd, std::string *problem) {
 #if defined(_WIN32)
   if (binary) _setmode(fd, _O_BINARY);
 #endif
@@ -53,7 +63,7 @@ bool writeReplacement(const char *fileName, TextWriter write, const void *source
     return false;
   }
   return platform::commitReplacement(replacement) == 0 ||
-         writeInPlace(fileName, write, source, binary);
+         writeInPlace(fileName, write, source, binary, problem);
 }
 
 bool writeDocument(const void *document, std::FILE *stream) {
@@ -62,16 +72,17 @@ bool writeDocument(const void *document, std::FILE *stream) {
 
 }  // namespace
 
-bool replaceFile(const char *fileName, TextWriter write, const void *source, bool binary) {
+bool replaceFile(const char *fileName, TextWriter write, const void *source, bool binary,
+                 std::string *problem) {
   platform::Replacement replacement;
   int fd;
   switch (platform::beginReplacement(fileName, replacement, fd)) {
     case platform::ReplaceStart::kReady:
-      return writeReplacement(fileName, write, source, binary, replacement, fd);
+      return writeReplacement(fileName, write, source, binary, replacement, fd, problem);
     case platform::ReplaceStart::kNotReplaceable:
-      return writeInPlace(fileName, write, source, binary);
+      return writeInPlace(fileName, write, source, binary, problem);
     default:
-      std::fprintf(stderr, "Error opening ini file %s\n", fileName);
+      cannotOpen(fileName, problem);
       return false;
   }
 }

@@ -10,7 +10,7 @@
 set -euo pipefail
 source=$(cd "$(dirname "$0")/.." && pwd)
 sh "$source/scripts/ensure-packages.sh" dpkg-dev debhelper lintian cmake g++ \
-  googletest pkgconf groff-base
+  googletest pkgconf groff-base dh-python python3-dev pybind11-dev python3-numpy python3-pytest
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -41,7 +41,9 @@ multiarch=$(dpkg-architecture -qDEB_HOST_MULTIARCH)
 for file in usr/bin/fskit usr/share/man/man1/fskit.1.gz usr/share/fskit/kw_elements.tbl \
             usr/lib/$multiarch/libfskit.so.1 usr/lib/$multiarch/libfskit.so \
             usr/lib/$multiarch/libfskit.a usr/lib/$multiarch/pkgconfig/fskit.pc \
-            usr/lib/$multiarch/cmake/fskit/fskitConfig.cmake usr/include/fskit/fskit.h; do
+            usr/lib/$multiarch/cmake/fskit/fskitConfig.cmake usr/include/fskit/fskit.h \
+            usr/lib/python3/dist-packages/fskit/__init__.py \
+            usr/lib/python3/dist-packages/fskit/kw_elements.tbl; do
   [ -e "$root/$file" ] || { echo "FAIL: $file is in no package"; exit 1; }
 done
 
@@ -49,6 +51,12 @@ masses=$(env -u LD_LIBRARY_PATH "$root/usr/bin/fskit" formula C6H12O6 | tail -n 
 [ "$masses" = "$(printf 'C6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0')" ] ||
   { echo "FAIL: the installed fskit formula gave '$masses'"; exit 1; }
 echo "ok installed tool"
+# The Python package from its own directory, in a directory without an
+# element table: it loads the one installed beside it.
+mass=$(cd "$work" && PYTHONPATH=$root/usr/lib/python3/dist-packages /usr/bin/python3 -c \
+  "import fskit; print(fskit.Formula('C6H12O6').monoisotopic_mass)")
+[ "$mass" = 180.06338810418 ] || { echo "FAIL: the installed Python package gave '$mass'"; exit 1; }
+echo "ok installed Python package"
 "$source/tests/build/run_examples.sh" "$root/usr" "$source" "$work/examples"
 
 if [ $# -gt 0 ]; then

@@ -9,7 +9,6 @@
 #include <string>
 
 #include "ini/lossless.h"
-#include "platform/ascii.h"
 #include "tools/command.h"
 
 namespace fskit::tool {
@@ -48,34 +47,13 @@ int runGet(std::vector<std::string> &args) {
   return kOk;
 }
 
-// Why `set` cannot write these texts without changing how the file reads
-// (other lines, or the name it is found by), or nullopt when it can.
-std::optional<std::string> refusal(const std::string &paragraph, const std::string &topic,
-                                   const std::string &value, const std::string &comment) {
-  for (const auto &[what, text] : {std::pair{"paragraph name", &paragraph},
-                                   {"topic", &topic},
-                                   {"value", &value},
-                                   {"comment", &comment}})
-    if (text->find_first_of("\r\n") != std::string::npos)
-      return std::string("a line feed or carriage return in the ") + what + " would break the line";
-  if (paragraph.empty()) return "the paragraph name is empty";
-  if (paragraph.find(']') != std::string::npos) return "a paragraph name cannot contain ']'";
-  if (topic.empty() || ascii::isSpace(topic.front()) || ascii::isSpace(topic.back()) ||
-      ascii::isCntrl(topic.back()))
-    return "a topic cannot be empty nor begin or end with a blank";
-  if (topic.find('=') != std::string::npos) return "a topic cannot contain '='";
-  if (topic.front() == '[' || topic.front() == ';' || topic.front() == '#')
-    return "a topic cannot begin with '[', ';' or '#'";
-  return std::nullopt;
-}
-
 int runSet(std::vector<std::string> &args) {
   if (args.size() != 4 && args.size() != 5)
     return usageError("ini", "usage: fskit ini set FILE PARAGRAPH TOPIC VALUE [COMMENT]");
   const std::string &file = args[0], &paragraph = args[1], &topic = args[2], &value = args[3];
   std::string comment = args.size() == 5 ? args[4] : "";
   if (file == "-") return usageError("ini", "set writes FILE back: give a file, not -");
-  if (std::optional<std::string> why = refusal(paragraph, topic, value, comment))
+  if (std::optional<std::string> why = ini::lossless::refusal(paragraph, topic, value, comment))
     return usageError("ini", *why);
   if (std::string back = ini::lossless::readBack(topic, value); back != value)
     std::fprintf(stderr,

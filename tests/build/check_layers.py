@@ -1,14 +1,16 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
 """Checks that the layers point one way: platform at the bottom, then the
-families in the order of FSKIT_FAMILIES, the tool and the tests on top.
+families in the order of FSKIT_FAMILIES, the tool, the Python package and
+the tests on top.
 
 A family's DEPENDS (its fskit_family() call) must name exactly the families
 its sources include, none of them above it; no family includes the tool, the
 tests or the fuzz targets. Of another family a family includes the public
 header <fskit/NAME.h> and the internal interfaces, named *_internal.h; of
 platform/, the layer beneath them all, any header. The tool includes the
-public headers, the *_internal.h interfaces and the few others kept for it.
+public headers, the *_internal.h interfaces and the few others kept for it;
+so does the Python package (python/).
 
 Usage: check_layers.py <source tree>"""
 
@@ -19,7 +21,7 @@ import sys
 # What the tool may include of the families besides <fskit/...> and the
 # *_internal.h interfaces: headers that say they are there for it too.
 TOOL_INTERFACES = {"ini/lossless.h", "platform/ascii.h"}
-TOP_LAYERS = ("tools", "tests", "fuzz")
+TOP_LAYERS = ("tools", "python", "tests", "fuzz")
 SOURCE_SUFFIXES = {".c", ".cpp", ".h"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
@@ -96,12 +98,13 @@ def main():
         for higher in sorted(d for d in depends if d in rank and rank[d] >= rank[family]):
             problems.append(f"{family}: DEPENDS names {higher}, which is not below it")
 
-    for path, name, quoted in includes(root / "tools"):
-        layer = layer_of(name, quoted, families)
-        if quoted and layer in rank and not is_interface(name) and name not in TOOL_INTERFACES:
-            problems.append(f"{path.relative_to(root)}: includes {name}, a family's private header")
-        if layer in ("tests", "fuzz"):
-            problems.append(f"{path.relative_to(root)}: includes {name}")
+    for top in ("tools", "python"):
+        for path, name, quoted in includes(root / top):
+            layer = layer_of(name, quoted, families)
+            if quoted and layer in rank and not is_interface(name) and name not in TOOL_INTERFACES:
+                problems.append(f"{path.relative_to(root)}: includes {name}, a family's private header")
+            if layer in ("tests", "fuzz") or (layer in TOP_LAYERS and layer != top):
+                problems.append(f"{path.relative_to(root)}: includes {name}")
 
     for problem in problems:
         print(problem)

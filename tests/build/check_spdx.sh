@@ -21,7 +21,7 @@ while IFS= read -r file; do
     *"$tag"*) ;;
     *) echo "no '$tag' line at the top of $file"; missing=$((missing + 1)) ;;
   esac
-done < <(git ls-files -- '*.c' '*.cpp' '*.h' '*.in' '*.cmake' '*.sh' '*.py' '*CMakeLists.txt' \
+done < <(git ls-files -- '*.c' '*.cpp' '*.h' '*.in' '*.cmake' '*.sh' '*.py' '*.pyi' '*.toml' '*CMakeLists.txt' \
            fskit exports.txt ':!:data/' ':!:tests/ini/corpus/' ':!:fuzz/corpus/' ':!:examples/expected/')
 [ "$count" -gt 0 ] || { echo "FAIL: no source files listed"; exit 1; }
 [ "$missing" -eq 0 ] || { echo "FAIL: $missing of $count files"; exit 1; }

@@ -39,6 +39,17 @@ cmp -s "$source/LICENSE" "$prefix/share/doc/fskit/LICENSE" || { echo "FAIL: LICE
 masses=$(env -u LD_LIBRARY_PATH "$prefix/bin/fskit" formula C6H12O6 | tail -n 1)
 [ "$masses" = "$(printf 'C6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0')" ] ||
   { echo "FAIL: installed fskit formula gave '$masses'"; exit 1; }
+# The Python package, when the build has it: imported from the prefix's
+# Python directory, in a directory without an element table; it finds its
+# own table beside itself.
+package=$(find "$prefix" -path '*-packages/fskit/__init__.py' | head -n 1)
+if [ -n "${FSKIT_PYTHON_EXECUTABLE:-}" ]; then
+  [ -n "$package" ] || { echo "FAIL: the Python package is not installed"; exit 1; }
+  mass=$(cd "$work" && PYTHONPATH=$(dirname "$(dirname "$package")") "$FSKIT_PYTHON_EXECUTABLE" -c \
+    "import fskit; print(fskit.Formula('C6H12O6').monoisotopic_mass)")
+  [ "$mass" = 180.06338810418 ] || { echo "FAIL: the installed Python package gave '$mass'"; exit 1; }
+  echo "ok python package"
+fi
 libdir=$(dirname "$(find "$prefix" -name 'libfskit.so.1' | head -n 1)")
 [ -L "$libdir/libfskit.so" ] && [ -f "$libdir/libfskit.a" ] || { echo "FAIL: library files"; exit 1; }
 soname=$(objdump -p "$libdir/libfskit.so" | awk '/SONAME/ {print $2}')

@@ -1,0 +1,34 @@
+# SPDX-License-Identifier: MIT
+"""The exceptions of the fskit package."""
+
+from __future__ import annotations
+
+
+class Error(Exception):
+    """Base class of the errors that fskit itself raises."""
+
+
+class FormulaError(Error, ValueError):
+    """A molecular formula that does not parse.
+
+    ``formula`` is the text given, ``symbol`` the first symbol that is not in
+    the element table and ``position`` where that symbol starts (0-based).
+    """
+
+    def __init__(self, message: str, formula: str = "", symbol: str = "", position: int = -1):
+        super().__init__(message)
+        self.formula = formula
+        self.symbol = symbol
+        self.position = position
+
+
+class SortError(Error, OSError):
+    """A file sort that failed or stopped early; the text is the library's reason."""
+
+
+class DateError(Error, ValueError):
+    """A date or time the library cannot read or write in the layouts given."""
+
+
+class ElementTableError(Error, OSError):
+    """An element file that cannot be loaded."""

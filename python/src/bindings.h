@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+// The parts of the module, each adding its functions and classes.
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+namespace fskit::python {
+
+void addNumbers(pybind11::module_ &module);
+void addChemistry(pybind11::module_ &module);
+void addMasses(pybind11::module_ &module);
+void addIniFile(pybind11::module_ &module);
+void addDates(pybind11::module_ &module);
+void addSortFile(pybind11::module_ &module);
+
+}  // namespace fskit::python

@@ -1,0 +1,45 @@
+# SPDX-License-Identifier: MIT
+"""Fixtures of the Python package's tests: the built C library through ctypes
+(the reference the package is compared with), the tool and the source tree.
+
+ctest sets FSKIT_LIBRARY, FSKIT_TOOL and FSKIT_SOURCE_DIR, and puts the built
+package first on PYTHONPATH.
+"""
+
+from __future__ import annotations
+
+import ctypes
+import os
+import pathlib
+
+import pytest
+
+SOURCE_DIR = pathlib.Path(os.environ.get("FSKIT_SOURCE_DIR", pathlib.Path(__file__).parents[2]))
+ELEMENT_FILE = SOURCE_DIR / "data" / "kw_elements.tbl"
+
+
+def _library() -> ctypes.CDLL:
+    path = os.environ.get("FSKIT_LIBRARY")
+    if not path:
+        pytest.skip("FSKIT_LIBRARY names no built libfskit.so")
+    lib = ctypes.CDLL(path)
+    # The reference library says nothing either: its messages are dropped.
+    lib.fsRegisterMessage(None)
+    lib.fsLoadElemTable.argtypes = [ctypes.c_char_p]
+    if lib.fsLoadElemTable(str(ELEMENT_FILE).encode()) != 1:
+        pytest.fail(f"the C library cannot load {ELEMENT_FILE}")
+    return lib
+
+
+@pytest.fixture(scope="session")
+def clib() -> ctypes.CDLL:
+    """libfskit.so, with the shipped element table loaded."""
+    return _library()
+
+
+@pytest.fixture(scope="session")
+def tool() -> str:
+    path = os.environ.get("FSKIT_TOOL")
+    if not path:
+        pytest.skip("FSKIT_TOOL names no built fskit tool")
+    return path

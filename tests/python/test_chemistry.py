@@ -1,0 +1,140 @@
+# SPDX-License-Identifier: MIT
+"""Formulas, bulk masses and the element table against the C parser."""
+
+from __future__ import annotations
+
+import ctypes
+import random
+
+import numpy as np
+import pytest
+
+import fskit
+
+
+def c_parse(clib, formula: str):
+    """fsTblParseMF's result, canonical text and sums."""
+    text = ctypes.create_string_buffer(2048)
+    nominal = ctypes.c_int32()
+    mono, average, rdb = ctypes.c_double(), ctypes.c_double(), ctypes.c_double()
+    result = clib.fsTblParseMF(formula.encode(), 0, 0, text, ctypes.byref(nominal),
+                               ctypes.byref(mono), ctypes.byref(average), ctypes.byref(rdb), 0,
+                               None, None, None, None)
+    return result, text.value.decode(), nominal.value, mono.value, average.value, rdb.value
+
+
+def random_formulas(count: int, seed: int) -> list[str]:
+    """Formulas of the table's element symbols and isotope labels, in any case and spacing."""
+    labels = sorted({e.label for e in fskit.elements()})
+    rng = random.Random(seed)
+    formulas = []
+    for _ in range(count):
+        parts = [f"{rng.choice(labels)}{rng.choice(['', rng.randint(1, 400)])}"
+                 for _ in range(rng.randint(1, 6))]
+        formulas.append(rng.choice([" ", "."]).join(parts) if rng.random() < 0.5 else "".join(parts))
+    return formulas
+
+
+def test_formula_agrees_with_the_c_parser(clib):
+    for formula in ["C6H12O6", "c6h12o6", "C5 13C H12 O6", "NA.CL", "CH3CH2OH", "Fe2S",
+                    *random_formulas(300, seed=1)]:
+        result, text, nominal, mono, average, rdb = c_parse(clib, formula)
+        if result <= 0:
+            with pytest.raises(fskit.FormulaError):
+                fskit.Formula(formula)
+            continue
+        parsed = fskit.Formula(formula)
+        assert (parsed.text, parsed.nominal_mass, parsed.monoisotopic_mass, parsed.average_mass,
+                parsed.rdb) == (text, nominal, mono, average, rdb), formula
+        assert len(parsed.counts) == result
+    glucose = fskit.Formula("C6H12O6")
+    assert glucose.counts == {"C": 6, "H": 12, "O": 6}
+    assert glucose == fskit.Formula("H12 C6 O6") and str(glucose) == "C6H12O6"
+
+
+@pytest.mark.parametrize("formula, symbol, position", [
+    ("C6Xx2", "Xx", 2), ("Qq", "Qq", 0), ("C6 H12 Qq O6", "Qq", 7), ("H2O.Zz3", "Zz", 4)])
+def test_bad_formula_names_symbol_and_position(formula, symbol, position):
+    with pytest.raises(fskit.FormulaError) as caught:
+        fskit.Formula(formula)
+    error = caught.value
+    assert isinstance(error, ValueError)
+    assert (error.symbol, error.position, error.formula) == (symbol, position, formula)
+    assert f"'{symbol}'" in str(error) and f"position {position}" in str(error)
+
+
+@pytest.mark.parametrize("formula", ["", "C6\0H6"])
+def test_empty_or_nul_formula_is_refused(formula):
+    with pytest.raises(fskit.FormulaError):
+        fskit.Formula(formula)
+
+
+def test_bulk_masses_equal_the_one_formula_results():
+    formulas = random_formulas(2000, seed=2)
+    good = []
+    for f in formulas:
+        try:
+            good.append(fskit.Formula(f))
+        except fskit.FormulaError:
+            good.append(None)
+    expected_mono = np.array([g.monoisotopic_mass if g else np.nan for g in good])
+    expected_nominal = np.array([g.nominal_mass if g else -1 for g in good], dtype=np.int32)
+    for given in (formulas, tuple(formulas), np.array(formulas), np.array(formulas, dtype=object),
+                  np.array([f.encode() for f in formulas]), iter(formulas)):
+        result = fskit.masses(given, errors="nan")
+        np.testing.assert_array_equal(result.monoisotopic, expected_mono)
+        np.testing.assert_array_equal(result.nominal, expected_nominal)
+        assert result.average.dtype == np.float64 and result.rdb.shape == (len(formulas),)
+
+
+def test_bulk_masses_raise_on_the_first_bad_formula():
+    with pytest.raises(fskit.FormulaError, match=r"formula 2: .*'Zz' at position 2"):
+        fskit.masses(["H2O", "CH4", "C2Zz", "Qq"])
+    with pytest.raises(fskit.FormulaError, match="formula 1"):
+        fskit.masses(np.array(["H2O", "Cü"]))
+    result = fskit.masses(["H2O", "", "Cü"], errors="nan")
+    assert result.nominal.tolist() == [18, -1, -1] and np.isnan(result.average[1:]).all()
+    assert len(fskit.masses([]).monoisotopic) == 0
+
+
+@pytest.mark.parametrize("given, error", [("H2O", TypeError), ([1, 2], TypeError),
+                                          (np.zeros(3), TypeError)])
+def test_bulk_masses_refuse_what_is_not_formulas(given, error):
+    with pytest.raises(error):
+        fskit.masses(given)
+    with pytest.raises(ValueError):
+        fskit.masses(["H2O"], errors="ignore")
+
+
+def test_elements_are_the_c_table(clib):
+    records = fskit.elements()
+    assert len(records) == clib.fsElementTableCount() > 100
+    carbon = [r for r in records if r.symbol == "C"]
+    assert carbon[0].isotope is False and carbon[0].atomic_number == 6
+    assert {r.label for r in carbon[1:]} >= {"12C", "13C"}
+    assert fskit.element_file() == fskit.DEFAULT_ELEMENT_FILE
+
+
+def test_another_element_table_and_back(tmp_path):
+    table = open(fskit.DEFAULT_ELEMENT_FILE).read().splitlines(keepends=True)
+    changed = tmp_path / "no-oxygen.tbl"
+    # The same table with one line less: no oxygen.
+    lines = [line for line in table if not line.startswith("O ")]
+    assert len(lines) == len(table) - 1
+    changed.write_text("".join(lines))
+    try:
+        fskit.load_elements(changed)
+        assert fskit.element_file() == str(changed)
+        with pytest.raises(fskit.FormulaError):
+            fskit.Formula("H2O")
+    finally:
+        fskit.load_elements()
+    assert fskit.Formula("H2O").nominal_mass == 18
+
+
+def test_a_missing_element_file_keeps_the_table(tmp_path):
+    with pytest.raises(fskit.ElementTableError):
+        fskit.load_elements(tmp_path / "none.tbl")
+    with pytest.raises(fskit.ElementTableError):
+        fskit.load_elements(tmp_path)  # a directory
+    assert fskit.Formula("CH4").nominal_mass == 16

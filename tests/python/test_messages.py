@@ -1,0 +1,87 @@
+# SPDX-License-Identifier: MIT
+"""Messages: nothing printed by an import or a call, the library's words in
+the logger "fskit" and in exceptions, each thread with its own; the element
+table found wherever the process runs."""
+
+from __future__ import annotations
+
+import logging
+import os
+import subprocess
+import sys
+import threading
+
+import numpy as np
+import pytest
+
+import fskit
+
+SCRIPT = """
+import fskit
+print(repr(fskit.Formula("C6H12O6").monoisotopic_mass))
+for bad in ("Xx", ""):
+    try:
+        fskit.Formula(bad)
+    except fskit.FormulaError:
+        pass
+try:
+    fskit.convert_date("garbage", 33, 1)
+except fskit.DateError:
+    pass
+try:
+    fskit.sort_file("missing.txt", "out.txt")
+except fskit.SortError:
+    pass
+"""
+
+
+def test_import_and_failed_calls_print_nothing_in_any_directory(tmp_path):
+    # A directory without an element table, as any user's current directory.
+    done = subprocess.run([sys.executable, "-c", SCRIPT], cwd=tmp_path, capture_output=True,
+                          text=True, env=dict(os.environ), check=True)
+    assert done.stderr == ""
+    assert done.stdout == f"{fskit.Formula('C6H12O6').monoisotopic_mass!r}\n"
+    assert not (tmp_path / "fsmessage.log").exists()
+
+
+def test_library_messages_reach_the_logger_and_the_exception(caplog, tmp_path):
+    with caplog.at_level(logging.DEBUG, logger="fskit"):
+        with pytest.raises(fskit.ElementTableError) as caught:
+            fskit.load_elements(tmp_path / "none.tbl")
+    assert fskit.Formula("CH4").nominal_mass == 16  # the table before stays
+    logged = [r.getMessage() for r in caplog.records if r.name == "fskit"]
+    assert logged == [f"fsLoadElemTable: Failed to open element file {tmp_path / 'none.tbl'}"]
+    assert str(caught.value) == logged[0]
+
+
+def test_threads_see_their_own_results_and_messages():
+    """Eight threads at once, each with its own good and bad input; every
+    exception must carry its own thread's words."""
+    failures = []
+    barrier = threading.Barrier(8)
+
+    def work(index: int) -> None:
+        symbol = "Q" + "abcdefgh"[index]
+        barrier.wait()
+        for _ in range(200):
+            try:
+                fskit.Formula(f"C{index + 1}{symbol}")
+                failures.append("no error")
+            except fskit.FormulaError as error:
+                if error.symbol != symbol:
+                    failures.append(f"{symbol}: {error}")
+            try:
+                fskit.convert_date(f"bad{index}", 3, 1)
+            except fskit.DateError as error:
+                if f"bad{index}" not in str(error) or "bad" in str(error).replace(f"bad{index}", ""):
+                    failures.append(str(error))
+            masses = fskit.masses([f"C{index + 1}H4"] * 50)
+            if not np.all(masses.nominal == 12 * (index + 1) + 4):
+                failures.append("masses")
+
+    threads = [threading.Thread(target=work, args=(i,)) for i in range(8)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert failures == []

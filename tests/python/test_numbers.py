@@ -1,0 +1,200 @@
+# SPDX-License-Identifier: MIT
+"""decode() and encode() against the library's one-value C converters (through
+ctypes on libfskit.so): special patterns, a large random sample of every
+format, buffers of every kind, bad input and several threads at once."""
+
+from __future__ import annotations
+
+import ctypes
+import threading
+
+import numpy as np
+import pytest
+
+import fskit
+
+# format: (C decoder, C encoder or None)
+C_NAMES = {
+    "vaxf": ("decodeVaxFloat", "encodeVaxFloat"), "vaxd": ("decodeVaxDouble", "encodeVaxDouble"),
+    "hpshort": ("decodeHpShort", "encodeHpShort"), "hplong": ("decodeHpLong", "encodeHpLong"),
+    "hpdouble": ("decodeHpDouble", "encodeHpDouble"), "novaf": ("decodeNovaFloat", None),
+    "novad": ("decodeNovaDouble", None), "incos": ("decodeIncosMagMass", None),
+    "quorinty": ("decodeQuorInty", "encodeQuorInty"), "novaushort": ("decodeNovaUshort", None),
+    "novaulong": ("decodeNovaUlong", None), "ieeef": ("decodeIeeeFloat", "encodeIeeeFloat"),
+    "ieeed": ("decodeIeeeDouble", "encodeIeeeDouble"),
+}
+
+
+def c_decode(clib, fmt: str, data: bytes) -> np.ndarray:
+    """One C call per value, as a program using the library would."""
+    info = fskit.format_info(fmt)
+    size, dtype = info["size"], info["dtype"]
+    out = np.zeros(len(data) // size, dtype=dtype)
+    result = ctypes.create_string_buffer(16)
+    if fmt == "quorrec":
+        mass, intensity, flags = ctypes.c_double(), ctypes.c_float(), ctypes.c_uint8()
+        for i in range(out.size):
+            clib.decodeQuorMassInty(data[i * 6:i * 6 + 6], ctypes.byref(mass),
+                                    ctypes.byref(intensity), ctypes.byref(flags))
+            out[i] = (mass.value, intensity.value, flags.value)
+        return out
+    function = getattr(clib, C_NAMES[fmt][0])
+    width = out.itemsize
+    raw = bytearray(out.nbytes)
+    for i in range(out.size):
+        source = ctypes.create_string_buffer(data[i * size:i * size + size], 8)
+        function(source, result)
+        raw[i * width:(i + 1) * width] = result.raw[:width]
+    return np.frombuffer(bytes(raw), dtype=dtype)
+
+
+def c_encode(clib, fmt: str, values: np.ndarray) -> bytes:
+    size = fskit.format_info(fmt)["size"]
+    out = bytearray()
+    result = ctypes.create_string_buffer(16)
+    if fmt == "quorrec":
+        for record in values:
+            mass, intensity, flags = (ctypes.c_double(record["mass"]),
+                                      ctypes.c_float(record["intensity"]), ctypes.c_uint8(record["flags"]))
+            clib.encodeQuorMassInty(ctypes.byref(mass), ctypes.byref(intensity),
+                                    ctypes.byref(flags), result)
+            out += result.raw[:size]
+        return bytes(out)
+    function = getattr(clib, C_NAMES[fmt][1])
+    for value in values:
+        function(ctypes.create_string_buffer(value.tobytes(), 8), result)
+        out += result.raw[:size]
+    return bytes(out)
+
+
+def vax_float_stored(bits: np.ndarray) -> bytes:
+    """VAX F words given in IEEE bit order (sign, exponent, fraction) as stored."""
+    bits = bits.astype(np.uint32)
+    return ((bits << np.uint32(16)) | (bits >> np.uint32(16))).astype("<u4").tobytes()
+
+
+def same_bits(a: np.ndarray, b: np.ndarray) -> bool:
+    return a.dtype == b.dtype and a.tobytes() == b.tobytes()
+
+
+SPECIAL_VAX_F = np.array([
+    0x00000000, 0x00000001, 0x007FFFFF,            # zero and dirty zeros
+    0x80000000, 0x80400000,                        # reserved operands
+    0x00800000, 0x00800001, 0x00FFFFFF, 0x80800000,  # exponent 1
+    0x01000000, 0x01000003, 0x81FFFFFF,            # exponent 2
+    0x01800000, 0x40800000, 0x7F7FFFFF, 0x7F800000,
+    0x7FFFFFFE, 0x7FFFFFFF, 0xFFFFFFFF,            # the largest magnitude
+], dtype=np.uint64)
+
+
+def test_vax_float_special_patterns(clib):
+    data = vax_float_stored(SPECIAL_VAX_F)
+    got = fskit.decode(data, "vaxf")
+    assert same_bits(got, c_decode(clib, "vaxf", data))
+    assert got.dtype == np.float32
+    assert got[0] == 0 and got[2] == 0 and np.signbit(got[3])    # the reserved operand: -0.0
+    assert 0 < got[5] < np.finfo(np.float32).tiny                 # denormal
+    assert np.isinf(got[17]) and np.isinf(got[18]) and got[18] < 0
+
+
+def test_nova_float_edges(clib):
+    # Every exponent with the smallest, a middle and the largest fraction, both signs.
+    words = [sign | exponent << 24 | fraction for sign in (0, 1 << 31) for exponent in range(128)
+             for fraction in (0, 1, 0x800000, 0xFFFFFF)]
+    data = np.array(words, dtype=">u4").tobytes()
+    got = fskit.decode(data, "novaf")
+    assert same_bits(got, c_decode(clib, "novaf", data))
+    assert np.isinf(got).any() and (got == 0).any() and (np.abs(got) < np.finfo(np.float32).tiny).any()
+
+
+@pytest.mark.parametrize("fmt", sorted(C_NAMES) + ["quorrec"])
+def test_random_patterns_decode_as_the_c_converter(clib, fmt):
+    size = fskit.format_info(fmt)["size"]
+    count = 40000 if fmt in ("vaxf", "novaf") else 4000
+    data = np.random.default_rng(len(fmt)).integers(0, 256, size * count, dtype=np.uint8).tobytes()
+    assert same_bits(fskit.decode(data, fmt), c_decode(clib, fmt, data))
+
+
+def random_values(dtype, count: int, seed: int) -> np.ndarray:
+    rng = np.random.default_rng(seed)
+    if dtype.kind == "u":
+        return rng.integers(0, np.iinfo(dtype).max, count, dtype=dtype, endpoint=True)
+    if dtype.names:
+        values = np.zeros(count, dtype=dtype)
+        values["mass"] = random_values(np.dtype(np.float64), count, seed + 1)[:count]
+        values["intensity"] = random_values(np.dtype(np.float32), count, seed + 2)[:count]
+        values["flags"] = rng.integers(0, 256, count)
+        return values
+    # Any bit pattern: NaNs, infinities, denormals, both zeros among them.
+    bits = rng.integers(0, 256, count * dtype.itemsize, dtype=np.uint8)
+    specials = np.array([0, -0.0, np.inf, -np.inf, np.nan, 2.0 ** 127, 2.0 ** -128, 2.0 ** -130,
+                         0.5, 0.49, 2.0 ** 31, 1e-45, 3.4e38], dtype=dtype)
+    return np.concatenate([specials, bits.view(dtype)])
+
+
+@pytest.mark.parametrize("fmt", [f for f in fskit.FORMATS if fskit.format_info(f)["encode"]])
+def test_encode_as_the_c_converter_and_round_trips(clib, fmt):
+    dtype = fskit.format_info(fmt)["dtype"]
+    values = random_values(dtype, 4000, seed=len(fmt))
+    encoded = fskit.encode(values, fmt)
+    assert encoded.dtype == np.uint8 and bytes(encoded) == c_encode(clib, fmt, values)
+    if fmt in ("hpshort", "hplong", "hpdouble", "ieeef", "ieeed"):
+        assert same_bits(fskit.decode(encoded, fmt), values)
+
+
+def test_buffers_of_every_kind_and_offsets(tmp_path):
+    values = np.linspace(-1000, 1000, 1001, dtype=np.float32)
+    raw = bytes(fskit.encode(values, "vaxf"))
+    path = tmp_path / "values.dat"
+    path.write_bytes(b"HEADER!!" + raw)
+    mapped = np.memmap(path, dtype=np.uint8, mode="r")
+    for data in (raw, bytearray(raw), memoryview(raw), np.frombuffer(raw, dtype=np.uint8),
+                 np.frombuffer(raw, dtype="<u4")):
+        assert same_bits(fskit.decode(data, "vaxf"), values)
+    assert same_bits(fskit.decode(mapped, "vaxf", offset=8), values)
+    assert same_bits(fskit.decode(mapped, "vaxf", offset=12, count=10), values[1:11])
+    out = np.empty(10, dtype=np.float32)
+    assert fskit.decode(raw, "vaxf", count=10, out=out) is out and same_bits(out, values[:10])
+    target = bytearray(len(raw))
+    assert fskit.encode(values, "vaxf", out=target) is target and bytes(target) == raw
+    assert fskit.encode(values.astype(np.float64), "vaxf").tobytes() == raw  # converted first
+    assert fskit.decode(b"", "vaxd").shape == (0,)
+
+
+@pytest.mark.parametrize("call, error, words", [
+    (lambda: fskit.decode(b"\0" * 6, "vaxf"), ValueError, "2 left over"),
+    (lambda: fskit.decode(b"\0" * 7, "novad"), ValueError, "not a whole number"),
+    (lambda: fskit.decode(b"\0" * 8, "vaxf", count=3), ValueError, "12 bytes"),
+    (lambda: fskit.decode(b"\0" * 8, "vaxf", offset=9), ValueError, "outside"),
+    (lambda: fskit.decode(b"\0" * 8, "vaxf", offset=-1), ValueError, "outside"),
+    (lambda: fskit.decode(b"\0" * 8, "vaxf", count=-1), ValueError, "negative"),
+    (lambda: fskit.decode(b"\0" * 8, "vaxg"), ValueError, r"unknown format 'vaxg' \(vaxf, vaxd"),
+    (lambda: fskit.decode("text", "vaxf"), TypeError, "buffer"),
+    (lambda: fskit.decode(np.zeros(4)[::2], "vaxf"), TypeError, "contiguous"),
+    (lambda: fskit.decode(b"\0" * 8, "vaxf", out=np.empty(2)), TypeError, "float32"),
+    (lambda: fskit.decode(b"\0" * 8, "vaxf", out=np.empty(3, np.float32)), ValueError, "holds 3"),
+    (lambda: fskit.encode([1.0], "novaf"), ValueError, "only decodes novaf"),
+    (lambda: fskit.encode([1.0, 2.0], "vaxf", out=bytearray(7)), ValueError, "take 8"),
+    (lambda: fskit.encode([1.0], "vaxf", out=b"1234"), TypeError, "writable"),
+])
+def test_bad_input_is_refused_clearly(call, error, words):
+    with pytest.raises(error, match=words):
+        call()
+
+
+def test_threads_decode_at_once():
+    data = np.random.default_rng(9).integers(0, 256, 4 * 200000, dtype=np.uint8)
+    expected = {fmt: fskit.decode(data, fmt) for fmt in ("vaxf", "novaf", "hplong", "vaxd")}
+    failures = []
+
+    def work(fmt: str) -> None:
+        for _ in range(20):
+            if not same_bits(fskit.decode(data, fmt), expected[fmt]):
+                failures.append(fmt)
+
+    threads = [threading.Thread(target=work, args=(fmt,)) for fmt in list(expected) * 2]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert failures == []
