@@ -9,6 +9,7 @@
 
 #include <fskit/numformat.h>
 
+#include <algorithm>
 #include <cstring>
 #include <random>
 #include <string>
@@ -43,7 +44,7 @@ std::vector<unsigned char> throughArray(const ArrayFormat &format, const std::ve
   size_t count = in.size() / format.size;
   // Both buffers start `shift` bytes into a larger one: any alignment works.
   std::vector<unsigned char> from(in.size() + shift), to(count * outSize + shift);
-  std::memcpy(from.data() + shift, in.data(), in.size());
+  std::copy(in.begin(), in.end(), from.begin() + std::ptrdiff_t(shift));
   format.decode(from.data() + shift, to.data() + shift, count);
   return std::vector<unsigned char>(to.begin() + std::ptrdiff_t(shift), to.end());
 }
