@@ -120,10 +120,14 @@ void swap16Out(const void *in, unsigned char *out, size_t n) { swap16(bytesIn(in
 // Two big-endian 32-bit halves to host order, the halves keeping their order.
 void swapHalves(const unsigned char *in, void *out, size_t n) { swap32(in, out, 2 * n); }
 void swapHalvesOut(const void *in, unsigned char *out, size_t n) { swap32(bytesIn(in), out, 2 * n); }
-void copyBytes4(const unsigned char *in, void *out, size_t n) { std::memcpy(out, in, 4 * n); }
-void copyBytes4Out(const void *in, unsigned char *out, size_t n) { std::memcpy(out, in, 4 * n); }
-void copyBytes8(const unsigned char *in, void *out, size_t n) { std::memcpy(out, in, 8 * n); }
-void copyBytes8Out(const void *in, unsigned char *out, size_t n) { std::memcpy(out, in, 8 * n); }
+// An empty array may come with null pointers, which memcpy must not see.
+void copyBytes(const void *in, void *out, size_t size) {
+  if (size != 0) std::memcpy(out, in, size);
+}
+void copyBytes4(const unsigned char *in, void *out, size_t n) { copyBytes(in, out, 4 * n); }
+void copyBytes4Out(const void *in, unsigned char *out, size_t n) { copyBytes(in, out, 4 * n); }
+void copyBytes8(const unsigned char *in, void *out, size_t n) { copyBytes(in, out, 8 * n); }
+void copyBytes8Out(const void *in, unsigned char *out, size_t n) { copyBytes(in, out, 8 * n); }
 
 void decodeIncos(const unsigned char *in, void *out, size_t n) {
   runEach<uint16_t, Order::kHost, Order::kHost, incosMass>(in, bytesOut(out), n);
