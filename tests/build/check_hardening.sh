@@ -16,8 +16,11 @@ fail() { echo "FAIL: $1"; failed=$((failed + 1)); }
 for file in "$@"; do
   dynamic=$("$readelf" -dW "$file") || { fail "$file: readelf"; continue; }
   symbols=$("$readelf" --dyn-syms -W "$file")
+  # Captured, not piped into grep -q: llvm-readelf writes in small pieces and
+  # dies of SIGPIPE once grep has its match, which pipefail reports.
+  segments=$("$readelf" -lW "$file")
   grep -Eq '\(BIND_NOW\)|\(FLAGS(_1)?\).* NOW' <<<"$dynamic" || fail "$file: not bound at load time"
-  "$readelf" -lW "$file" | grep -q GNU_RELRO || fail "$file: no GNU_RELRO segment"
+  grep -q GNU_RELRO <<<"$segments" || fail "$file: no GNU_RELRO segment"
   grep -q ' __stack_chk_fail' <<<"$symbols" || fail "$file: no stack protector"
   if [ "$fortified" = 1 ]; then
     grep -Eq ' __[a-z0-9_]+_chk(@|$)' <<<"$(grep -v __stack_chk_fail <<<"$symbols")" ||
