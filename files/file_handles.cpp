@@ -9,6 +9,7 @@
 #include <fskit/files.h>
 #include <fskit/frame.h>
 
+#include "platform/file_offset.h"
 #include "platform/platform.h"
 
 namespace {
@@ -87,9 +88,9 @@ FSKIT_API int32_t fsFileClose(FsFile *file, char *errText) {
 
 FSKIT_API int32_t fsFileSize(FILE *stream) {
   if (stream == nullptr) return -1;
-  std::fseek(stream, 0, SEEK_END);
-  long size = std::ftell(stream);
-  std::fseek(stream, 0, SEEK_SET);
+  fskit::platform::seekFile(stream, 0, SEEK_END);
+  const fskit::platform::FileOffset size = fskit::platform::tellFile(stream);
+  fskit::platform::seekFile(stream, 0, SEEK_SET);
   return size > INT32_MAX ? -1 : static_cast<int32_t>(size);
 }
 

@@ -4,6 +4,7 @@
 
 #include "ini/document.h"
 #include "platform/ascii.h"
+#include "platform/file_offset.h"
 
 namespace fskit::ini {
 
@@ -65,12 +66,12 @@ int FsIniLine::read(std::FILE *stream) {
   clear();
   if (stream == nullptr) return kFailed;
   char text[kLineBuffer];
-  long start = std::ftell(stream);
+  const fskit::platform::FileOffset start = fskit::platform::tellFile(stream);
   if (std::fgets(text, kLineBuffer, stream) == nullptr) return kFailed;
   switch (take(text)) {
     case Kind::kHeader:
       // The next paragraph's header: leave it for that paragraph to read.
-      std::fseek(stream, start, SEEK_SET);
+      fskit::platform::seekFile(stream, start, SEEK_SET);
       return kFailed;
     case Kind::kOther:
       return kFailed;  // not a paragraph line: dropped, the paragraph ends

@@ -4,6 +4,7 @@
 
 #include "ini/document.h"
 #include "platform/ascii.h"
+#include "platform/file_offset.h"
 
 namespace fskit::ini {
 
@@ -41,12 +42,12 @@ char *FsIniParagraph::headerName(char *text) {
 int FsIniParagraph::read(std::FILE *stream) {
   clear();
   if (stream == nullptr) return kFailed;
-  long start = std::ftell(stream);
+  const fskit::platform::FileOffset start = fskit::platform::tellFile(stream);
   char text[kLineBuffer];
   char *p;
   do {
     if (std::fgets(text, kLineBuffer, stream) == nullptr) {
-      std::fseek(stream, start, SEEK_SET);
+      fskit::platform::seekFile(stream, start, SEEK_SET);
       return kFailed;
     }
     p = text;
@@ -54,7 +55,7 @@ int FsIniParagraph::read(std::FILE *stream) {
   } while (*p == '\0');
   char *name = headerName(p);
   if (name == nullptr) {
-    std::fseek(stream, start, SEEK_SET);
+    fskit::platform::seekFile(stream, start, SEEK_SET);
     return kFailed;
   }
   setName(name);

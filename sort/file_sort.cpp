@@ -17,6 +17,7 @@
 
 #include <fskit/sort.h>
 
+#include "platform/file_offset.h"
 #include "platform/platform.h"
 #include "sort/file_sort_internal.h"
 #include "sort/sorting.h"
@@ -176,7 +177,7 @@ class FileSort {
 
   ChunkEnd sortChunks() {
     while (!std::feof(in_)) {
-      const long start = std::ftell(in_);
+      const platform::FileOffset start = platform::tellFile(in_);
       size_t got = std::fread(buffer_, 1, size_t(size_), in_);
       if (std::ferror(in_)) {
         complain("Error reading input file");
@@ -189,15 +190,16 @@ class FileSort {
       if (bytes == 0) {
         stoppedEarly_ = true;
         std::snprintf(result_.reason, sizeof result_.reason,
-                      "a line longer than the sort buffer (%ld bytes) at byte %ld of %s: "
+                      "a line longer than the sort buffer (%ld bytes) at byte %lld of %s: "
                       "the lines from there on are not sorted",
-                      size_, start, input_);
+                      size_, static_cast<long long>(start), input_);
         break;
       }
       // A Windows text stream over a file with LF-only line ends can seek
       // back to where the chunk began; the sort would then never end.
       if (bytes < got &&
-          (std::fseek(in_, -long(got - bytes), SEEK_CUR) != 0 || std::ftell(in_) <= start)) {
+          (platform::seekFile(in_, -platform::FileOffset(got - bytes), SEEK_CUR) != 0 ||
+           platform::tellFile(in_) <= start)) {
         complain("Error seeking in input file");
         return ChunkEnd::Stopped;
       }

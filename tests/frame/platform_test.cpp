@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The platform query, the empty services, fsDiskListFree and systemNoWait.
+// The platform query, the empty services, fsDiskListFree, systemNoWait and
+// the platform layer's own helpers.
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
@@ -7,6 +8,7 @@
 #include <ctime>
 #include <string>
 
+#include "platform/file_offset.h"
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
@@ -76,4 +78,21 @@ TEST(Platform, AscTimeTextIsTheRuntimes) {
   farFuture.tm_year = INT_MAX - 1899;
   char text[fskit::platform::kAscTimeSize];
   EXPECT_FALSE(fskit::platform::ascTime(farFuture, text));
+}
+
+// Positions past 4 GiB, in a sparse file: a 32-bit long would have failed
+// (Windows, 32-bit systems) or wrapped.
+TEST(Platform, StreamPositionsPastFourGibibytes) {
+  namespace platform = fskit::platform;
+  fskit::test::TempDir dir;
+  std::FILE *file = std::fopen(dir.file("large").c_str(), "w+b");
+  ASSERT_NE(file, nullptr);
+  const platform::FileOffset far = (platform::FileOffset(5) << 30) + 3;
+  ASSERT_EQ(platform::seekFile(file, far, SEEK_SET), 0);
+  ASSERT_EQ(std::fputc('x', file), 'x');
+  EXPECT_EQ(platform::tellFile(file), far + 1);
+  ASSERT_EQ(platform::seekFile(file, -1, SEEK_END), 0);
+  EXPECT_EQ(platform::tellFile(file), far);
+  EXPECT_EQ(std::fgetc(file), 'x');
+  std::fclose(file);
 }
