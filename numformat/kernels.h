@@ -108,8 +108,10 @@ inline T novaFloatToIeee(T nova) {
   auto exponent = asSigned(whole >> 23) + k;  // biased, of the result if normal
   T normal = whole + asUnsigned(k << 23);
   T large = bitsOf(asFloat((whole & 0x7FFFFFu) | 0x7F000000u) * 2.0f);
-  // Below 2^-251 the value stands in as 2^-126: it rounds the same way.
-  T scaled = pick(exponent >= -125, whole + asUnsigned((k + 126) << 23), T{} + 0x00800000u);
+  // Scaled by 2^126; below 2^-251 (a biased exponent of 0 or less, read as
+  // a signed number) the value stands in as 2^-126: it rounds the same way.
+  T shifted = normal + (126u << 23);
+  T scaled = pick(asSigned(shifted) > 0x00800000, shifted, T{} + 0x00800000u);
   T tiny = bitsOf(asFloat(scaled) + 1.0f) - 0x3F800000u;
   T magnitude = pick(exponent > 254, large, pick(exponent >= 1, normal, tiny));
   return pick(fraction == 0u, T{}, magnitude) | (nova & kSign32);
