@@ -17,7 +17,6 @@
 #include <cstdint>
 #include <functional>
 #include <numeric>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -33,22 +32,19 @@
 
 #include "bench/sort/ratios.h"
 #include "bench/sort/register_sort.h"
+#include "bench/sort/sort_data.h"
 
 namespace {
 
 constexpr size_t kCount = 10'000'000;
 constexpr int kIterations = 3;
 
-struct Record {  // 16 bytes, the key at offset 4
-  int32_t id;
-  int32_t key;
-  int64_t payload;
-};
-
-std::vector<int32_t> int32Keys;
-std::vector<float> floatKeys;
-std::vector<double> doubleKeys;
-std::vector<Record> records;
+using fskit::bench::Record;
+const fskit::bench::SortData data = fskit::bench::makeSortData(kCount);
+const std::vector<int32_t> &int32Keys = data.int32Keys;
+const std::vector<float> &floatKeys = data.floatKeys;
+const std::vector<double> &doubleKeys = data.doubleKeys;
+const std::vector<Record> &records = data.records;
 std::vector<int32_t> identity;
 std::vector<std::string> peers;  // the peers this build has, as named in the rows
 
@@ -172,20 +168,8 @@ void addSpreadsortRows() {
 }  // namespace
 
 int main(int argc, char **argv) {
-  std::mt19937_64 random(1);
-  int32Keys.resize(kCount);
-  floatKeys.resize(kCount);
-  doubleKeys.resize(kCount);
-  records.resize(kCount);
   identity.resize(kCount);
   std::iota(identity.begin(), identity.end(), 0);
-  std::uniform_real_distribution<double> real(-1e6, 1e6);
-  for (size_t k = 0; k < kCount; ++k) {
-    int32Keys[k] = int32_t(random());
-    floatKeys[k] = float(real(random));
-    doubleKeys[k] = real(random);
-    records[k] = {int32_t(k), int32_t(random()), int64_t(k)};
-  }
   addFskitRows();
 #if FSKIT_BENCH_PDQSORT
   addPdqsortRows();
@@ -197,12 +181,12 @@ int main(int argc, char **argv) {
   addSpreadsortRows();
 #endif
   // Against each peer, then against the fastest peer of each row.
-  const char *const data[] = {"int32",    "int32_desc",  "float",       "float_desc",  "double",
-                              "double_desc", "record16", "index_int32", "index_double"};
+  const char *const rows[] = {"int32",       "int32_desc", "float",       "float_desc",  "double",
+                              "double_desc", "record16",   "index_int32", "index_double"};
   std::vector<fskit::bench::Ratio> ratios;
   for (const std::string &peer : peers)
-    for (std::string row : data) ratios.push_back({row + "/fskit", row + "/" + peer});
-  for (std::string row : data) {
+    for (std::string row : rows) ratios.push_back({row + "/fskit", row + "/" + peer});
+  for (std::string row : rows) {
     std::string fastest;
     for (const std::string &peer : peers) fastest += (fastest.empty() ? "" : "|") + row + "/" + peer;
     ratios.push_back({row + "/fskit", fastest});

@@ -9,23 +9,19 @@
 #include <cstdlib>
 #include <functional>
 #include <numeric>
-#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/sort/ratios.h"
 #include "bench/sort/register_sort.h"
+#include "bench/sort/sort_data.h"
 
 namespace {
 
 constexpr size_t kCount = 10'000'000;
 
-struct Record {  // 16 bytes, the key at offset 4
-  int32_t id;
-  int32_t key;
-  int64_t payload;
-};
-
+using fskit::bench::Record;
 std::vector<int32_t> int32Keys;
 std::vector<double> doubleKeys;
 std::vector<Record> records;
@@ -67,16 +63,10 @@ std::vector<int32_t> identity() {
 }  // namespace
 
 int main(int argc, char **argv) {
-  std::mt19937_64 random(1);
-  int32Keys.resize(kCount);
-  doubleKeys.resize(kCount);
-  records.resize(kCount);
-  std::uniform_real_distribution<double> real(-1e6, 1e6);
-  for (size_t k = 0; k < kCount; ++k) {
-    int32Keys[k] = int32_t(random());
-    doubleKeys[k] = real(random);
-    records[k] = {int32_t(k), int32_t(random()), int64_t(k)};
-  }
+  fskit::bench::SortData data = fskit::bench::makeSortData(kCount);
+  int32Keys = std::move(data.int32Keys);
+  doubleKeys = std::move(data.doubleKeys);
+  records = std::move(data.records);
   indexedInt32 = int32Keys.data();
   indexedDouble = doubleKeys.data();
   static const std::vector<int32_t> index = identity();
