@@ -1,30 +1,36 @@
 // SPDX-License-Identifier: MIT
-// The INI reader on any text: lookups find the first paragraph and line of
-// each name, and a document that is written, read again and written again
-// gives the same bytes. With the first input byte odd, memory runs out after
-// (byte / 2) allocations of the first reading: what was read must still hold.
+// The INI readers on any text. The classic reader: lookups find the first
+// paragraph and line of each name, and a document that is written, read
+// again and written again gives the same bytes. With the first input byte
+// odd, memory runs out after (byte / 2) allocations of the first reading:
+// what was read must still hold. The lossless document: written back, the
+// same bytes; a value set changes one line of the old text (or none, adding
+// lines) and reads back; where the classic reader takes in the whole text,
+// each line in one piece, both find the same values.
 #include <unordered_map>
 
 #include "fuzz/support/fuzz_support.h"
 #include "ini/document.h"
+#include "ini/lossless.h"
 #include "tests/support/alloc_fault.h"
 
 using fskit::ini::FsIniFile;
 using fskit::ini::FsIniLine;
 using fskit::ini::FsIniParagraph;
+using fskit::ini::lossless::Document;
 
 namespace {
 
-struct Document {
+struct Classic {
   FsIniFile *file = FsIniFile::create("fuzz.ini");
-  Document() { FUZZ_CHECK(file != nullptr); }
-  ~Document() { delete file; }
+  Classic() { FUZZ_CHECK(file != nullptr); }
+  ~Classic() { delete file; }
 };
 
 // With `allocations` 0 or more, memory runs out after that many allocations
-// of the reading.
-void read(FsIniFile &document, const std::string &text, long allocations = -1) {
-  if (text.empty()) return;  // fmemopen takes no empty buffer
+// of the reading. True when the reading took in all of `text`.
+bool read(FsIniFile &document, const std::string &text, long allocations = -1) {
+  if (text.empty()) return true;  // fmemopen takes no empty buffer
   std::string bytes = text;
   std::FILE *stream = fmemopen(bytes.data(), bytes.size(), "r");
   FUZZ_CHECK(stream != nullptr);
@@ -32,7 +38,9 @@ void read(FsIniFile &document, const std::string &text, long allocations = -1) {
   const int result = document.read(stream);
   fskit::test::failAllocationFrom(0);
   FUZZ_CHECK(result == fskit::ini::kOk);
+  const bool all = std::ftell(stream) == long(text.size());
   std::fclose(stream);
+  return all;
 }
 
 std::string written(const FsIniFile &document) {
@@ -60,6 +68,14 @@ void checkLookups(const FsIniFile &document) {
 
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+// Whether a line of `text` is `longest` bytes or longer.
+bool hasLongLine(const std::string &text, size_t longest) {
+  size_t start = 0;
+  for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
+    if (end - start >= longest) return true;
+  return text.size() - start >= longest;
+}
+
 // What a file cannot carry back: a name holding a line feed (its header had
 // no closing bracket), a value that begins with white space or "=" (it stood
 // in quotes, which only a ';' brings back), and a written line too long to be
@@ -76,23 +92,68 @@ bool writtenBackAsRead(const FsIniFile &document, const std::string &text) {
         return false;
     }
   }
-  size_t start = 0;
-  for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
-    if (end - start > size_t(fskit::ini::kLineBuffer - 2)) return false;
-  return true;
+  return !hasLongLine(text.substr(0, text.rfind('\n') + 1), size_t(fskit::ini::kLineBuffer - 1));
+}
+
+// True when `after` differs from `before` within one line of `before` only:
+// the bytes between their common start and common end hold no line feed of
+// `before`, and at most three of `after` (a header and a line added after a
+// last line given its line end).
+bool changedOneLine(const std::string &before, const std::string &after) {
+  size_t prefix = 0, suffix = 0;
+  while (prefix < before.size() && prefix < after.size() && before[prefix] == after[prefix])
+    ++prefix;
+  while (suffix < before.size() - prefix && suffix < after.size() - prefix &&
+         before[before.size() - 1 - suffix] == after[after.size() - 1 - suffix])
+    ++suffix;
+  auto feeds = [&](const std::string &text) {
+    return std::count(text.begin() + prefix, text.end() - suffix, '\n');
+  };
+  return feeds(before) == 0 && feeds(after) <= 3;
+}
+
+void checkSet(const std::string &text, const std::string &paragraph, const std::string &topic) {
+  Document changed(text);
+  changed.setValue(paragraph, topic, "fuzz value", "");
+  const std::string after = changed.text();
+  FUZZ_CHECK(changedOneLine(text, after));
+  FUZZ_CHECK(Document(after).text() == after);
+  // A short topic's line is read in one piece.
+  if (topic.size() < 900) FUZZ_CHECK(Document(after).value(paragraph, topic) == "fuzz value");
+}
+
+// `classic` holds all of `text` as the classic reader read it, or is null.
+void checkLossless(const std::string &text, const FsIniFile *classic) {
+  Document document(text);
+  FUZZ_CHECK(document.text() == text);
+  const std::vector<Document::Entry> entries = document.values();
+  for (const Document::Entry &entry : entries) {
+    if (classic == nullptr) break;
+    const char *value = classic->valueOf(entry.paragraph.c_str(), entry.topic.c_str());
+    FUZZ_CHECK(entry.value ? value != nullptr && *entry.value == value : value == nullptr);
+  }
+  if (!entries.empty()) {
+    checkSet(text, entries.front().paragraph, entries.front().topic);
+    checkSet(text, entries.front().paragraph, "fuzz topic");
+  }
+  checkSet(text, "fuzz paragraph", "t");
 }
 
 }  // namespace
 
 FUZZ_TARGET(input) {
   const uint8_t budget = takeByte(input);
-  Document first;
-  read(*first.file, std::string(input), budget % 2 == 1 ? budget / 2 : -1);
+  const std::string text(input);
+  const bool faults = budget % 2 == 1;
+  Classic first;
+  const bool all = read(*first.file, text, faults ? budget / 2 : -1);
   checkLookups(*first.file);
+  const bool whole = all && !faults && !hasLongLine(text, size_t(fskit::ini::kLineBuffer - 1));
+  checkLossless(text, whole ? first.file : nullptr);
 
   const std::string once = written(*first.file);
   if (!writtenBackAsRead(*first.file, once)) return;
-  Document second;
+  Classic second;
   read(*second.file, once);
   FUZZ_CHECK(written(*second.file) == once);
 }
