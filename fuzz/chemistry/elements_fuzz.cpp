@@ -12,8 +12,6 @@
 
 namespace {
 
-std::string elementFile() { return scratchFile("elements.tbl"); }
-
 // The number of records the reading gives: each piece of at most 131
 // characters is a line; an element line (first field in column 0 or 1) adds
 // two records, an isotope line after an element one; 500 records give -1.
@@ -50,9 +48,9 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 }
 
 FUZZ_TARGET(file) {
-  writeBytes(elementFile(), file);
+  writeBytes(scratchFile("elements.tbl"), file);
   FUZZ_CHECK(fsInitElemTable(0, 0) == 1);  // forgets the table and the name it came from
-  FUZZ_CHECK(fsLoadElemTable(elementFile().c_str()) == 1);
+  FUZZ_CHECK(fsLoadElemTable(scratchFile("elements.tbl").c_str()) == 1);
 
   const int32_t count = fsElementTableCount();
   FUZZ_CHECK(count == expectedCount(file));

@@ -14,9 +14,6 @@
 
 namespace {
 
-std::string file(const char *name) { return scratchFile(name); }
-std::string workDirectory() { return file(""); }
-
 // The lines of each chunk as the chunk phase reads them: pieces of at most
 // `buffer` bytes cut after their last line feed; a piece without one ends
 // the reading. A line ends at its line feed or first NUL.
@@ -56,26 +53,26 @@ FUZZ_TARGET(input) {
   const bool keep = mode & 1, counts = mode & 2;
   // At most about 40 chunks: more than one merge pass, at a bearable cost.
   const long buffer = bufferByte == 0 ? 0 : std::max<long>(bufferByte, long(input.size() / 40) + 1);
-  writeBytes(file("in"), input);
-  std::filesystem::remove(file("out"));
+  const std::string in = scratchFile("in"), out = scratchFile("out"), work = scratchFile("");
+  writeBytes(in, input);
+  std::filesystem::remove(out);
   long result = -1;
   const std::string printed = caughtStream(::stdout, [&] {
-    result = fsStrSort(file("in").c_str(), file("out").c_str(), workDirectory().c_str(),
-                       buffer, keep, counts);
+    result = fsStrSort(in.c_str(), out.c_str(), work.c_str(), buffer, keep, counts);
   });
-  for (const auto &entry : std::filesystem::directory_iterator(workDirectory()))
+  for (const auto &entry : std::filesystem::directory_iterator(work))
     FUZZ_CHECK(entry.path().filename().string().rfind("sort_", 0) != 0);  // no work file left
   FUZZ_CHECK(printed.ends_with("\n" + std::to_string(result) + " records written\n"));
   if (input.empty()) {
-    FUZZ_CHECK(result == 0 && !std::filesystem::exists(file("out")));
+    FUZZ_CHECK(result == 0 && !std::filesystem::exists(out));
     return;
   }
 
   const auto chunks = chunksOf(input, buffer == 0 ? input.size() : size_t(buffer));
   std::string written;
-  if (std::FILE *in = std::fopen(file("out").c_str(), "rb")) {
-    for (int c; (c = std::getc(in)) != EOF;) written += char(c);
-    std::fclose(in);
+  if (std::FILE *stream = std::fopen(out.c_str(), "rb")) {
+    for (int c; (c = std::getc(stream)) != EOF;) written += char(c);
+    std::fclose(stream);
   }
   const std::vector<std::string> lines = linesOf(written);
   FUZZ_CHECK(long(lines.size()) == result && (written.empty() || written.back() == '\n'));

@@ -142,8 +142,10 @@ TEST(DateTime, CurrentTimeFillsWhatTheInputLacks) {
 }
 
 TEST(DateTime, FailuresAreReportedOnStandardError) {
-  struct Case { int in; const char *input; int out; const char *text, *err; };
+  struct Case { int in; std::string input; int out; const char *text; std::string err; };
+  const std::string longInput(5000, 'x');
   const Case cases[] = {
+      {2, longInput, 1, "#", "Unable to generate valid input date from: " + longInput + "\n"},
       {12, "3/7/98", 0, "#", "Unable to generate valid input date from: 3/7/98\n"},
       {0, "3/7", 0, "#", "Unable to generate valid input date from: 3/7\n"},
       {0, "13/7/98", 0, "#", "Unable to generate valid input date from: 13/7/98\n"},
@@ -153,7 +155,7 @@ TEST(DateTime, FailuresAreReportedOnStandardError) {
       {0, "3/7/98", 11, "", "Unsupported date/time output format 11"},
   };
   for (const Case &c : cases) {
-    Converted got = convert(c.in, c.input, c.out);
+    Converted got = convert(c.in, c.input.c_str(), c.out);
     EXPECT_EQ(std::to_string(got.result) + got.text + got.err, std::string("0") + c.text + c.err);
   }
   Converted replaced = convert(13, "3/7/98", 5, nullptr, 1);

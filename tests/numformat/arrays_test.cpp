@@ -24,14 +24,15 @@ using fskit::numformat::findArrayFormat;
 
 using OneValue = void (*)(void *, void *);
 
-// The one-value result of the format for `count` values, written as the
-// arrays write them (the Quor record as its packed struct).
+// The one-value results of `convert` over values of `inSize` bytes (by
+// default the format's foreign size), written as the arrays write them.
 std::vector<unsigned char> oneAtATime(const ArrayFormat &format, const std::vector<unsigned char> &in,
-                                      size_t outSize, OneValue convert) {
-  size_t count = in.size() / format.size;
+                                      size_t outSize, OneValue convert, size_t inSize = 0) {
+  if (inSize == 0) inSize = format.size;
+  size_t count = in.size() / inSize;
   std::vector<unsigned char> out(count * outSize), value(16);
   for (size_t i = 0; i < count; ++i) {
-    std::memcpy(value.data(), in.data() + i * format.size, format.size);
+    std::memcpy(value.data(), in.data() + i * inSize, inSize);
     unsigned char result[16] = {};
     convert(value.data(), result);
     std::memcpy(out.data() + i * outSize, result, outSize);
@@ -68,6 +69,24 @@ void hpDouble(void *in, void *out) { decodeHpDouble(in, out); }
 void ieeeFloat(void *in, void *out) { decodeIeeeFloat(in, out); }
 void ieeeDouble(void *in, void *out) { decodeIeeeDouble(in, out); }
 
+// The Quor record one at a time, out of and into the arrays' packed struct.
+void decodeRecord(void *in, void *out) {
+  double mass;
+  float intensity;
+  uint8_t flags;
+  decodeQuorMassInty(in, &mass, &intensity, &flags);
+  fskit::numformat::QuorRecord record{mass, intensity, flags};
+  std::memcpy(out, &record, sizeof record);
+}
+void encodeRecord(void *in, void *out) {
+  fskit::numformat::QuorRecord record;
+  std::memcpy(&record, in, sizeof record);
+  double mass = record.mass;
+  float intensity = record.intensity;
+  uint8_t flags = record.flags;
+  encodeQuorMassInty(&mass, &intensity, &flags, out);
+}
+
 const Decoder kDecoders[] = {
     {"vaxf", 4, decodeVaxFloat},      {"vaxd", 8, decodeVaxDouble},
     {"hpshort", 2, decodeHpShort},    {"hplong", 4, decodeHpLong},
@@ -75,7 +94,7 @@ const Decoder kDecoders[] = {
     {"novad", 8, decodeNovaDouble},   {"incos", 4, incos},
     {"quorinty", 4, decodeQuorInty},  {"novaushort", 2, decodeNovaUshort},
     {"novaulong", 4, decodeNovaUlong}, {"ieeef", 4, ieeeFloat},
-    {"ieeed", 8, ieeeDouble},
+    {"ieeed", 8, ieeeDouble},         {"quorrec", 13, decodeRecord},
 };
 
 TEST(ArrayConverters, DecodeRandomBytesAsTheOneValueFunctions) {
@@ -134,40 +153,20 @@ TEST(ArrayConverters, EncodeAsTheOneValueFunctions) {
     const ArrayFormat &format = *findArrayFormat(encoder.name);
     for (size_t count : {0, 1, 4, 7, 8, 9, 33, 1000}) {
       auto in = randomBytes(count * encoder.inSize, unsigned(count) + 99);
-      std::vector<unsigned char> out(count * format.size), expected(count * format.size);
+      std::vector<unsigned char> out(count * format.size);
       format.encode(in.data(), out.data(), count);
-      for (size_t i = 0; i < count; ++i) {
-        unsigned char value[16], result[16];
-        std::memcpy(value, in.data() + i * encoder.inSize, encoder.inSize);
-        encoder.convert(value, result);
-        std::memcpy(expected.data() + i * format.size, result, format.size);
-      }
-      EXPECT_EQ(out, expected) << count;
+      EXPECT_EQ(out, oneAtATime(format, in, format.size, encoder.convert, encoder.inSize)) << count;
     }
   }
 }
 
-TEST(ArrayConverters, QuorRecordsBothWays) {
+TEST(ArrayConverters, QuorRecordsEncodeAsTheOneValueFunction) {
+  // Decoded records, so that every mass and intensity is one a record holds.
   const ArrayFormat &format = *findArrayFormat("quorrec");
-  auto records = randomBytes(6 * 500, 7);
-  std::vector<fskit::numformat::QuorRecord> decoded(500);
-  format.decode(records.data(), decoded.data(), decoded.size());
-  for (size_t i = 0; i < decoded.size(); ++i) {
-    double mass;
-    float intensity;
-    uint8_t flags;
-    decodeQuorMassInty(records.data() + 6 * i, &mass, &intensity, &flags);
-    ASSERT_EQ(std::memcmp(&decoded[i].mass, &mass, 8), 0) << i;
-    ASSERT_EQ(std::memcmp(&decoded[i].intensity, &intensity, 4), 0) << i;
-    ASSERT_EQ(decoded[i].flags, flags) << i;
-  }
-  std::vector<unsigned char> encoded(records.size());
-  format.encode(decoded.data(), encoded.data(), decoded.size());
-  for (size_t i = 0; i < decoded.size(); ++i) {
-    unsigned char expected[6];
-    encodeQuorMassInty(&decoded[i].mass, &decoded[i].intensity, &decoded[i].flags, expected);
-    ASSERT_EQ(std::memcmp(encoded.data() + 6 * i, expected, 6), 0) << i;
-  }
+  auto decoded = throughArray(format, randomBytes(6 * 500, 7), 13);
+  std::vector<unsigned char> encoded(6 * 500);
+  format.encode(decoded.data(), encoded.data(), 500);
+  EXPECT_EQ(encoded, oneAtATime(format, decoded, 6, encodeRecord, 13));
 }
 
 TEST(ArrayConverters, FormatTable) {
