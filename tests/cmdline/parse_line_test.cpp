@@ -173,7 +173,6 @@ TEST(CommandLine, ExamplesAndEdgeCases) {
       {"a=b", '=', "stop args 1 quals 0", "Invalid delimiter =b\n"},
       {"ab\"c\"", '"', "stop args 1 quals 0", "Invalid delimiter \"c\"\n"},
       {"/a/b /c=x/d /e,f=g,h", 0, "/a/b/c=[x]/d/e,f=[g,h]", ""},
-      {"\"a\"\"b", 0, "[a\"bb] ", "Unmatched quoted string.\n"},
       {"/q=(a", 0, "/q=[(a]", "Unterminated list.\n"},
       {repeat("a ", 20) + "\xe9", -23, "stop args 21 quals 0",
        "Exceeded maximum number of arguments.\n"},

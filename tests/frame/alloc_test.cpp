@@ -7,11 +7,6 @@
 #include <string>
 
 
-namespace {
-// The bytes of a block, NULs included.
-std::string bytes(const char *block, size_t size) { return std::string(block, size); }
-}  // namespace
-
 TEST(Alloc, StrmallocCopiesWithTerminator) {
   char *empty = strmalloc("");
   ASSERT_NE(empty, nullptr);
@@ -23,16 +18,16 @@ TEST(Alloc, StrmallocCopiesWithTerminator) {
   strfree(nullptr);
   EXPECT_EQ(strmalloc(nullptr), nullptr);
   char *copy = strmalloc("abc\x80");
-  EXPECT_EQ(bytes(copy, 5), std::string("abc\x80\0", 5));
+  EXPECT_EQ(std::string(copy, 5), std::string("abc\x80\0", 5));
   strfree(&copy);
   EXPECT_EQ(copy, nullptr);
 }
 
 TEST(Alloc, StrnmallocGivesExactlySizeBytes) {
   char *cut = strnmalloc("abcdef", 4);
-  EXPECT_EQ(bytes(cut, 4), std::string("abc\0", 4));
+  EXPECT_EQ(std::string(cut, 4), std::string("abc\0", 4));
   char *padded = strnmalloc("ab", 6);
-  EXPECT_EQ(bytes(padded, 6), std::string("ab\0\0\0\0", 6));
+  EXPECT_EQ(std::string(padded, 6), std::string("ab\0\0\0\0", 6));
   char *one = strnmalloc("ab", 1);
   EXPECT_EQ(one[0], '\0');
   EXPECT_EQ(strnmalloc("ab", 0), nullptr);
@@ -73,7 +68,7 @@ TEST(Alloc, Strrealloc2JoinsThenReleasesOld) {
   p = strrealloc2(p, nullptr);
   EXPECT_STREQ(p, "");
   char *joined = strrealloc2(nullptr, "a", "b", "c", nullptr);
-  EXPECT_EQ(bytes(joined, 4), std::string("abc\0", 4));
+  EXPECT_EQ(std::string(joined, 4), std::string("abc\0", 4));
   // With a null first text the further texts are not read at all.
   char *empty = strrealloc2(nullptr, nullptr, reinterpret_cast<const char *>(1));
   EXPECT_STREQ(empty, "");

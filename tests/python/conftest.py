@@ -11,6 +11,7 @@ from __future__ import annotations
 import ctypes
 import os
 import pathlib
+import threading
 
 import pytest
 
@@ -43,3 +44,12 @@ def tool() -> str:
     if not path:
         pytest.skip("FSKIT_TOOL names no built fskit tool")
     return path
+
+
+def run_threads(work, arguments) -> None:
+    """work(argument) in a thread of its own for each argument, all at once."""
+    threads = [threading.Thread(target=work, args=(argument,)) for argument in arguments]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()

@@ -15,6 +15,7 @@ import numpy as np
 import pytest
 
 import fskit
+from conftest import run_threads
 
 SCRIPT = """
 import fskit
@@ -79,9 +80,5 @@ def test_threads_see_their_own_results_and_messages():
             if not np.all(masses.nominal == 12 * (index + 1) + 4):
                 failures.append("masses")
 
-    threads = [threading.Thread(target=work, args=(i,)) for i in range(8)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
+    run_threads(work, range(8))
     assert failures == []

@@ -6,12 +6,12 @@ format, buffers of every kind, bad input and several threads at once."""
 from __future__ import annotations
 
 import ctypes
-import threading
 
 import numpy as np
 import pytest
 
 import fskit
+from conftest import run_threads
 
 # format: (C decoder, C encoder or None)
 C_NAMES = {
@@ -192,9 +192,5 @@ def test_threads_decode_at_once():
             if not same_bits(fskit.decode(data, fmt), expected[fmt]):
                 failures.append(fmt)
 
-    threads = [threading.Thread(target=work, args=(fmt,)) for fmt in list(expected) * 2]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
+    run_threads(work, list(expected) * 2)
     assert failures == []

@@ -110,11 +110,6 @@ TEST(Clean, Tokens) {
   EXPECT_EQ(readTokens("abcde,fg", 2), (Tokens{"ab", "cd", "e", "fg", "@8"}));
   EXPECT_EQ(readTokens("ab,c", 2), (Tokens{"ab", "c", "@4"}));
   EXPECT_EQ(readTokens("ab,c", 0), (Tokens{"", "", "@4"}));
-  char token[4] = "xyz";
-  int32_t pos = 2;
-  EXPECT_EQ(strtoken("ab", ",", 3, token, &pos), nullptr);
-  EXPECT_EQ(pos, 2);
-  EXPECT_STREQ(token, "");
 
   // strqtoks against the reference split, with every cap from 0 to 3.
   fskit::test::RandomText random(99);

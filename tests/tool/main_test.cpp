@@ -27,7 +27,6 @@ TEST(Tool, VersionPlatformHelpAndUsageErrors) {
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("  version"), std::string::npos);
   EXPECT_NE(help.out.find("  platform"), std::string::npos);
-  EXPECT_EQ(runTool({"version", "--help"}).out.find("usage: fskit version"), 0u);
 
   for (const auto &args : {std::vector<std::string>{}, {"no-such-command"}, {"version", "x"}}) {
     auto bad = runTool(args);
