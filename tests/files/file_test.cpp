@@ -19,6 +19,7 @@
 #include <ctime>
 #include <string>
 
+#include "platform/file_offset.h"
 #include "tests/support/test_support.h"
 
 using fskit::test::TempDir;
@@ -106,6 +107,15 @@ TEST(FileRecords, ExistsAndSize) {
   EXPECT_EQ(fsFileSize(unseekable), -1);
   std::fclose(unseekable);
   close(ends[1]);
+  // Past 4 GiB (a sparse file): too large for the result, not wrapped to 1234.
+  FILE *large = std::fopen(dir.file("large").c_str(), "w+b");
+  ASSERT_NE(large, nullptr);
+  const fskit::platform::FileOffset last = (fskit::platform::FileOffset(1) << 32) + 1233;
+  ASSERT_EQ(fskit::platform::seekFile(large, last, SEEK_SET), 0);
+  ASSERT_EQ(std::fputc('x', large), 'x');
+  EXPECT_EQ(fsFileSize(large), -1);
+  EXPECT_EQ(fskit::platform::tellFile(large), 0);
+  std::fclose(large);
 }
 
 TEST(FileRecords, LastModifiedIsTheLocalTimeStamp) {
