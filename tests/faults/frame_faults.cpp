@@ -10,28 +10,26 @@
 using fskit::test::forEachAllocationFailure;
 
 TEST(FrameFaults, CopiesGiveNullAndReleaseAsDocumented) {
-  char *result = nullptr;
-  for (bool bounded : {false, true}) {
-    long runs = forEachAllocationFailure(
-        [&] { result = bounded ? strnmalloc("abc", 8) : strmalloc("abc"); },
-        [&](long, bool refused) {
-          EXPECT_EQ(result == nullptr, refused);
-          fsFree(&result);
-        });
-    EXPECT_EQ(runs, 2);
-  }
-
   // strrealloc has released `old` whether or not the copy succeeded; the
   // leak checker of the sanitizer build would report it otherwise.
-  forEachAllocationFailure([&] { result = strrealloc(strmalloc("old"), "new"); },
-                           [&](long k, bool refused) {
-                             if (!refused) {
-                               EXPECT_STREQ(result, "new");
-                             } else if (k == 2) {
-                               EXPECT_EQ(result, nullptr);  // old was released
-                             }
-                             fsFree(&result);
-                           });
+  const struct {
+    char *(*copy)();
+    long runs;
+  } copies[] = {{[] { return strmalloc("abc"); }, 2},
+                {[] { return strnmalloc("abc", 8); }, 2},
+                {[] { return strrealloc(strmalloc("old"), "abc"); }, 3}};
+  char *result = nullptr;
+  for (const auto &row : copies) {
+    long runs = forEachAllocationFailure([&] { result = row.copy(); },
+                                         [&](long, bool refused) {
+                                           EXPECT_EQ(result == nullptr, refused);
+                                           if (!refused) {
+                                             EXPECT_STREQ(result, "abc");
+                                           }
+                                           fsFree(&result);
+                                         });
+    EXPECT_EQ(runs, row.runs);
+  }
 
   // strrealloc2 keeps `old` when it cannot allocate.
   char *old = strmalloc("keep");
