@@ -45,11 +45,13 @@ std::string taken(char *&copy) {
 TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
   fskit::test::TempDir dir;
   const std::string path = dir.file("f");
-  char *copy = nullptr, *filled = nullptr, field[8], error[128];
+  char *copy = nullptr, *filled = nullptr, *old = strmalloc("keep"), field[8], error[128];
   char prog[] = "prog", text[] = "x";
   char *argv[] = {prog}, *texts[] = {text};
   int32_t count = 1, codes[] = {1}, auxCodes[] = {0}, result = -1;
   FsFile file{};
+  KwaArray array{7, 0, 0, 0, nullptr};
+  ASSERT_EQ(kwaArrayAlloc(&array, 4, 8), 1);
   fsRegisterMessage(countCall);
   const struct {
     const char *name;
@@ -63,6 +65,14 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
       // strrealloc has released `old` whether or not the copy succeeded.
       {"strrealloc", [&] { copy = strrealloc(strmalloc("old"), "abc"); }, [&] { return taken(copy); },
        "abc", "null", 3},
+      // strrealloc2 keeps `old` when it cannot allocate, and releases it when it can.
+      {"strrealloc2", [&] { copy = strrealloc2(old, old, "+", nullptr); },
+       [&] {
+         if (copy == nullptr) return "null " + std::string(old);
+         old = nullptr;
+         return taken(copy);
+       },
+       "keep+", "null keep", 2},
       {"kwaCmdLnStr", [&] { copy = kwaCmdLnStr(1, argv, nullptr); }, [&] { return taken(copy); }, "", "null",
        2},
       // A field copy that fails leaves the destination untouched.
@@ -88,6 +98,16 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
          return told;
        },
        "open", "12 Not enough memory", 2},
+      // The sizes are the new ones, with or without the buffer.
+      {"kwaArrayAlloc", [&] { result = kwaArrayAlloc(&array, 10, 2); },
+       [&] {
+         std::string told = std::to_string(result) + (array.data ? " data " : " null ") +
+                            std::to_string(array.count) + " " + std::to_string(array.capacity) + " " +
+                            std::to_string(array.elemSize) + " " + std::to_string(array.user);
+         if (result == 0) array.capacity = 4;  // ask again for more than it has
+         return told;
+       },
+       "1 data 10 10 2 7", "0 null 10 10 2 7", 2},
   };
   for (const auto &entry : entries) {
     SCOPED_TRACE(entry.name);
@@ -96,21 +116,7 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
     });
     EXPECT_EQ(runs, entry.runs);
   }
-}
-
-TEST(EntryPointFaults, ReallocatingConcatenationKeepsTheOld) {
-  char *old = strmalloc("keep"), *result = nullptr;
-  forEachAllocationFailure([&] { result = strrealloc2(old, old, "+", nullptr); },
-                           [&](long, bool refused) {
-                             if (refused) {
-                               EXPECT_EQ(result, nullptr);
-                               EXPECT_STREQ(old, "keep");
-                             } else {
-                               EXPECT_STREQ(result, "keep+");
-                               old = nullptr;  // released by the successful call
-                             }
-                           });
-  fsFree(&result);
+  std::free(array.data);
 }
 
 TEST(EntryPointFaults, AShortTextInAHugeFieldNeedsLittleMemory) {
@@ -133,22 +139,6 @@ TEST(EntryPointFaults, JoinedLineEndsTheProcessWithoutMemory) {
         kwaCmdLnStr(2, argv, nullptr);
       },
       testing::ExitedWithCode(1), "^Out of memory in kwaCmdLnStr\\(\\)\n$");
-}
-
-TEST(EntryPointFaults, ArrayKeepsNewSizesWithoutBuffer) {
-  KwaArray array{7, 0, 0, 0, nullptr};
-  ASSERT_EQ(kwaArrayAlloc(&array, 4, 8), 1);
-  int32_t result = -1;
-  forEachAllocationFailure([&] { result = kwaArrayAlloc(&array, 10, 2); },
-                           [&](long, bool refused) {
-                             EXPECT_EQ(result, refused ? 0 : 1);
-                             EXPECT_EQ(array.data == nullptr, refused);
-                             EXPECT_EQ((std::vector{array.count, array.capacity, int32_t(array.elemSize)}),
-                                       (std::vector{10, 10, 2}));
-                             EXPECT_EQ(array.user, 7);
-                             if (refused) array.capacity = 4;  // ask again for more than it has
-                           });
-  std::free(array.data);
 }
 
 TEST(EntryPointFaults, TableThatCannotGrowIsReleased) {
