@@ -67,11 +67,10 @@ TEST(ChemistryFaults, LoadsGiveATableOrNoneWithAMessage) {
 TEST(ChemistryFaults, ParserBeyondHundredSymbolsFallsBack) {
   ASSERT_EQ(fsLoadElemTable(FSKIT_SOURCE_DIR "/data/kw_elements.tbl"), 1);
   std::string formula;
-  for (int32_t i = 0, labels = 0; labels < 150; ++i) {  // elements and isotopes alike
+  for (int32_t i = 0; i < 150; ++i) {  // elements and isotopes alike
     FsElementRecord record;
     ASSERT_EQ(fsGetElementInfo(i, &record), 1);
     formula += std::string(record.label, strnlen(record.label, sizeof record.label)) + "2 ";
-    ++labels;
   }
   char symbols[150][10];
   int32_t counts[150];

@@ -65,10 +65,15 @@ extern "C" std::FILE *__wrap_fdopen(int fd, const char *mode) {
   return fopencookie(reinterpret_cast<void *>(intptr_t(fd)), mode, io);
 }
 
-TEST(IniFaults, OpeningKeepsWhatWasRead) {
+// A file of kText in a directory of its own.
+class IniFaults : public testing::Test {
+ protected:
+  IniFaults() { writeFile(path, kText); }
   TempDir dir;
   const std::string path = dir.file("a.ini");
-  writeFile(path, kText);
+};
+
+TEST_F(IniFaults, OpeningKeepsWhatWasRead) {
   for (bool read : {false, true}) {
     int32_t handle = 0;
     StreamCatcher err(stderr);
@@ -98,10 +103,7 @@ TEST(IniFaults, OpeningKeepsWhatWasRead) {
   }
 }
 
-TEST(IniFaults, SettingKeepsTheRest) {
-  TempDir dir;
-  const std::string path = dir.file("a.ini");
-  writeFile(path, kText);
+TEST_F(IniFaults, SettingKeepsTheRest) {
   const int32_t handle = fsIniReadFile(path.c_str());
   StreamCatcher lookups(stderr);  // a value lost to the failure is reported when looked up
   auto valueOf = [&](const char *paragraph, const char *topic) {
@@ -130,10 +132,7 @@ TEST(IniFaults, SettingKeepsTheRest) {
   EXPECT_EQ(valueOf("C", "n") + valueOf("B", "m") + valueOf("A", "x"), "567");
 }
 
-TEST(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
-  TempDir dir;
-  const std::string path = dir.file("a.ini");
-  writeFile(path, kText);
+TEST_F(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
   const int32_t handle = fsIniReadFile(path.c_str());
   fsIniSetValue(handle, "A", "x", "7", "");
   int32_t written = -1;
@@ -154,9 +153,7 @@ TEST(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
       });
 }
 
-TEST(IniFaults, AFailedWriteLeavesTheOldFile) {
-  TempDir dir;
-  const std::string path = dir.file("keep.ini");
+TEST_F(IniFaults, AFailedWriteLeavesTheOldFile) {
   const std::string old = "[A]\nx = 1\n";
   writeFile(path, old);
   const int32_t handle = fsIniReadFile(path.c_str());
@@ -179,11 +176,9 @@ TEST(IniFaults, AFailedWriteLeavesTheOldFile) {
   writeFault = {};
 }
 
-TEST(IniFaults, LookupsWithoutMemoryForTheirIndexScan) {
+TEST_F(IniFaults, LookupsWithoutMemoryForTheirIndexScan) {
   // Long lists get a hash index on their first lookup; without memory for it
   // the lookup scans, and finds the same first match.
-  TempDir dir;
-  const std::string path = dir.file("long.ini");
   std::string text;
   for (int p = 0; p < 20; ++p) {
     text += "[P" + std::to_string(p) + "]\n";
@@ -201,10 +196,7 @@ TEST(IniFaults, LookupsWithoutMemoryForTheirIndexScan) {
   EXPECT_GE(runs, 3);  // the index of the paragraphs, then of the lines
 }
 
-TEST(IniFaults, ACopiedValueIsWholeOrNone) {
-  TempDir dir;
-  const std::string path = dir.file("a.ini");
-  writeFile(path, kText);
+TEST_F(IniFaults, ACopiedValueIsWholeOrNone) {
   const int32_t handle = fsIniReadFile(path.c_str());
   char *copy = nullptr;
   long runs = forEachAllocationFailure([&] { copy = fskit::ini::copyValueOf(handle, "A", "y"); },

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: MIT
+// The allocating functions of the frame, strings, command-line and files
+// families under allocation failure: each gives its whole result, or its
+// documented failure with nothing half done and nothing leaked (the leak
+// checker of the sanitizer build would report a lost block).
+#include <fskit/cmdline.h>
+#include <fskit/files.h>
+#include <fskit/frame.h>
+#include <fskit/strings.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/support/alloc_fault.h"
+#include "tests/support/test_support.h"
+
+using fskit::test::failAllocationFrom;
+using fskit::test::forEachAllocationFailure;
+
+namespace {
+
+int calls = 0;
+int32_t countCall(const char *, int32_t *, int32_t *, int32_t *, int32_t *, char **) {
+  ++calls;
+  return 0;
+}
+
+// The text of a copy, or "null"; the copy is released.
+std::string taken(char *&copy) {
+  std::string text = copy != nullptr ? copy : "null";
+  fsFree(&copy);
+  return text;
+}
+
+}  // namespace
+
+// Each function is called armed, then (unarmed) its result is told as text:
+// the whole result when nothing was refused, the failure otherwise.
+TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
+  fskit::test::TempDir dir;
+  const std::string path = dir.file("f");
+  char *copy = nullptr, *filled = nullptr, *old = strmalloc("keep"), field[8], error[128];
+  char prog[] = "prog", text[] = "x";
+  char *argv[] = {prog}, *texts[] = {text};
+  int32_t count = 1, codes[] = {1}, auxCodes[] = {0}, result = -1;
+  FsFile file{};
+  KwaArray array{7, 0, 0, 0, nullptr};
+  ASSERT_EQ(kwaArrayAlloc(&array, 4, 8), 1);
+  fsRegisterMessage(countCall);
+  const struct {
+    const char *name;
+    std::function<void()> call;
+    std::function<std::string()> told;
+    std::string whole, refused;
+    long runs;
+  } entries[] = {
+      {"strmalloc", [&] { copy = strmalloc("abc"); }, [&] { return taken(copy); }, "abc", "null", 2},
+      {"strnmalloc", [&] { copy = strnmalloc("abc", 8); }, [&] { return taken(copy); }, "abc", "null", 2},
+      // strrealloc has released `old` whether or not the copy succeeded.
+      {"strrealloc", [&] { copy = strrealloc(strmalloc("old"), "abc"); }, [&] { return taken(copy); },
+       "abc", "null", 3},
+      // strrealloc2 keeps `old` when it cannot allocate, and releases it when it can.
+      {"strrealloc2", [&] { copy = strrealloc2(old, old, "+", nullptr); },
+       [&] {
+         if (copy == nullptr) return "null " + std::string(old);
+         old = nullptr;
+         return taken(copy);
+       },
+       "keep+", "null keep", 2},
+      {"kwaCmdLnStr", [&] { copy = kwaCmdLnStr(1, argv, nullptr); }, [&] { return taken(copy); }, "", "null",
+       2},
+      // A field copy that fails leaves the destination untouched.
+      {"strfcpy",
+       [&] {
+         std::memset(field, '~', sizeof field);
+         filled = strfcpy(field, sizeof field, "  ab   cd  ", 11);
+       },
+       [&] { return (filled == field ? "field " : "null ") + std::string(field, sizeof field); },
+       std::string("field ab cd\0\0\0", 14), "null ~~~~~~~~", 2},
+      // Without memory no message function is called.
+      {"fsMessages",
+       [&] {
+         calls = 0;
+         result = fsMessages("r", &count, codes, auxCodes, texts);
+       },
+       [&] { return std::to_string(result) + " calls " + std::to_string(calls); }, "0 calls 1",
+       "1 calls 0", 2},
+      {"fsFileOpen", [&] { result = fsFileOpen(path.c_str(), "w", &file, error); },
+       [&] {
+         std::string told = result == 1 ? "open" : error + std::string(file.name ? " name" : "");
+         fsFileClose(&file, nullptr);
+         return told;
+       },
+       "open", "12 Not enough memory", 2},
+      // The sizes are the new ones, with or without the buffer.
+      {"kwaArrayAlloc", [&] { result = kwaArrayAlloc(&array, 10, 2); },
+       [&] {
+         std::string told = std::to_string(result) + (array.data ? " data " : " null ") +
+                            std::to_string(array.count) + " " + std::to_string(array.capacity) + " " +
+                            std::to_string(array.elemSize) + " " + std::to_string(array.user);
+         if (result == 0) array.capacity = 4;  // ask again for more than it has
+         return told;
+       },
+       "1 data 10 10 2 7", "0 null 10 10 2 7", 2},
+  };
+  for (const auto &entry : entries) {
+    SCOPED_TRACE(entry.name);
+    long runs = forEachAllocationFailure(entry.call, [&](long, bool refused) {
+      EXPECT_EQ(entry.told(), refused ? entry.refused : entry.whole);
+    });
+    EXPECT_EQ(runs, entry.runs);
+  }
+  std::free(array.data);
+}
+
+TEST(EntryPointFaults, AShortTextInAHugeFieldNeedsLittleMemory) {
+  // The work copy was as large as the field said, 4 GiB here (and calloc'ed
+  // and filled); where that much cannot be had the copy failed.
+  fskit::test::refuseAllocationsAbove(1 << 20);
+  char dst[16];
+  std::memset(dst, '~', sizeof dst);
+  EXPECT_EQ(strfcpy(dst, sizeof dst, "  ab   cd", UINT32_MAX), dst);
+  fskit::test::refuseAllocationsAbove(0);
+  EXPECT_EQ(std::string(dst, sizeof dst), std::string("ab cd\0\0\0\0\0\0\0\0\0\0\0", 16));
+}
+
+TEST(EntryPointFaults, JoinedLineEndsTheProcessWithoutMemory) {
+  char prog[] = "prog", a[] = "a";
+  char *argv[] = {prog, a};
+  EXPECT_EXIT(
+      {
+        failAllocationFrom(1);
+        kwaCmdLnStr(2, argv, nullptr);
+      },
+      testing::ExitedWithCode(1), "^Out of memory in kwaCmdLnStr\\(\\)\n$");
+}
+
+TEST(EntryPointFaults, TableThatCannotGrowIsReleased) {
+  // Ten records fill the first block; the eleventh line needs a second. Every
+  // failure leaves either a null table (the old block released, which the
+  // leak checkers confirm) or all eleven records.
+  std::string file;
+  for (int i = 0; i < 11; ++i) file += "t" + std::to_string(i) + " label " + std::to_string(i) + "\n";
+  int32_t count = 0, capacity = 0, result = 0;
+  KwaTagEntry *table = nullptr;
+  long runs = forEachAllocationFailure(
+      [&] {
+        count = capacity = 0;
+        std::FILE *stream = fmemopen(file.data(), file.size(), "r");
+        result = kwaReadTags(stream, 0, &count, &capacity, &table);
+        std::fclose(stream);
+      },
+      [&](long k, bool refused) {
+        EXPECT_EQ(result, 1);
+        EXPECT_EQ(table == nullptr, refused);
+        EXPECT_EQ(count, refused ? 10 * (k - 1) : 11);
+        std::free(table);
+        table = nullptr;
+      });
+  EXPECT_EQ(runs, 3);
+
+  count = capacity = 1;
+  table = static_cast<KwaTagEntry *>(std::calloc(1, sizeof(KwaTagEntry)));
+  failAllocationFrom(1);
+  EXPECT_EQ(kwaAddToTbl("B", "b", &count, &capacity, &table), 0);
+  failAllocationFrom(0);
+  EXPECT_TRUE(table == nullptr && count == 1);
+}
+
+TEST(EntryPointFaults, ListingFailsCleanly) {
+  fskit::test::TempDir dir;
+  for (int i = 0; i < 150; ++i) fskit::test::writeFile(dir.file(std::to_string(i) + ".x"), "");
+  FsFileSpec *list = nullptr;
+  int32_t count = -1;
+  int grewNot = 0, textsMissing = 0;
+  long runs = forEachAllocationFailure(
+      [&] { count = fsReadDir(dir.path().c_str(), "*", nullptr, &list); },
+      [&](long k, bool refused) {
+        if (!refused || k > 3) {  // 1: the block; 2, 3: the search
+          // Refused growth gives nothing; refused texts are null in full records.
+          EXPECT_TRUE(count == 150 || (refused && count == 0 && list == nullptr)) << k;
+          if (count == 0) ++grewNot;
+          for (int32_t i = 0; i < count; ++i)
+            if (list[i].name == nullptr || list[i].extension == nullptr) ++textsMissing;
+        } else {
+          EXPECT_EQ(count, 0) << k;
+          EXPECT_EQ(list == nullptr, k == 1) << k;
+        }
+        fsReadDirFree(count, &list);
+      });
+  EXPECT_GT(runs, 150 * 4);  // the block, the search, growth, four texts a record
+  EXPECT_GT(grewNot, 0);
+  EXPECT_GT(textsMissing, 0);
+}
