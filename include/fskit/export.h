@@ -32,13 +32,13 @@
  * write (...). Before C23 only the empty list () accepts arguments, so it
  * stays, declared between FSKIT_BEGIN_ANY_ARGS and FSKIT_END_ANY_ARGS, which
  * keep -Wstrict-prototypes quiet for those lines alone. A C23 compiler that
- * rejects (...) without a named parameter (GCC before 13, clang before 18)
+ * rejects (...) without a named parameter (GCC before 13, clang before 16)
  * also still reads () as "any arguments" (GCC 12 and clang 14 do), so it gets
  * the empty list too. */
 #if defined(__cplusplus)
 #  define FSKIT_ANY_ARGS ...
 #elif defined(__STDC_VERSION__) && __STDC_VERSION__ > 201710L && \
-    ((defined(__clang__) && __clang_major__ >= 18) || \
+    ((defined(__clang__) && __clang_major__ >= 16) || \
      (!defined(__clang__) && defined(__GNUC__) && __GNUC__ >= 13))
 #  define FSKIT_ANY_ARGS ...
 #else

@@ -40,7 +40,7 @@ while [ $# -ge 2 ]; do
     for std in "${c_modes[@]}"; do compile c "$std" "$cc" "$work/one.c" -Wstrict-prototypes; done
     for std in "${cxx_modes[@]}"; do compile c++ "$std" "$cxx" "$work/one.c"; done
   done
-  for std in "${c_modes[@]::4}"; do compile c "$std" "$cc" "$here/old_caller.c" -Wstrict-prototypes; done
+  for std in "${c_modes[@]}"; do compile c "$std" "$cc" "$here/old_caller.c" -Wstrict-prototypes; done
   for std in "${cxx_modes[@]}"; do compile c++ "$std" "$cxx" "$here/old_caller.c"; done
   # The format attribute: a wrong conversion must not compile.
   expect=fail compile c c11 "$cc" "$here/bad_format.c"
