@@ -125,11 +125,17 @@ inline constexpr uint64_t kIeeeInfinity64 = uint64_t(0x7FF) << 52;
 inline constexpr uint64_t kDoubleExponentShift = uint64_t(894) << 52;
 
 // Reversing the lanes of a four-word vector takes one shuffle instruction,
-// where the integer version takes six.
+// where the integer version takes six; targets without SSE2 (32-bit x86 by
+// default) have no register for such a vector and take the integer version.
 inline uint64_t reverseWords(uint64_t w) {
+#if FSKIT_NUMFORMAT_LANES
   using Words = uint16_t __attribute__((vector_size(8)));
   Words words = std::bit_cast<Words>(w);
   return std::bit_cast<uint64_t>(__builtin_shufflevector(words, words, 3, 2, 1, 0));
+#else
+  w = w >> 32 | w << 32;
+  return (w >> 16 & 0x0000FFFF0000FFFFu) | (w & 0x0000FFFF0000FFFFu) << 16;
+#endif
 }
 
 // VAX D (read little-endian) to IEEE double bits: the three lowest fraction
