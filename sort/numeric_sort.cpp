@@ -3,7 +3,8 @@
 // order and sorted by radix, which beats any comparison sort on such keys and
 // is stable, so equal keys keep their order. The code is instantiated per key
 // reader (ordered_keys.h), and keys stored alone sort as records of their own
-// width, so they share the record sorts' code.
+// width, so they share the record sorts' code. Long runs of 32- and 64-bit
+// keys go to vqsort first where the build has it (vector_sort.cpp).
 #include <cstdlib>
 #include <algorithm>
 #include <type_traits>
@@ -105,10 +106,12 @@ template <class Keys> void sortBareBy(Keys keys, unsigned char *base, size_t n) 
 }  // namespace
 
 bool sortIndexNumeric(int type, const KeyLayout &layout, int32_t *index, size_t n) {
+  if (vectorSortIndex(type, layout, index, n)) return true;
   return withOrderedKeys(type, [&](auto keys) { return sortIndexBy(keys, layout, index, n); });
 }
 
 void sortBareKeys(int type, unsigned char *base, size_t n) {
+  if (vectorSortBare(type, base, n)) return;
   withOrderedKeys(type, [&](auto keys) { sortBareBy(keys, base, n); });
 }
 
