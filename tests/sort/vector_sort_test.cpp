@@ -129,32 +129,37 @@ TEST(VectorSort, UnalignedKeysRecordsAndParallelArrays) {
   sortContext().size = 8;
   for (size_t k = 1; k < n; ++k)
     ASSERT_LE(comparator(FS_SORT_DOUBLE, kElement)(&shifted[1 + (k - 1) * 8], &shifted[1 + k * 8]), 0);
-  // 20-byte records go through an index sort, as fsSortArrays does: the
-  // same elements and the same permutation either way.
+  // 20-byte records, the key 4 bytes in, go through an index sort, as
+  // fsSortArrays does: the same elements and permutations either way.
   for (int type : {FS_SORT_FLOAT_DESC, FS_SORT_DOUBLE, FS_SORT_ULONG}) {
     SCOPED_TRACE(type);
     Bytes records(n * 20);
     const Bytes recordKeys = makeKeys(type, n, Fill::Mixed, random);
     const size_t width = size_t(keySize(type));
-    std::vector<int32_t> fastOrder(n), ownOrder(n);
+    std::vector<int32_t> fastOrder(n), ownOrder(n), fastIndex(n), ownIndex(n);
     for (size_t k = 0; k < n; ++k) {
-      std::memcpy(&records[k * 20], &recordKeys[k * width], width);
+      std::memcpy(&records[k * 20 + 4], &recordKeys[k * width], width);
       std::memcpy(&records[k * 20 + 16], &k, 4);
     }
     std::iota(fastOrder.begin(), fastOrder.end(), 0);
     std::iota(ownOrder.begin(), ownOrder.end(), 0);
+    std::iota(fastIndex.begin(), fastIndex.end(), 0);
+    std::iota(ownIndex.begin(), ownIndex.end(), 0);
     Bytes fast = records, own = records;
     Bytes fastKeys = recordKeys, ownKeys = recordKeys;
     sortWith(false, [&] {
-      fsSort(type, 0, 20, int(n), fast.data());
+      fsSortIndex(type, 4, 20, int(n), records.data(), fastIndex.data());
+      fsSort(type, 4, 20, int(n), fast.data());
       fsSortArrays(type, long(n), 2, long(width), fastKeys.data(), 4L, fastOrder.data());
     });
     sortWith(true, [&] {
-      fsSort(type, 0, 20, int(n), own.data());
+      fsSortIndex(type, 4, 20, int(n), records.data(), ownIndex.data());
+      fsSort(type, 4, 20, int(n), own.data());
       fsSortArrays(type, long(n), 2, long(width), ownKeys.data(), 4L, ownOrder.data());
     });
     EXPECT_EQ(fast, own);
     EXPECT_EQ(fastKeys, ownKeys);
     EXPECT_EQ(fastOrder, ownOrder);
+    EXPECT_EQ(fastIndex, ownIndex);
   }
 }
