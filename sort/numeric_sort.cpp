@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "sort/large_memory.h"
 #include "sort/ordered_keys.h"
 #include "sort/radix_sort.h"
 #include "sort/sorting.h"
@@ -32,7 +33,7 @@ template <class Key> void sortEntries(Entry<Key> *entries, size_t n) {
 template <class Keys>
 bool sortIndexBy(Keys keys, const KeyLayout &layout, int32_t *index, size_t n) {
   using E = Entry<typename Keys::Key>;
-  E *entries = static_cast<E *>(std::malloc((n <= kShortRun ? 1 : 2) * n * sizeof(E)));
+  E *entries = allocateLarge<E>((n <= kShortRun ? 1 : 2) * n);
   if (entries == nullptr) return false;
   const unsigned char *at = layout.data + layout.offset;
   for (size_t i = 0; i < n; ++i) {
@@ -64,7 +65,7 @@ bool sortRecordsOfSize(Keys keys, unsigned char *base, Offset offset, size_t n) 
     });
     return true;
   }
-  E *scratch = static_cast<E *>(std::malloc(n * sizeof(E)));
+  E *scratch = allocateLarge<E>(n);
   if (scratch == nullptr) return false;
   radixSort(items, scratch, n, [offset](const E &e) { return Keys::bits(e.bytes + offset); }, keys.flip);
   std::free(scratch);

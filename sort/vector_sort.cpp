@@ -7,7 +7,6 @@
 // +0) packed with a tie-breaker, so equal keys keep their order as the radix
 // sort keeps it.
 #include <hwy/contrib/sort/vqsort.h>
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <bit>
@@ -19,6 +18,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "sort/large_memory.h"
 #include "sort/ordered_keys.h"
 #include "sort/sorting.h"
 
@@ -65,21 +65,6 @@ template <class T> void sortBare(int type, unsigned char *base, size_t n) {
   else sortBareAs<T>(base, n, hwy::SortAscending());
 }
 
-// Memory for n entries of an index sort. A large block asks for huge pages:
-// with 4 KiB pages, faulting in the fresh pages took about as long as
-// vqsort's sort of them. Freed with std::free.
-template <class E> E *allocateEntries(size_t n) {
-  constexpr size_t kHugePage = size_t(1) << 21;
-  size_t bytes = n * sizeof(E);
-  if (bytes < 2 * kHugePage) return static_cast<E *>(std::aligned_alloc(alignof(E), bytes));
-  bytes = (bytes + kHugePage - 1) & ~(kHugePage - 1);
-  void *block = std::aligned_alloc(kHugePage, bytes);
-#ifdef MADV_HUGEPAGE
-  if (block != nullptr) madvise(block, bytes, MADV_HUGEPAGE);  // a hint; failure is harmless
-#endif
-  return static_cast<E *>(block);
-}
-
 // An index sort's entries: the ordered key with a tie-breaker, the element
 // number, which breaks ties as the positions do while the index rises
 // strictly (an identity index, say); otherwise the position, whose element
@@ -101,7 +86,7 @@ inline uint64_t tieOf(const hwy::K64V64 &entry) { return entry.value; }
 template <class Keys>
 bool sortIndexVector(Keys keys, const KeyLayout &layout, int32_t *index, size_t n) {
   using E = IndexEntry<typename Keys::Key>;
-  E *entries = allocateEntries<E>(n);
+  E *entries = allocateLarge<E>(n);
   if (entries == nullptr) return false;
   const unsigned char *at = layout.data + layout.offset;
   bool rising = true;

@@ -163,3 +163,25 @@ TEST(VectorSort, UnalignedKeysRecordsAndParallelArrays) {
     EXPECT_EQ(fastIndex, ownIndex);
   }
 }
+
+TEST(VectorSort, RunsLargeEnoughForHugePages) {
+  // Working memory of several megabytes, which comes in huge pages on Linux.
+  std::mt19937 random(3);
+  const size_t n = 300000;
+  const Bytes keys = makeKeys(FS_SORT_DOUBLE_DESC, n, Fill::Mixed, random);
+  std::vector<int32_t> fastIndex(n), ownIndex(n);
+  std::iota(fastIndex.begin(), fastIndex.end(), 0);
+  std::iota(ownIndex.begin(), ownIndex.end(), 0);
+  Bytes records(n * 16);
+  for (size_t k = 0; k < n; ++k) std::memcpy(&records[k * 16 + 8], &keys[k * 8], 8);
+  const Bytes unsorted = records;
+  sortWith(false, [&] { fsSortIndex(FS_SORT_DOUBLE_DESC, 0, 8, int(n), keys.data(), fastIndex.data()); });
+  sortWith(true, [&] { fsSortIndex(FS_SORT_DOUBLE_DESC, 0, 8, int(n), keys.data(), ownIndex.data()); });
+  EXPECT_EQ(fastIndex, ownIndex);
+  fsSort(FS_SORT_DOUBLE_DESC, 8, 16, int(n), records.data());
+  sortContext().offset = 8;
+  sortContext().size = 16;
+  for (size_t k = 1; k < n; ++k)
+    ASSERT_LE(comparator(FS_SORT_DOUBLE_DESC, kElementField)(&records[(k - 1) * 16], &records[k * 16]), 0);
+  EXPECT_EQ(asSet(records, 16), asSet(unsorted, 16));
+}
