@@ -32,8 +32,12 @@ install(FILES ${PROJECT_BINARY_DIR}/fskitConfig.cmake
 file(RELATIVE_PATH FSKIT_PC_UP "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 # A static link (pkg-config --static) adds what libfskit.a needs besides: the
 # C++ runtime (for a program linked by the C driver), the maths library and
-# the thread library where the platform has one of its own.
+# the thread library where the platform has one of its own, and Highway's
+# libraries when the sorts use vqsort.
 set(FSKIT_PC_LIBS_PRIVATE "")
+if(FSKIT_VQSORT_FOUND)
+  list(APPEND FSKIT_PC_LIBS_PRIVATE -lhwy_contrib -lhwy)
+endif()
 foreach(lib IN LISTS FSKIT_CXX_RUNTIME ITEMS m)
   list(APPEND FSKIT_PC_LIBS_PRIVATE -l${lib})
 endforeach()

@@ -17,6 +17,9 @@ foreach(lib fskit fskit_static)
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_libraries(${lib} PRIVATE $<BUILD_INTERFACE:fskit_options>)
   target_link_libraries(${lib} PUBLIC m PRIVATE Threads::Threads)
+  if(FSKIT_VQSORT_FOUND)
+    target_link_libraries(${lib} PRIVATE hwy::hwy_contrib hwy::hwy)
+  endif()
 endforeach()
 
 # The C++ runtime the library's objects need (libstdc++ or libc++, with what

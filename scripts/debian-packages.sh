@@ -9,7 +9,7 @@
 # Set DEB_BUILD_OPTIONS=nocheck to leave out the test suite in the build.
 set -euo pipefail
 source=$(cd "$(dirname "$0")/.." && pwd)
-sh "$source/scripts/ensure-packages.sh" dpkg-dev debhelper lintian cmake g++ \
+sh "$source/scripts/ensure-packages.sh" dpkg-dev debhelper lintian cmake g++ libhwy-dev \
   googletest pkgconf groff-base dh-python python3-dev pybind11-dev python3-numpy python3-pytest
 
 work=$(mktemp -d)

@@ -3,11 +3,13 @@
 // order and sorted by radix, which beats any comparison sort on such keys and
 // is stable, so equal keys keep their order. The code is instantiated per key
 // reader (ordered_keys.h), and keys stored alone sort as records of their own
-// width, so they share the record sorts' code.
+// width, so they share the record sorts' code. Long runs of 32- and 64-bit
+// keys go to vqsort first where the build has it (vector_sort.cpp).
 #include <cstdlib>
 #include <algorithm>
 #include <type_traits>
 
+#include "sort/large_memory.h"
 #include "sort/ordered_keys.h"
 #include "sort/radix_sort.h"
 #include "sort/sorting.h"
@@ -31,7 +33,7 @@ template <class Key> void sortEntries(Entry<Key> *entries, size_t n) {
 template <class Keys>
 bool sortIndexBy(Keys keys, const KeyLayout &layout, int32_t *index, size_t n) {
   using E = Entry<typename Keys::Key>;
-  E *entries = static_cast<E *>(std::malloc((n <= kShortRun ? 1 : 2) * n * sizeof(E)));
+  E *entries = allocateLarge<E>((n <= kShortRun ? 1 : 2) * n);
   if (entries == nullptr) return false;
   const unsigned char *at = layout.data + layout.offset;
   for (size_t i = 0; i < n; ++i) {
@@ -63,7 +65,7 @@ bool sortRecordsOfSize(Keys keys, unsigned char *base, Offset offset, size_t n) 
     });
     return true;
   }
-  E *scratch = static_cast<E *>(std::malloc(n * sizeof(E)));
+  E *scratch = allocateLarge<E>(n);
   if (scratch == nullptr) return false;
   radixSort(items, scratch, n, [offset](const E &e) { return Keys::bits(e.bytes + offset); }, keys.flip);
   std::free(scratch);
@@ -105,10 +107,12 @@ template <class Keys> void sortBareBy(Keys keys, unsigned char *base, size_t n) 
 }  // namespace
 
 bool sortIndexNumeric(int type, const KeyLayout &layout, int32_t *index, size_t n) {
+  if (vectorSortIndex(type, layout, index, n)) return true;
   return withOrderedKeys(type, [&](auto keys) { return sortIndexBy(keys, layout, index, n); });
 }
 
 void sortBareKeys(int type, unsigned char *base, size_t n) {
+  if (vectorSortBare(type, base, n)) return;
   withOrderedKeys(type, [&](auto keys) { sortBareBy(keys, base, n); });
 }
 

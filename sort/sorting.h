@@ -53,6 +53,8 @@ struct SortContext {
   long offset = 0;
   const unsigned char *data = nullptr;
   long size = 0;
+  // Set by tests: the radix sorts even where vqsort would take over.
+  bool ownSortsOnly = false;
 };
 SortContext &sortContext();  // the calling thread's
 
@@ -83,6 +85,20 @@ void sortBareKeys(int type, unsigned char *base, size_t n);
 // Sorts n records of 8, 12, 16, 24 or 32 bytes by the numeric key at
 // `offset`; false for other sizes or without working memory.
 bool sortRecords(int type, unsigned char *base, size_t size, long offset, size_t n);
+
+// Highway's vqsort for runs of at least kVectorRun 32- or 64-bit keys, where
+// the build has it (FSKIT_VQSORT): bare keys in place, and index sorts with
+// the same result as sortIndexNumeric. False when not taken (too short,
+// other key types, unaligned bare keys, no memory for an index sort, no
+// vqsort, or sortContext().ownSortsOnly).
+inline constexpr size_t kVectorRun = 4096;
+#if FSKIT_VQSORT
+bool vectorSortBare(int type, unsigned char *base, size_t n);
+bool vectorSortIndex(int type, const KeyLayout &layout, int32_t *index, size_t n);
+#else
+inline bool vectorSortBare(int, unsigned char *, size_t) { return false; }
+inline bool vectorSortIndex(int, const KeyLayout &, int32_t *, size_t) { return false; }
+#endif
 
 // Moves elements so that position k receives the element at order[k].
 // Overwrites `order`; `spare` holds one element.
