@@ -123,15 +123,17 @@ long loadCaches(Entry *first, Entry *last, const KeyLayout &layout, long depth, 
   return shared;
 }
 
-// Orders entries by cache, then by position. Large runs are first spread
-// into buckets by one byte of the cache in place (American flag sort), which
-// beats comparing; the comparison sort puts each bucket in its final order.
+// Orders entries by cache, ties in any order (runs that tie are either
+// sorted further or put back into their order once their keys end). Large
+// runs are first spread into buckets by one byte of the cache in place
+// (American flag sort), which beats comparing; the comparison sort puts
+// each bucket in its final order.
 template <bool Descending> void sortByCache(Entry *first, Entry *last, int shift) {
   size_t n = size_t(last - first);
-  if (n < kRadixRun || shift < 0) {
+  if (shift < 0) return;
+  if (n < kRadixRun) {
     std::sort(first, last, [](const Entry &a, const Entry &b) {
-      if (a.cache != b.cache) return Descending ? a.cache > b.cache : a.cache < b.cache;
-      return a.order < b.order;
+      return Descending ? a.cache > b.cache : a.cache < b.cache;
     });
     return;
   }
@@ -164,6 +166,11 @@ template <bool Descending> void sortByCache(Entry *first, Entry *last, int shift
   }
 }
 
+// Entries with equal keys keep their order.
+void inOrder(Entry *first, Entry *last) {
+  std::sort(first, last, [](const Entry &a, const Entry &b) { return a.order < b.order; });
+}
+
 template <bool Bytes, bool Descending>
 void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
   std::vector<Range> pending{{0, n, 0}};
@@ -173,8 +180,7 @@ void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
     Entry *first = entries + range.begin, *last = entries + range.end;
     long depth = range.depth, shared = loadCaches<Bytes>(first, last, layout, depth, true);
     if (shared == kIdentical) {
-      // Equal keys keep their order.
-      std::sort(first, last, [](const Entry &a, const Entry &b) { return a.order < b.order; });
+      inOrder(first, last);
       continue;
     }
     if (shared >= 8) {
@@ -187,7 +193,9 @@ void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
     for (Entry *run = first; run != last;) {
       Entry *next = run + 1;
       while (next != last && next->cache == run->cache) ++next;
-      if (next - run > 1 && !keyEnds<Bytes>(run->cache, depth, layout.length))
+      if (next - run > 1 && keyEnds<Bytes>(run->cache, depth, layout.length))
+        inOrder(run, next);
+      else if (next - run > 1)
         pending.push_back({size_t(run - entries), size_t(next - entries), depth + 8});
       run = next;
     }
