@@ -101,26 +101,31 @@ long sharedBytes(const unsigned char *a, const unsigned char *b, long depth, lon
   return end == rest ? kIdentical : end;
 }
 
-// Loads each entry's eight bytes at `depth`; with `measure`, returns what
-// all the keys share from there (at least 8: the caches are all equal;
-// kIdentical: the keys are), else 0.
+// Loads each entry's eight bytes at `depth`. `varying` flags the bits in
+// which some cache differs from the first; where none does and `measure` is
+// set, `shared` tells what all the keys share from `depth` on (at least 8,
+// or kIdentical).
+struct Loaded {
+  uint64_t varying = 0;
+  long shared = kIdentical;
+};
 template <bool Bytes>
-long loadCaches(Entry *first, Entry *last, const KeyLayout &layout, long depth, bool measure) {
+Loaded loadCaches(Entry *first, Entry *last, const KeyLayout &layout, long depth, bool measure) {
   const unsigned char *keys = layout.data + layout.offset;
   auto key = [&](const Entry &e) { return keys + long(e.element) * layout.stride; };
   const unsigned char *reference = key(*first);
   uint64_t referenceCache = keyBytes<Bytes>(reference, depth, layout);
-  long shared = measure ? kIdentical : 0;
+  Loaded loaded;
   for (Entry *e = first; e != last; ++e) {
     // Keys lie anywhere: ask for a later one now, so the misses overlap.
     if (last - e > kAhead) __builtin_prefetch(key(e[kAhead]) + depth);
     e->cache = keyBytes<Bytes>(key(*e), depth, layout);
-    if (e->cache != referenceCache)
-      shared = std::min(shared, long(__builtin_clzll(e->cache ^ referenceCache) / 8));
-    else if (shared > 8 && e != first)
-      shared = std::min(shared, sharedBytes<Bytes>(reference, key(*e), depth, shared, layout));
+    loaded.varying |= e->cache ^ referenceCache;
+    if (measure && loaded.varying == 0 && e != first)
+      loaded.shared = std::min(
+          loaded.shared, sharedBytes<Bytes>(reference, key(*e), depth, loaded.shared, layout));
   }
-  return shared;
+  return loaded;
 }
 
 // Orders entries by cache, ties in any order (runs that tie are either
@@ -128,7 +133,10 @@ long loadCaches(Entry *first, Entry *last, const KeyLayout &layout, long depth, 
 // runs are first spread into buckets by one byte of the cache in place
 // (American flag sort), which beats comparing; the comparison sort puts
 // each bucket in its final order.
-template <bool Descending> void sortByCache(Entry *first, Entry *last, int shift) {
+template <bool Descending>
+void sortByCache(Entry *first, Entry *last, int shift, uint64_t varying) {
+  // Bytes in which no cache differs need no pass.
+  while (shift >= 0 && ((varying >> shift) & 0xff) == 0) shift -= 8;
   size_t n = size_t(last - first);
   if (shift < 0) return;
   if (n < kRadixRun) {
@@ -144,7 +152,7 @@ template <bool Descending> void sortByCache(Entry *first, Entry *last, int shift
   size_t next[256] = {}, end[256];
   for (Entry *e = first; e != last; ++e) ++next[bucket(*e)];
   // A byte every entry shares moves nothing.
-  if (next[bucket(*first)] == n) return sortByCache<Descending>(first, last, shift - 8);
+  if (next[bucket(*first)] == n) return sortByCache<Descending>(first, last, shift - 8, varying);
   size_t sum = 0;
   for (int b = 0; b < 256; ++b) {
     size_t size = next[b];
@@ -161,7 +169,8 @@ template <bool Descending> void sortByCache(Entry *first, Entry *last, int shift
   }
   size_t begin = 0;
   for (size_t bucketEnd : end) {
-    if (bucketEnd - begin > 1) sortByCache<Descending>(first + begin, first + bucketEnd, shift - 8);
+    if (bucketEnd - begin > 1)
+      sortByCache<Descending>(first + begin, first + bucketEnd, shift - 8, varying);
     begin = bucketEnd;
   }
 }
@@ -178,18 +187,18 @@ void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
     Range range = pending.back();
     pending.pop_back();
     Entry *first = entries + range.begin, *last = entries + range.end;
-    long depth = range.depth, shared = loadCaches<Bytes>(first, last, layout, depth, true);
-    if (shared == kIdentical) {
-      inOrder(first, last);
-      continue;
-    }
-    if (shared >= 8) {
+    long depth = range.depth;
+    Loaded loaded = loadCaches<Bytes>(first, last, layout, depth, true);
+    if (loaded.varying == 0) {
+      if (loaded.shared == kIdentical) {
+        inOrder(first, last);
+        continue;
+      }
       // Every cache is the same: load the bytes where the keys part.
-      depth += shared;
-      shared = loadCaches<Bytes>(first, last, layout, depth, false);
+      depth += loaded.shared;
+      loaded = loadCaches<Bytes>(first, last, layout, depth, false);
     }
-    // The bytes all caches share need no pass of their own.
-    sortByCache<Descending>(first, last, 56 - 8 * int(shared));
+    sortByCache<Descending>(first, last, 56, loaded.varying);
     for (Entry *run = first; run != last;) {
       Entry *next = run + 1;
       while (next != last && next->cache == run->cache) ++next;
