@@ -89,8 +89,8 @@ long sharedBytes(const unsigned char *a, const unsigned char *b, long depth, lon
     uint64_t wordA = loadWord(a + depth + i), differ = wordA ^ loadWord(b + depth + i);
     uint64_t zeros = Bytes ? 0 : zeroBytes(wordA);
     if ((differ | zeros) == 0) continue;
-    int firstDiffer = differ != 0 ? __builtin_ctzll(differ) / 8 : 8;
-    int firstZero = zeros != 0 ? __builtin_ctzll(zeros) / 8 : 8;
+    int firstDiffer = differ != 0 ? std::countr_zero(differ) / 8 : 8;
+    int firstZero = zeros != 0 ? std::countr_zero(zeros) / 8 : 8;
     return firstZero < firstDiffer ? kIdentical : i + firstDiffer;
   }
   // The rest byte by byte: nothing past a text's end is read.
@@ -214,6 +214,7 @@ void sortEntries(Entry *entries, size_t n, const KeyLayout &layout) {
 }  // namespace
 
 bool sortIndexText(int type, const KeyLayout &layout, int32_t *index, size_t n) {
+  if (n < 2) return true;  // the sort reads the first key
   Entry *entries = static_cast<Entry *>(std::malloc(n * sizeof(Entry)));
   if (entries == nullptr) return false;
   for (size_t i = 0; i < n; ++i) entries[i] = {0, index[i], uint32_t(i)};
