@@ -117,8 +117,13 @@ Loaded loadCaches(Entry *first, Entry *last, const KeyLayout &layout, long depth
   uint64_t referenceCache = keyBytes<Bytes>(reference, depth, layout);
   Loaded loaded;
   for (Entry *e = first; e != last; ++e) {
-    // Keys lie anywhere: ask for a later one now, so the misses overlap.
-    if (last - e > kAhead) __builtin_prefetch(key(e[kAhead]) + depth);
+    // Keys lie anywhere: ask for a later one now, so the misses overlap;
+    // measuring reads on past the eight bytes, so ask for the next line of
+    // memory too.
+    if (last - e > kAhead) {
+      __builtin_prefetch(key(e[kAhead]) + depth);
+      if (measure) __builtin_prefetch(key(e[kAhead]) + depth + 64);
+    }
     e->cache = keyBytes<Bytes>(key(*e), depth, layout);
     loaded.varying |= e->cache ^ referenceCache;
     if (measure && loaded.varying == 0 && e != first)
