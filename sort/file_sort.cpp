@@ -222,7 +222,11 @@ class FileSort {
         index_[++line] = int32_t(p - buffer_);
       }
       say("Sorting %ld records ...", records);
-      fsSortIndex(FS_SORT_STRING, 0, 1, int(records), buffer_, index_);
+      // The lines lie in the buffer: the sort may read words across their ends.
+      const auto *text = reinterpret_cast<const unsigned char *>(buffer_);
+      KeyLayout layout{text, 1, 0, kUnbounded, text + bytes};
+      if (records > 1 && !sortIndexText(FS_SORT_STRING, layout, index_, size_t(records)))
+        fsSortIndex(FS_SORT_STRING, 0, 1, int(records), buffer_, index_);
       ChunkEnd end = writeChunk(records);
       if (end != ChunkEnd::Input) return end;
     }

@@ -65,12 +65,14 @@ Comparator comparator(int type, ComparatorVariant variant);
 
 // Where the keys of an index sort lie: element k's key starts at
 // data + k * stride + offset. `length` bounds string keys (they also end at
-// their NUL) and is the length of byte keys.
+// their NUL) and is the length of byte keys. Memory up to `readable`, when
+// given, may be read past the end of a string key.
 struct KeyLayout {
   const unsigned char *data;
   long stride;
   long offset;
   long length;
+  const unsigned char *readable = nullptr;
 };
 inline constexpr long kUnbounded = LONG_MAX;
 
