@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Runs a Windows program under wine for CTest: wine's own diagnostics off,
-# and a wine prefix of fskit's own, made on first use (one maker at a time).
+# a wine prefix of fskit's own, made on first use (one maker at a time), and
+# the program's output passed on once it has ended.
 # usage: wine-run.sh WINE PROGRAM [ARGUMENTS...]
 set -euo pipefail
 wine=$1
@@ -19,4 +20,17 @@ if [ ! -f "$ready" ]; then
   fi
   exec 9>&-
 fi
-exec "$wine" "$@"
+# Now and then wine ends at once without starting the program (its server
+# going away just as the client came). Such a run prints nothing at all, where
+# every test program prints at least its first line, so it is tried once more.
+out=$(mktemp) err=$(mktemp)
+trap 'rm -f "$out" "$err"' EXIT
+for attempt in 1 2; do
+  status=0
+  "$wine" "$@" >"$out" 2>"$err" || status=$?
+  if [ "$status" -eq 0 ] || [ -s "$out" ] || [ -s "$err" ]; then break; fi
+  [ "$attempt" -eq 1 ] && sleep 1
+done
+cat "$out"
+cat "$err" >&2
+exit "$status"

@@ -95,7 +95,7 @@ TEST(SharedPrefixSort, InMemoryFileSortMatchesAReferenceSort) {
     if (!line.empty()) ++counts[line];
   }
   std::string in = dir.file("in.txt"), out = dir.file("out.txt");
-  fskit::test::writeFile(in, text);
+  fskit::test::writeText(in, text);  // CR LF on Windows, as a text file there
   struct Case {
     bool keep, counts;
   };
@@ -118,6 +118,6 @@ TEST(SharedPrefixSort, InMemoryFileSortMatchesAReferenceSort) {
         [&] { result = fsStrSort(in.c_str(), out.c_str(), prefix.c_str(), 0, c.keep, c.counts); });
     EXPECT_EQ(result, lineCount);
     // Not EXPECT_EQ: a failure would print megabytes.
-    EXPECT_TRUE(fskit::test::readFile(out) == expected);
+    EXPECT_TRUE(fskit::test::readText(out) == expected);
   }
 }
