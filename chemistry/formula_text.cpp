@@ -87,7 +87,8 @@ class Reader {
     if (position_ == start) return fallback;
     if (value == 0) fail("count 0", start);
     if (value > kMaxFormulaCount) fail("count too large", start);
-    return value;
+    // After an error 1, so that callers' products stay in range.
+    return ok() ? value : 1;
   }
 
   // A part: its leading count (not for the first, where leading digits are

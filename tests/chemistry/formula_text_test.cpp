@@ -103,6 +103,7 @@ TEST_F(FormulaText, NamesEachErrorWithItsPosition) {
       {"H2O*0H2O", "count 0", 4},
       {"H1000000001", "count too large", 1},
       {"H99999999999999999999999", "count too large", 1},
+      {"H2O*1000000000H99999999999", "count too large", 15},
       {"(H1001)1000000", "count too large", 0},
       {"H600000000O*H600000000", "count too large", 12},
       {"H2O%", "unexpected character '%'", 3},
