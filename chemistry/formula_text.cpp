@@ -3,7 +3,6 @@
 // checked against the element table; formulaMasses: its masses.
 #include "chemistry/formula_text.h"
 
-#include <cstdint>
 #include <cstdio>
 #include <utility>
 #include <string_view>
@@ -153,21 +152,31 @@ class Reader {
   void readBracketed(int64_t multiplier) {
     size_t open = position_++;
     if (!ascii::isDigit(peek())) return fail("expected a mass number", position_);
-    readAtom(1, open);
-    if (!ok()) return;
-    if (peek() != ']') return fail("unclosed '['", open);
+    FormulaAtom atom;
+    if (!readLabel(atom)) return;
+    if (peek() == '\0') return fail("unclosed '['", open);
+    if (peek() != ']') return fail("expected ']'", position_);
     ++position_;
-    add(bracketed_.symbol, bracketed_.massNumber, 1, count(1) * multiplier, open);
+    add(atom.symbol, atom.massNumber, 1, count(1) * multiplier, open);
   }
 
-  // An element symbol with its count, or an isotope label: a mass number,
-  // then the symbol. With `bracketAt` the atom is kept in bracketed_ and its
-  // count read after the "]".
-  void readAtom(int64_t multiplier, size_t bracketAt = SIZE_MAX) {
+  // An element symbol or an isotope label, then its count.
+  void readAtom(int64_t multiplier) {
+    size_t start = position_;
+    FormulaAtom atom;
+    if (readLabel(atom)) add(atom.symbol, atom.massNumber, 1, count(1) * multiplier, start);
+  }
+
+  // An element symbol, or an isotope label (a mass number, then the
+  // symbol), found in the table; false after an error.
+  bool readLabel(FormulaAtom &atom) {
     size_t start = position_;
     while (ascii::isDigit(peek())) ++position_;
     bool labelled = position_ > start;
-    if (!ascii::isUpper(peek())) return fail("expected an element symbol", position_);
+    if (!ascii::isUpper(peek())) {
+      fail("expected an element symbol", position_);
+      return false;
+    }
     size_t symbolStart = position_++;
     while (ascii::isLower(peek())) ++position_;
     std::string symbol(text_.substr(symbolStart, position_ - symbolStart));
@@ -176,15 +185,13 @@ class Reader {
     int32_t record = findRecord(reader_, label);
     const FsElementRecord *found = record >= 0 ? &reader_.table().records[record] : nullptr;
     if (labelled && (found == nullptr || !isIsotope(*found) || symbol != found->symbol))
-      return fail("unknown isotope '" + label + "'", start);
-    if (found == nullptr) return fail("unknown element '" + symbol + "'", symbolStart);
+      fail("unknown isotope '" + label + "'", start);
+    else if (found == nullptr)
+      fail("unknown element '" + symbol + "'", symbolStart);
+    if (!ok()) return false;
     // A label such as "D" may name an isotope by itself.
-    int32_t isotope = isIsotope(*found) ? found->nominalMass : 0;
-    if (bracketAt != SIZE_MAX) {
-      bracketed_ = {found->symbol, isotope, 1};
-      return;
-    }
-    add(found->symbol, isotope, 1, count(1) * multiplier, start);
+    atom = {found->symbol, isIsotope(*found) ? found->nominalMass : 0, 1};
+    return true;
   }
 
   // Adds count x times atoms, refusing totals above kMaxFormulaCount. Both
@@ -206,7 +213,6 @@ class Reader {
   size_t position_ = 0;
   TableReader reader_;  // one table for the whole formula
   std::vector<FormulaAtom> atoms_;
-  FormulaAtom bracketed_;
   std::string error_;
   size_t errorPosition_ = 0;
 };

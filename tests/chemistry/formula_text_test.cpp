@@ -115,6 +115,7 @@ TEST_F(FormulaText, NamesEachErrorWithItsPosition) {
       {"CuSO4*5", "empty part", 6},
       {"[C]", "expected a mass number", 1},
       {"[13C", "unclosed '['", 0},
+      {"[13C2]", "expected ']'", 4},
       {"C.", "expected an element symbol", 2},
       {"C.13", "expected an element symbol", 4},
   };
