@@ -27,7 +27,8 @@ class AdductReader {
            peek() == '\0' ? 0 : position_);
     ++position_;
     if (ok()) result_.charge = int32_t(number("charge"));
-    if (ok() && peek() != '+' && peek() != '-') fail("expected the charge sign '+' or '-'", position_);
+    if (ok() && peek() != '+' && peek() != '-')
+      fail("expected the charge sign '+' or '-'", position_);
     if (ok() && peek() == '-') result_.charge = -result_.charge;
     ++position_;
     if (ok() && position_ < text_.size()) fail("unexpected text after the charge", position_);

@@ -138,10 +138,12 @@ int printComposition(bool json, const std::vector<std::string> &formulas) {
       continue;
     }
     for (const chemistry::ElementShare &share : shares.elements) {
+      // Steps of 0.0001 %: the whole percent, then four decimals.
+      constexpr int64_t kStepsPerPercent = chemistry::kPercentSteps / 100;
       char percent[32];
       std::snprintf(percent, sizeof percent, "%lld.%04lld",
-                    static_cast<long long>(share.percentSteps / 10000),
-                    static_cast<long long>(share.percentSteps % 10000));
+                    static_cast<long long>(share.percentSteps / kStepsPerPercent),
+                    static_cast<long long>(share.percentSteps % kStepsPerPercent));
       table.row({formula, share.label, std::to_string(share.count), fixed(share.mass, 4),
                  percent});
     }
