@@ -21,6 +21,8 @@
 #include <fskit/frame.h>
 #include <fskit/ini.h>
 
+#include "chemistry/composition_internal.h"
+#include "chemistry/ion_internal.h"
 #include "tools/command.h"
 
 namespace fskit::tool {
@@ -122,10 +124,43 @@ std::string describeRefusal(const std::string &formula, int32_t consumed) {
          " of '" + formula + "'";
 }
 
+// --composition: per formula and element its count, mass and percent; the
+// formula is read as the richer formula text.
+int printComposition(bool json, const std::vector<std::string> &formulas) {
+  Table table(json, {{"formula"}, {"element"}, {"count", true}, {"mass", true},
+                     {"percent", true}});
+  int status = kOk;
+  for (const std::string &formula : formulas) {
+    chemistry::MassComposition shares = chemistry::readMassComposition(formula.c_str());
+    if (!shares.ok) {
+      status = failure("formula", (shares.error.empty() ? "no masses" : shares.error) + " of '" +
+                                      formula + "'");
+      continue;
+    }
+    for (const chemistry::ElementShare &share : shares.elements) {
+      // Steps of 0.0001 %: the whole percent, then four decimals.
+      constexpr int64_t kStepsPerPercent = chemistry::kPercentSteps / 100;
+      char percent[32];
+      std::snprintf(percent, sizeof percent, "%lld.%04lld",
+                    static_cast<long long>(share.percentSteps / kStepsPerPercent),
+                    static_cast<long long>(share.percentSteps % kStepsPerPercent));
+      table.row({formula, share.label, std::to_string(share.count), fixed(share.mass, 4),
+                 percent});
+    }
+  }
+  return status;
+}
+
 }  // namespace
 
 int runFormula(std::vector<std::string> &args) {
   bool json = takeFlag(args, "--json");
+  bool composition = takeFlag(args, "--composition");
+  bool missing = false;
+  std::optional<std::string> adductText = takeOption(args, "--adduct", missing);
+  if (missing) return usageError("formula", "--adduct needs an adduct such as [M+H]+");
+  if (composition && adductText)
+    return usageError("formula", "give --adduct or --composition, not both");
   TableChoice choice;
   if (int status = takeTableChoice("formula", args, choice); status != kOk) return status;
   if (args.empty()) return usageError("formula", "no formula given");
@@ -143,9 +178,17 @@ int runFormula(std::vector<std::string> &args) {
     }
   }
   if (int status = loadElementTable("formula", choice); status != kOk) return status;
+  if (composition) return printComposition(json, args);
+  chemistry::Adduct adduct;
+  if (adductText) {
+    adduct = chemistry::readAdduct(adductText->c_str());
+    if (!adduct.ok()) return failure("formula", adduct.error + " of adduct '" + *adductText + "'");
+  }
 
-  Table table(json, {{"formula"}, {"canonical"}, {"nominal", true}, {"monoisotopic", true},
-                     {"average", true}, {"rdb", true}});
+  std::vector<Table::Column> columns = {{"formula"}, {"canonical"}, {"nominal", true},
+                                        {"monoisotopic", true}, {"average", true}, {"rdb", true}};
+  if (adductText) columns.push_back({"mz", true});
+  Table table(json, columns);
   int status = kOk;
   for (const std::string &formula : args) {
     std::vector<char> text(20 * formula.size() + 2);
@@ -158,8 +201,10 @@ int runFormula(std::vector<std::string> &args) {
                                              : "empty formula '" + formula + "'");
       continue;
     }
-    table.row({formula, text.data(), std::to_string(nominal), fixed(mono, 6), fixed(average, 4),
-               fixed(rdb, 1)});
+    std::vector<std::string> cells = {formula, text.data(), std::to_string(nominal),
+                                      fixed(mono, 6), fixed(average, 4), fixed(rdb, 1)};
+    if (adductText) cells.push_back(fixed(chemistry::adductMz(mono, adduct), 6));
+    table.row(cells);
   }
   return status;
 }

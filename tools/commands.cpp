@@ -76,8 +76,10 @@ const std::vector<Command> &commands() {
        runIni},
       // -- chemistry
       {"formula", "masses and canonical form of molecular formulas",
-       "usage: fskit formula [--json] [--elements FILE | --ini FILE] FORMULA...\n"
-       "       fskit formula [--json] [--elements FILE | --ini FILE] -\n"
+       "usage: fskit formula [--json] [--elements FILE | --ini FILE] [--adduct ADDUCT]\n"
+       "                     FORMULA...\n"
+       "       fskit formula [--json] [--elements FILE | --ini FILE] --composition\n"
+       "                     FORMULA...\n"
        "Prints for each formula its canonical form (element-table order), nominal,\n"
        "monoisotopic and average mass and ring-plus-double-bond value, tab-separated\n"
        "under a header line (--json: one JSON object per line). Blanks or \".\"\n"
@@ -87,7 +89,24 @@ const std::vector<Command> &commands() {
        "names another. An unknown symbol is reported with its position; exit status 1.\n"
        "A single - reads the formulas from standard input, one per line (blank\n"
        "lines are skipped).\n"
-       "example: fskit formula C6H12O6 \"C5 13C H12 O6\"\n",
+       "--adduct adds the column mz: the m/z of the ion [nM+A-B]z+ or z- made of the\n"
+       "molecule, (n*M + added - removed - z*me) / |z| from monoisotopic masses with\n"
+       "the electron mass me = 0.000548579909, e.g. [M+H]+, [M+Na]+, [M-H]-,\n"
+       "[M+2H]2+, [2M+Na]+, [M-H2O+H]+ (any formulas, each with an optional count;\n"
+       "an isotope in a term in brackets: [M+[13C]H3]+). A bad adduct is reported\n"
+       "with its position; exit status 1.\n"
+       "--composition prints instead per formula and element (in the order of the\n"
+       "formula, an isotope such as 13C on its own) the columns formula, element,\n"
+       "count, mass (the element's average mass in the formula, 4 decimals) and\n"
+       "percent (its mass fraction, 4 decimals). The percents of a formula add up\n"
+       "to exactly 100: each is cut to 4 decimals and the missing 0.0001 steps go\n"
+       "to the largest remainders, so none is 0.0001 or more from the exact value.\n"
+       "The formula may hold groups \"(CH3)3COH\", parts \"CuSO4*5H2O\" and\n"
+       "bracketed isotopes \"[13C]2C4H12O6\"; symbols are case-sensitive, without\n"
+       "blanks.\n"
+       "example: fskit formula C6H12O6 \"C5 13C H12 O6\"\n"
+       "         fskit formula --adduct \"[M+Na]+\" C6H12O6\n"
+       "         fskit formula --composition \"CuSO4*5H2O\"\n",
        runFormula},
       {"elements", "list the element table",
        "usage: fskit elements [--json] [--elements FILE | --ini FILE]\n"
