@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "chemistry/formula_text.h"
+#include "chemistry/formula_text_internal.h"
 
 namespace fskit::chemistry {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // readFormulaText: a recursive-descent reader of the richer formula text,
 // checked against the element table; formulaMasses: its masses.
-#include "chemistry/formula_text.h"
+#include "chemistry/formula_text_internal.h"
 
 #include <cstdio>
 #include <utility>

@@ -8,7 +8,7 @@
 
 #include <vector>
 
-#include "chemistry/formula_text.h"
+#include "chemistry/formula_text_internal.h"
 
 namespace fskit::chemistry::test {
 

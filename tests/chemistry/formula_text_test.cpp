@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The richer formula text against the shipped element file: compositions,
 // masses as the classic parser gives them, and every error with its position.
-#include "chemistry/formula_text.h"
+#include "chemistry/formula_text_internal.h"
 
 #include <fskit/chemistry.h>
 #include <gtest/gtest.h>
