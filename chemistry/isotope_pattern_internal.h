@@ -60,6 +60,11 @@ struct IsotopePattern {
 IsotopePattern isotopePattern(const std::vector<FormulaAtom> &atoms,
                               const PatternRequest &request);
 
+// The same into `result`, whose columns' memory is reused: for callers that
+// compute many patterns in a row.
+void isotopePattern(const std::vector<FormulaAtom> &atoms, const PatternRequest &request,
+                    IsotopePattern &result);
+
 // The atoms of the ion `adduct` makes of the molecule `molecule`: n times
 // the molecule, plus what it adds, minus what it removes. Empty, with
 // `error` set (e.g. "cannot remove 2 O from C6H12O6... "), when the removed
