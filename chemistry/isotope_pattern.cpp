@@ -22,6 +22,10 @@ constexpr double kResolutionLeftOut = 1e-11;
 // A coverage is reached when the peaks add up to it within rounding.
 constexpr double kCoverageSlack = 1e-12;
 
+// A nominal pattern is refused when one element's distribution would take
+// more steps than this (a few seconds).
+constexpr double kMaxNominalSteps = 1e8;
+
 std::string tooMany(size_t maxPeaks) {
   return "the pattern has more than " + std::to_string(maxPeaks) +
          " peaks; leave out more of the small ones";
@@ -208,6 +212,12 @@ void isotopePattern(const std::vector<FormulaAtom> &atoms, const PatternRequest 
   bool sized = true;
   switch (request.grouping) {
     case PeakGrouping::kNominal:
+      for (const pattern::ElementIsotopes &element : elements) {
+        if (pattern::nominalCost(element).steps > kMaxNominalSteps) {
+          result.error = "too many " + element.label + " atoms for a nominal pattern";
+          return;
+        }
+      }
       peaks = nominalPeaks(elements);
       break;
     case PeakGrouping::kFine:

@@ -122,7 +122,15 @@ struct NominalDistribution {
   std::vector<double> weightedMass;
 };
 
-// The nominal distribution of one element, entries below 1e-15 of its
+// About how many steps the nominal distribution of an element takes, and
+// whether walking its configurations takes fewer than squaring.
+struct NominalCost {
+  double steps = 0.0;
+  bool walk = false;
+};
+NominalCost nominalCost(const ElementIsotopes &element);
+
+// The nominal distribution of one element, entries below 1e-13 of its
 // largest left out.
 NominalDistribution elementNominal(const ElementIsotopes &element);
 

@@ -113,29 +113,29 @@ NominalDistribution binomialNominal(const ElementIsotopes &element) {
   return d;
 }
 
-// Walks the element's configurations into nominal bins.
+// Walks the element's configurations into nominal bins, which grow to
+// either side as the walk reaches new shifts.
 NominalDistribution walkedNominal(const ElementIsotopes &element) {
-  struct Entry {
-    int64_t shift;
-    double probability, mass;
-  };
-  std::vector<Entry> entries;
-  entries.reserve(256);
+  NominalDistribution d;
+  bool empty = true;
   walkConfigurations(element, modeProbability(element) * kTrim,
                      [&](double p, double mass, int64_t shift) {
-                       entries.push_back({shift, p, mass});
+                       if (empty) {
+                         d = {shift, {0.0}, {0.0}};
+                         empty = false;
+                       } else if (shift < d.first) {
+                         size_t more = size_t(d.first - shift);
+                         d.probability.insert(d.probability.begin(), more, 0.0);
+                         d.weightedMass.insert(d.weightedMass.begin(), more, 0.0);
+                         d.first = shift;
+                       } else if (size_t(shift - d.first) >= d.probability.size()) {
+                         d.probability.resize(size_t(shift - d.first) + 1, 0.0);
+                         d.weightedMass.resize(d.probability.size(), 0.0);
+                       }
+                       d.probability[size_t(shift - d.first)] += p;
+                       d.weightedMass[size_t(shift - d.first)] += p * mass;
                        return true;
                      });
-  auto [low, high] = std::minmax_element(entries.begin(), entries.end(),
-                                         [](const Entry &a, const Entry &b) { return a.shift < b.shift; });
-  NominalDistribution d;
-  d.first = low->shift;
-  d.probability.assign(size_t(high->shift - low->shift) + 1, 0.0);
-  d.weightedMass.assign(d.probability.size(), 0.0);
-  for (const Entry &e : entries) {
-    d.probability[size_t(e.shift - d.first)] += e.probability;
-    d.weightedMass[size_t(e.shift - d.first)] += e.probability * e.mass;
-  }
   return d;
 }
 
@@ -250,12 +250,27 @@ void convolve(const NominalDistribution &a, const NominalDistribution &b, Nomina
   trim(c);
 }
 
+NominalCost nominalCost(const ElementIsotopes &element) {
+  if (element.fixed() || element.mass.size() == 2) return {};
+  // Within the trim each count spreads over some 16 standard deviations.
+  double n = double(element.count), walk = 1.0, mean = 0.0, square = 0.0;
+  for (size_t j = 0; j < element.mass.size(); ++j) {
+    double p = element.probability[j], s = double(element.shift[j]);
+    if (j > 0) walk *= 2.0 + 16.0 * std::sqrt(n * p * (1.0 - p));
+    mean += p * s;
+    square += p * s * s;
+  }
+  double width = 1.0 + 16.0 * std::sqrt(n * std::max(0.0, square - mean * mean)) + double(element.shift.size());
+  double squaring = 2.0 * std::log2(n + 1.0) * width * width;
+  return walk <= squaring ? NominalCost{walk, true} : NominalCost{squaring, false};
+}
+
 NominalDistribution elementNominal(const ElementIsotopes &element) {
   if (element.fixed()) return {0, {1.0}, {double(element.count) * element.mass[0]}};
-  // Up to four isotopes the configurations above the trim are few enough
-  // to walk; beyond, squaring the one-atom distribution is cheaper.
   if (element.mass.size() == 2) return binomialNominal(element);
-  if (element.mass.size() <= 4) return walkedNominal(element);
+  // Walking the configurations above the trim, or squaring the one-atom
+  // distribution: whichever does less.
+  if (nominalCost(element).walk) return walkedNominal(element);
   return power(singleAtom(element), element.count);
 }
 

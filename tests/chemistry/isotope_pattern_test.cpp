@@ -257,6 +257,9 @@ TEST_F(Pattern, RefusesWhatItCannotCompute) {
   };
   for (const Case &c : cases) EXPECT_EQ(isotopePattern(atomsOf("C100H200Sn10"), c.request).error, c.error);
   EXPECT_EQ(isotopePattern({{"C", 99, 1}}, {}).error, "'99C' is not in the element table");
+  // Ten thousand tin atoms spread over thousands of mass numbers: refused
+  // rather than computed for minutes.
+  EXPECT_EQ(isotopePattern(atomsOf("Sn10000"), {}).error, "too many Sn atoms for a nominal pattern");
 }
 
 }  // namespace
