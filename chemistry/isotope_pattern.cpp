@@ -16,8 +16,10 @@ namespace {
 using pattern::Peak;
 
 // At a resolving power the pattern is merged from the isotopologues that
-// make up all but this share of the molecules.
-constexpr double kResolutionLeftOut = 1e-11;
+// make up all but this share of the molecules, as far as this many of them
+// reach; what they leave out of each nominal mass joins as one more.
+constexpr double kResolutionLeftOut = 1e-9;
+constexpr size_t kResolutionIsotopologues = 1'000'000;
 
 // A coverage is reached when the peaks add up to it within rounding.
 constexpr double kCoverageSlack = 1e-12;
@@ -99,12 +101,17 @@ void keepCovering(pattern::PeakColumns &peaks, double target) {
 // cover `target`. What a threshold leaves out falls about as a power of the
 // threshold, so after two tries the next is aimed from the last two (with
 // room to spare): the run that reaches the target overshoots little.
+// With `settle`, a run that would pass maxPeaks ends the search with the
+// last run that did not.
 bool fineCovering(const std::vector<pattern::ElementIsotopes> &elements, double target,
-                  size_t maxPeaks, pattern::PeakColumns &peaks) {
+                  size_t maxPeaks, pattern::PeakColumns &peaks, bool settle = false) {
   double need = 1.0 - target + kCoverageSlack;
   double relative = 1e-2, lastRelative = 0.0, lastMissing = 0.0;
   for (;;) {
-    if (!pattern::fineStructure(elements, relative, maxPeaks, peaks)) return false;
+    if (!pattern::fineStructure(elements, relative, maxPeaks, peaks, settle)) {
+      if (!settle || lastRelative == 0.0) return false;
+      return pattern::fineStructure(elements, lastRelative, maxPeaks, peaks, settle);
+    }
     double missing = 1.0 - sumOf(peaks.probability);
     if (missing <= need || relative < 1e-300) return true;
     double next = relative * 0.1;
@@ -119,12 +126,17 @@ bool fineCovering(const std::vector<pattern::ElementIsotopes> &elements, double 
   }
 }
 
-pattern::PeakColumns nominalPeaks(const std::vector<pattern::ElementIsotopes> &elements) {
+pattern::NominalDistribution nominalDistribution(
+    const std::vector<pattern::ElementIsotopes> &elements) {
   pattern::NominalDistribution total{0, {1.0}, {0.0}}, next;
   for (const pattern::ElementIsotopes &element : elements) {
     pattern::convolve(total, pattern::elementNominal(element), next);
     std::swap(total, next);
   }
+  return total;
+}
+
+pattern::PeakColumns nominalPeaks(const pattern::NominalDistribution &total) {
   pattern::PeakColumns peaks;
   for (size_t i = 0; i < total.probability.size(); ++i) {
     if (!(total.probability[i] > 0.0)) continue;
@@ -132,6 +144,38 @@ pattern::PeakColumns nominalPeaks(const std::vector<pattern::ElementIsotopes> &e
     peaks.probability.push_back(total.probability[i]);
   }
   return peaks;
+}
+
+// The isotopologues a resolving power merges: fine structure as far as it
+// goes, and per nominal mass what it leaves out as one isotopologue at the
+// mean mass of the rest (kept within the masses seen at that nominal mass).
+bool resolutionIsotopologues(const std::vector<pattern::ElementIsotopes> &elements,
+                             size_t maxPeaks, pattern::PeakColumns &peaks) {
+  pattern::NominalDistribution nominal = nominalDistribution(elements);
+  if (!fineCovering(elements, 1.0 - kResolutionLeftOut, std::min(maxPeaks, kResolutionIsotopologues),
+                    peaks, true))
+    return false;
+  size_t bins = nominal.probability.size();
+  std::vector<double> probability(nominal.probability), weighted(nominal.weightedMass);
+  std::vector<double> lightest(bins, INFINITY), heaviest(bins, -INFINITY);
+  for (size_t i = 0; i < peaks.size(); ++i) {
+    int64_t bin = peaks.shift[i] - nominal.first;
+    if (bin < 0 || bin >= int64_t(bins)) continue;  // beyond the trimmed nominal range
+    probability[size_t(bin)] -= peaks.probability[i];
+    weighted[size_t(bin)] -= peaks.probability[i] * peaks.mass[i];
+    lightest[size_t(bin)] = std::min(lightest[size_t(bin)], peaks.mass[i]);
+    heaviest[size_t(bin)] = std::max(heaviest[size_t(bin)], peaks.mass[i]);
+  }
+  for (size_t b = 0; b < bins; ++b) {
+    // Below this the difference is rounding, not isotopologues left out.
+    if (!(probability[b] > nominal.probability[b] * 1e-12)) continue;
+    double mass = weighted[b] / probability[b];
+    if (lightest[b] <= heaviest[b]) mass = std::clamp(mass, lightest[b], heaviest[b]);
+    else mass = nominal.weightedMass[b] / nominal.probability[b];
+    peaks.mass.push_back(mass);
+    peaks.probability.push_back(probability[b]);
+  }
+  return true;
 }
 
 // Each peak is founded by its most probable isotopologue; every other one
@@ -197,7 +241,7 @@ void isotopePattern(const std::vector<FormulaAtom> &atoms, const PatternRequest 
   result.largest = 0.0;
   // The result's columns are the working space: a caller that passes the
   // same pattern again allocates nothing new for them.
-  pattern::PeakColumns peaks{std::move(result.mass), std::move(result.fraction)};
+  pattern::PeakColumns peaks{std::move(result.mass), std::move(result.fraction), {}};
   peaks.clear();
   result.mass.clear();
   result.fraction.clear();
@@ -210,22 +254,24 @@ void isotopePattern(const std::vector<FormulaAtom> &atoms, const PatternRequest 
   bool covering = request.coverage > 0.0;
   double relative = request.minRelative / 100.0;
   bool sized = true;
+  if (request.grouping != PeakGrouping::kFine) {
+    for (const pattern::ElementIsotopes &element : elements) {
+      if (pattern::nominalCost(element).steps > kMaxNominalSteps) {
+        result.error = "too many " + element.label + " atoms for a nominal pattern";
+        return;
+      }
+    }
+  }
   switch (request.grouping) {
     case PeakGrouping::kNominal:
-      for (const pattern::ElementIsotopes &element : elements) {
-        if (pattern::nominalCost(element).steps > kMaxNominalSteps) {
-          result.error = "too many " + element.label + " atoms for a nominal pattern";
-          return;
-        }
-      }
-      peaks = nominalPeaks(elements);
+      peaks = nominalPeaks(nominalDistribution(elements));
       break;
     case PeakGrouping::kFine:
       sized = covering ? fineCovering(elements, request.coverage, request.maxPeaks, peaks)
                        : pattern::fineStructure(elements, relative, request.maxPeaks, peaks);
       break;
     case PeakGrouping::kResolution:
-      sized = fineCovering(elements, 1.0 - kResolutionLeftOut, request.maxPeaks, peaks);
+      sized = resolutionIsotopologues(elements, request.maxPeaks, peaks);
       if (sized) peaks = mergeAtResolution(peaks, request.resolution);
       break;
   }

@@ -107,10 +107,12 @@ struct Peak {
 struct PeakColumns {
   std::vector<double> mass;
   std::vector<double> probability;
+  std::vector<int64_t> shift;  // the total mass number shift, when asked for
   size_t size() const { return mass.size(); }
   void clear() {
     mass.clear();
     probability.clear();
+    shift.clear();
   }
 };
 
@@ -141,8 +143,9 @@ void convolve(const NominalDistribution &a, const NominalDistribution &b, Nomina
 // Every isotopologue of `elements` whose probability is at least `relative`
 // times the most probable one's, in no particular order (the most probable
 // first); false when there would be more than `maxPeaks`.
+// With `withShift` each isotopologue's shift is kept too.
 bool fineStructure(const std::vector<ElementIsotopes> &elements, double relative,
-                   size_t maxPeaks, PeakColumns &peaks);
+                   size_t maxPeaks, PeakColumns &peaks, bool withShift = false);
 
 // Orders `peaks` by increasing mass.
 void sortByMass(PeakColumns &peaks);

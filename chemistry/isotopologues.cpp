@@ -142,6 +142,7 @@ NominalDistribution walkedNominal(const ElementIsotopes &element) {
 // One element's configurations, by falling probability.
 struct ConfigurationList {
   std::vector<double> mass, probability;
+  std::vector<int64_t> shift;
   double best = 1.0;  // the mode's probability
 };
 
@@ -150,26 +151,26 @@ struct ConfigurationList {
 class FineProduct {
  public:
   FineProduct(const std::vector<ConfigurationList> &lists, double threshold, size_t maxPeaks,
-              PeakColumns &peaks)
+              bool withShift, PeakColumns &peaks)
       : lists_(lists), restBest_(lists.size() + 1, 1.0), threshold_(threshold),
-        maxPeaks_(maxPeaks), peaks_(peaks) {
+        maxPeaks_(maxPeaks), withShift_(withShift), peaks_(peaks) {
     for (size_t i = lists.size(); i-- > 0;) restBest_[i] = restBest_[i + 1] * lists[i].best;
   }
 
   bool run(double base) {
-    combine(0, 1.0, base);
+    combine(0, 1.0, base, 0);
     return !full_;
   }
 
  private:
-  void combine(size_t index, double partial, double mass) {
+  void combine(size_t index, double partial, double mass, int64_t shift) {
     const ConfigurationList &list = lists_[index];
     size_t n = list.probability.size();
     const double *p = list.probability.data(), *m = list.mass.data();
     if (index + 1 < lists_.size()) {
       double bound = threshold_ / restBest_[index + 1];
       for (size_t i = 0; i < n && partial * p[i] >= bound && !full_; ++i)
-        combine(index + 1, partial * p[i], mass + m[i]);
+        combine(index + 1, partial * p[i], mass + m[i], withShift_ ? shift + list.shift[i] : 0);
       return;
     }
     size_t count = 0;
@@ -186,12 +187,15 @@ class FineProduct {
       outMass[i] = mass + m[i];
       outProbability[i] = partial * p[i];
     }
+    if (withShift_)
+      for (size_t i = 0; i < count; ++i) peaks_.shift.push_back(shift + list.shift[i]);
   }
 
   const std::vector<ConfigurationList> &lists_;
   std::vector<double> restBest_;
   double threshold_;
   size_t maxPeaks_;
+  bool withShift_;
   PeakColumns &peaks_;
   bool full_ = false;
 };
@@ -275,7 +279,7 @@ NominalDistribution elementNominal(const ElementIsotopes &element) {
 }
 
 bool fineStructure(const std::vector<ElementIsotopes> &elements, double relative,
-                   size_t maxPeaks, PeakColumns &peaks) {
+                   size_t maxPeaks, PeakColumns &peaks, bool withShift) {
   peaks.clear();
   double base = 0.0;
   std::vector<ConfigurationList> lists;
@@ -285,27 +289,33 @@ bool fineStructure(const std::vector<ElementIsotopes> &elements, double relative
       continue;
     }
     double top = modeProbability(element);
-    std::vector<Peak> found;
-    bool complete = walkConfigurations(element, top * relative, [&](double p, double mass, int64_t) {
-      found.push_back({mass, p});
+    struct Found {
+      double mass, probability;
+      int64_t shift;
+    };
+    std::vector<Found> found;
+    bool complete = walkConfigurations(element, top * relative, [&](double p, double mass, int64_t shift) {
+      found.push_back({mass, p, shift});
       return found.size() <= maxPeaks;
     });
     if (!complete) return false;
     std::sort(found.begin(), found.end(),
-              [](const Peak &a, const Peak &b) { return a.probability > b.probability; });
+              [](const Found &a, const Found &b) { return a.probability > b.probability; });
     ConfigurationList list;
     list.best = top;
     list.mass.reserve(found.size());
     list.probability.reserve(found.size());
-    for (const Peak &c : found) {
+    for (const Found &c : found) {
       list.mass.push_back(c.mass);
       list.probability.push_back(c.probability);
+      if (withShift) list.shift.push_back(c.shift);
     }
     lists.push_back(std::move(list));
   }
   if (lists.empty()) {
     peaks.mass.push_back(base);
     peaks.probability.push_back(1.0);
+    if (withShift) peaks.shift.push_back(0);
     return true;
   }
   // The longest list innermost, where the loop is tightest.
@@ -314,7 +324,7 @@ bool fineStructure(const std::vector<ElementIsotopes> &elements, double relative
   });
   double threshold = relative;
   for (const ConfigurationList &list : lists) threshold *= list.best;
-  return FineProduct(lists, threshold, maxPeaks, peaks).run(base);
+  return FineProduct(lists, threshold, maxPeaks, withShift, peaks).run(base);
 }
 
 void sortByMass(PeakColumns &peaks) {
