@@ -7,12 +7,15 @@
 #include <charconv>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
 #include <locale>
 #include <map>
 #include <regex>
 #include <string>
 #include <vector>
 
+#include "tests/support/test_support.h"
 #include "tools/pattern_svg.h"
 
 namespace {
@@ -259,5 +262,45 @@ TEST(PatternSvg, TheDocumentIsTheSameUnderADecimalCommaLocale) {
   std::setlocale(LC_ALL, "C");
   EXPECT_EQ(underComma, plain);
 }
+
+#if !defined(_WIN32)
+// The bytes of the image data of an 800x450 PNG, or -1 when it is not one.
+long imageDataBytes(const std::string &png) {
+  const auto word = [&](size_t at) {
+    uint32_t value = 0;
+    for (size_t i = at; i < at + 4; ++i) value = value << 8 | uint8_t(png[i]);
+    return value;
+  };
+  if (png.size() < 33 || png.compare(0, 8, "\x89PNG\r\n\x1a\n") != 0 ||
+      png.compare(12, 4, "IHDR") != 0 || word(16) != 800 || word(20) != 450)
+    return -1;
+  long bytes = 0;
+  for (size_t at = 8; at + 12 <= png.size(); at += 12 + word(at))
+    if (png.compare(at + 4, 4, "IDAT") == 0) bytes += long(word(at));
+  return bytes;
+}
+
+// Drawn by a real SVG renderer (librsvg's rsvg-convert, where installed):
+// the documents parse, and a pattern's picture holds more than an empty
+// frame, which holds more than a blank page.
+TEST(PatternSvg, ARendererDrawsIt) {
+  if (std::system("command -v rsvg-convert >/dev/null 2>&1") != 0)
+    GTEST_SKIP() << "rsvg-convert is not installed (Debian: librsvg2-bin)";
+  fskit::test::TempDir dir;
+  const auto render = [&](const std::string &name, const std::string &svg) {
+    fskit::test::writeFile(dir.file(name + ".svg"), svg);
+    std::string command = "rsvg-convert -b white -o '" + dir.file(name + ".png") + "' '" +
+                          dir.file(name + ".svg") + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0) << name;
+    return imageDataBytes(fskit::test::readFile(dir.file(name + ".png")));
+  };
+  long blank = render("blank", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"450\"/>");
+  long frame = render("frame", patternSvg({"C [M]", {}, {}}));
+  long pattern = render("pattern", patternSvg(crowded()));
+  EXPECT_GT(blank, 0);
+  EXPECT_GT(frame, 2 * blank);
+  EXPECT_GT(pattern, frame + blank);
+}
+#endif
 
 }  // namespace
