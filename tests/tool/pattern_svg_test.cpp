@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <locale>
 #include <map>
+#include <stdexcept>
 #include <regex>
 #include <string>
 #include <vector>
@@ -187,7 +188,7 @@ TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
 // Tick labels for windows from 0.001 Da to thousands: a 1, 2 or 5 x 10^k
 // step, three to twelve ticks, the step's decimals, within a step of the
 // peaks at either end.
-TEST(PatternSvg, MzTicksAreOneTwoFiveStepsAroundThePeaks) {
+TEST(PatternSvg, MzTicksAreOneTwoFiveStepsSpanningThePeaks) {
   for (double at : {0.5, 181.07, 4999.9, 99999.9})
     for (double span : {0.0, 0.001, 0.0123, 0.7, 3.0, 42.0, 700.0, 3000.0}) {
       SCOPED_TRACE(std::to_string(at) + " + " + std::to_string(span));
@@ -256,7 +257,11 @@ TEST(PatternSvg, TheDocumentIsTheSameUnderADecimalCommaLocale) {
 #endif
   ASSERT_NE(chosen, nullptr) << "no ru_RU.UTF-8 or de_DE.UTF-8: run tests/support/ensure_locales.sh";
   ASSERT_STREQ(std::localeconv()->decimal_point, ",");
-  std::locale previous = std::locale::global(std::locale(chosen));
+  std::locale previous;
+  try {
+    previous = std::locale::global(std::locale(chosen));
+  } catch (const std::runtime_error &) {  // a C++ library that knows only "C" (mingw)
+  }
   std::string underComma = patternSvg(crowded());
   std::locale::global(previous);
   std::setlocale(LC_ALL, "C");
