@@ -204,7 +204,7 @@ void appendMzAxis(std::string &svg, const Window &window) {
   double step = tickStep(window);
   int decimals = decimalsOf(step);
   std::vector<double> ticks;
-  for (double k = std::ceil(window.low / step - 1e-9); k * step <= window.high * (1 + 1e-12); ++k)
+  for (double k = std::ceil(window.low / step - 1e-9); k * step <= window.high + step * 1e-9; ++k)
     ticks.push_back(k * step);
   svg += std::string("<g class=\"x-ticks\" stroke=\"") + kInk + "\">\n";
   for (double tick : ticks) appendLine(svg, window.x(tick), kBottom, window.x(tick), kBottom + 5);
