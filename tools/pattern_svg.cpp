@@ -22,8 +22,9 @@ constexpr double kTitleSize = 16, kAxisTitleSize = 13, kTickSize = 12, kLabelSiz
 // the digits of common sans-serif faces (DejaVu Sans: 0.64), so that a box
 // estimated from it holds the text drawn.
 constexpr double kAdvance = 0.66;
-// The narrowest m/z window drawn, and the one around a single m/z.
-constexpr double kNarrowest = 0.001, kAroundOne = 1.0;
+// The narrowest m/z window drawn, the one around a single m/z, and the
+// largest m/z drawn (its ticks still count in whole doubles).
+constexpr double kNarrowest = 0.001, kAroundOne = 1.0, kLargest = 1e12;
 constexpr const char *kInk = "#222";
 constexpr const char *kStick = "#1f4e9a";
 
@@ -110,7 +111,7 @@ struct Peak {
 std::vector<Peak> drawablePeaks(const PatternPicture &picture) {
   std::vector<Peak> peaks;
   for (size_t i = 0; i < std::min(picture.mz.size(), picture.relative.size()); ++i)
-    if (std::isfinite(picture.mz[i]) && std::isfinite(picture.relative[i]))
+    if (std::abs(picture.mz[i]) <= kLargest && std::isfinite(picture.relative[i]))
       peaks.push_back({picture.mz[i], std::clamp(picture.relative[i], 0.0, 100.0)});
   return peaks;
 }

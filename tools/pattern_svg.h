@@ -17,9 +17,10 @@ struct PatternPicture {
 };
 
 // The self-contained SVG document of `picture`. Peaks past the shorter of the
-// two vectors, or with a value that is not finite, are left out; one peak (or
-// several at one m/z) gets a window of 1 Da on either side; no peaks, an
-// empty frame. Numbers are written the same under every locale.
+// two vectors, with a value that is not finite or an m/z beyond 1e12, are
+// left out; one peak (or several at one m/z) gets a window of 1 Da on either
+// side; no peaks, an empty frame. Numbers are written the same under every
+// locale.
 std::string patternSvg(const PatternPicture &picture);
 
 }  // namespace fskit::tool

@@ -128,9 +128,9 @@ TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
       {"fine structure", {"fine", {182.0741, 182.0745, 182.07505}, {100, 40, 10}}, 3, ""},
       {"3000 Da", {"wide", {100, 1500, 3100}, {20, 100, 50}}, 3, ""},
       {"crowded", crowded(), 60, ""},
-      {"labels wider than the margin", {"h", {1e12, 1e12 + 3}, {100, 100}}, 2, ""},
+      {"labels wider than the margin", {"h", {1e12 - 3, 1e12}, {100, 100}}, 2, ""},
       {"near 0, out of range", {"e", {0.0005, 0.3, 0.6}, {150, -5, 20}}, 3, ""},
-      {"unequal and not finite", {"n", {1, 2, NAN, 4}, {100, INFINITY, 5}}, 1, ""},
+      {"unequal, not finite, too large", {"n", {1, 2, NAN, 1e300, 4}, {100, INFINITY, 5, 50}}, 1, ""},
       {"markup", {"Na+ & <K> \"x\" 'y'", {23}, {100}}, 1, "Na+ &amp; &lt;K&gt; &quot;x&quot; &apos;y&apos;"},
       {"not UTF-8", {"a\xff\x01\xc3\xa9", {1}, {100}}, 1, "a\xEF\xBF\xBD \xC3\xA9"},
   };
