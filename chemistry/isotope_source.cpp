@@ -24,20 +24,21 @@ int32_t recordOf(TableReader &reader, const std::string &label) {
 }
 
 // An element's natural isotopes: the isotope records after its own record
-// that have an abundance. None: the reference isotope alone.
+// that have an abundance. None: the reference isotope alone. (Records are
+// packed: their fields are read as values, never bound to a reference.)
 void naturalIsotopes(const TableSnapshot &table, int32_t record, ElementIsotopes &element) {
   const FsElementRecord &head = table.records[record];
   for (int32_t i = record + 1; i < table.count && table.records[i].isotopeShift != 0; ++i) {
     const FsElementRecord &isotope = table.records[i];
     if (!(isotope.abundance > 0.0)) continue;
-    element.mass.push_back(isotope.monoMass);
-    element.probability.push_back(isotope.abundance);
-    element.shift.push_back(isotope.nominalMass);
+    element.mass.push_back(double(isotope.monoMass));
+    element.probability.push_back(double(isotope.abundance));
+    element.shift.push_back(int32_t(isotope.nominalMass));
   }
   if (element.mass.empty()) {
-    element.mass.push_back(head.monoMass);
+    element.mass.push_back(double(head.monoMass));
     element.probability.push_back(1.0);
-    element.shift.push_back(head.nominalMass);
+    element.shift.push_back(int32_t(head.nominalMass));
   }
 }
 
@@ -83,7 +84,7 @@ bool gatherIsotopes(const std::vector<FormulaAtom> &atoms,
     const TableSnapshot &table = reader.table();
     const FsElementRecord &found = table.records[record];
     if (found.isotopeShift != 0) {
-      element.mass = {found.monoMass};
+      element.mass = {double(found.monoMass)};
       element.probability = {1.0};
       element.shift = {0};
     } else {

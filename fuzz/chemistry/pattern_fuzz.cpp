@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// The richer formula text, adduct text and isotope patterns on any input,
+// with the shipped element table. A text that does not read names a
+// position inside it; one that reads gives atoms with positive counts. For
+// a small enough ion, every grouping gives peaks in increasing mass whose
+// fractions lie in (0, 1] and add up to at most 1, the largest among them.
+// Input: the formula, then optionally a line feed and the adduct.
+#include <fskit/chemistry.h>
+
+#include <numeric>
+
+#include "chemistry/isotope_pattern_internal.h"
+#include "fuzz/support/fuzz_support.h"
+
+namespace {
+
+using namespace fskit::chemistry;
+using fskit::fuzz::Text;
+
+// Big counts make patterns slow, not wrong: the fuzzer looks at many small ones.
+constexpr int64_t kMaxAtoms = 400;
+
+void checkPattern(const std::vector<FormulaAtom> &atoms, const PatternRequest &request) {
+  IsotopePattern pattern = isotopePattern(atoms, request);
+  if (!pattern.ok()) return;
+  FUZZ_CHECK(!pattern.mass.empty() && pattern.mass.size() == pattern.fraction.size());
+  FUZZ_CHECK(std::is_sorted(pattern.mass.begin(), pattern.mass.end()));
+  double sum = 0.0, largest = 0.0;
+  for (double f : pattern.fraction) {
+    FUZZ_CHECK(f > 0.0 && f <= 1.0 + 1e-12);
+    sum += f;
+    largest = std::max(largest, f);
+  }
+  FUZZ_CHECK(sum <= 1.0 + 1e-9);
+  FUZZ_CHECK(largest == pattern.largest);
+  if (request.coverage > 0.0) FUZZ_CHECK(sum >= request.coverage - 1e-9);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***) {
+  FUZZ_CHECK(fsLoadElemTable(FSKIT_SOURCE_DIR "/data/kw_elements.tbl") == 1);
+  return 0;
+}
+
+FUZZ_TARGET(input) {
+  size_t newline = input.find('\n');
+  Text formula(input.substr(0, newline));
+  FormulaComposition read = readFormulaText(formula.get());
+  if (!read.ok()) {
+    FUZZ_CHECK(read.atoms.empty() && read.errorPosition <= formula.str().size());
+    return;
+  }
+  for (const FormulaAtom &atom : read.atoms) FUZZ_CHECK(atom.count > 0 && atom.count <= kMaxFormulaCount);
+  std::vector<FormulaAtom> atoms = read.atoms;
+  if (newline != std::string_view::npos) {
+    Text adductText(input.substr(newline + 1));
+    Adduct adduct = readAdduct(adductText.get());
+    if (!adduct.ok()) {
+      FUZZ_CHECK(adduct.errorPosition <= adductText.str().size());
+      return;
+    }
+    IonAtoms ion = ionAtoms(atoms, adduct);
+    if (!ion.ok()) return;
+    atoms = ion.atoms;
+  }
+  int64_t total = std::accumulate(atoms.begin(), atoms.end(), int64_t{0},
+                                  [](int64_t sum, const FormulaAtom &a) { return sum + a.count; });
+  if (atoms.empty() || total > kMaxAtoms) return;
+  PatternRequest request;
+  request.maxPeaks = 100'000;
+  checkPattern(atoms, request);
+  request.grouping = PeakGrouping::kFine;
+  request.minRelative = 0.1;
+  checkPattern(atoms, request);
+  request.grouping = PeakGrouping::kResolution;
+  request.resolution = 20000;
+  checkPattern(atoms, request);
+  request.coverage = 0.99;
+  checkPattern(atoms, request);
+}
