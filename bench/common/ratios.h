@@ -98,7 +98,7 @@ inline int runWithRatios(int argc, char **argv, const std::vector<Ratio> &ratios
     if (candidate == keeper.seconds().end() || baseline.first.empty()) continue;
     double quotient = options.candidateOverBaseline ? candidate->second / baseline.second
                                                     : baseline.second / candidate->second;
-    std::printf("%-40s %-40s %10s %10s  %.2f\n", ratio.candidate.c_str(), baseline.first.c_str(),
+    std::printf("%-40s %-40s %10s %10s  %.3g\n", ratio.candidate.c_str(), baseline.first.c_str(),
                 formatSeconds(candidate->second).c_str(), formatSeconds(baseline.second).c_str(),
                 quotient);
   }
