@@ -23,7 +23,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/sort/ratios.h"
+#include "bench/common/ratios.h"
 
 namespace {
 
@@ -160,7 +160,8 @@ int main(int argc, char **argv) {
     }
   }
   int argcLeft = int(args.size());
-  int status = fskit::bench::runWithRatios(argcLeft, args.data(), ratios, true);  // manual time = CPU
+  int status = fskit::bench::runWithRatios(argcLeft, args.data(), ratios,
+                                           {.realTime = true});  // manual time = CPU
   std::filesystem::remove_all(workDir);
   return status;
 }

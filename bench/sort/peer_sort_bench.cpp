@@ -30,7 +30,7 @@
 #include <boost/sort/spreadsort/spreadsort.hpp>
 #endif
 
-#include "bench/sort/ratios.h"
+#include "bench/common/ratios.h"
 #include "bench/sort/register_sort.h"
 #include "bench/sort/sort_data.h"
 

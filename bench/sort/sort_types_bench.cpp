@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/sort/ratios.h"
+#include "bench/common/ratios.h"
 #include "bench/sort/register_sort.h"
 
 namespace {

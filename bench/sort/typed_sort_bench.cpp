@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "bench/sort/ratios.h"
+#include "bench/common/ratios.h"
 #include "bench/sort/register_sort.h"
 #include "bench/sort/sort_data.h"
 
