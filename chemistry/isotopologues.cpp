@@ -158,7 +158,10 @@ class FineProduct {
   }
 
   bool run(double base) {
+    used_ = peaks_.size();
     combine(0, 1.0, base, 0);
+    peaks_.mass.resize(used_);
+    peaks_.probability.resize(used_);
     return !full_;
   }
 
@@ -173,15 +176,20 @@ class FineProduct {
         combine(index + 1, partial * p[i], mass + m[i], withShift_ ? shift + list.shift[i] : 0);
       return;
     }
-    size_t count = 0;
-    while (count < n && partial * p[count] >= threshold_) ++count;
-    size_t at = peaks_.size();
+    // The list falls: the entries above the threshold are a prefix.
+    double least = threshold_ / partial;
+    size_t count = size_t(std::partition_point(p, p + n, [&](double v) { return v >= least; }) - p);
+    size_t at = used_;
     if (at + count > maxPeaks_) {
       full_ = true;
       return;
     }
-    peaks_.mass.resize(at + count);
-    peaks_.probability.resize(at + count);
+    if (at + count > peaks_.mass.size()) {  // room in large steps, filled below
+      size_t room = std::max(at + count, 2 * peaks_.mass.size() + 1024);
+      peaks_.mass.resize(room);
+      peaks_.probability.resize(room);
+    }
+    used_ = at + count;
     double *outMass = peaks_.mass.data() + at, *outProbability = peaks_.probability.data() + at;
     for (size_t i = 0; i < count; ++i) {
       outMass[i] = mass + m[i];
@@ -197,6 +205,7 @@ class FineProduct {
   size_t maxPeaks_;
   bool withShift_;
   PeakColumns &peaks_;
+  size_t used_ = 0;  // peaks written; the columns may be longer while running
   bool full_ = false;
 };
 
