@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The formula parsers against the example element file (C, H and O with
-// isotopes at indexes 0 to 9); fskit formula and fskit elements.
+// isotopes at indexes 0 to 9); fskit formula (with --adduct and --composition,
+// against the shipped table) and fskit elements.
 #include <fskit/chemistry.h>
 #include <gtest/gtest.h>
 
@@ -202,32 +203,65 @@ TEST_F(Formula, BadInputStaysWithinItsBounds) {
             1);
 }
 
-TEST(ChemistryTool, FormulaUsesTheShippedTableFromAnyDirectory) {
+// fskit formula in an empty directory (the shipped table, found by the tool's
+// own place): each output, standard input, and the errors.
+TEST(ChemistryTool, FormulaOutputsAndErrors) {
+  const std::string header = "formula\tcanonical\tnominal\tmonoisotopic\taverage\trdb";
+  const std::string composition = "formula\telement\tcount\tmass\tpercent\n";
+  struct Case {
+    std::vector<std::string> args;
+    std::string input;
+    int status;
+    std::string out, err;
+  } cases[] = {
+      {{"C6H12O6", "C5 13C H12 O6", "NA.CL"}, "", 0,
+       header + "\nC6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0\n"
+                "C5 13C H12 O6\tC5.13CH12O6\t181\t181.066743\t181.1484\t1.0\n"
+                "NA.CL\tClNa\t58\t57.958622\t58.4398\t0.0\n", ""},
+      {{"--json", "H2O"}, "", 0,
+       "{\"formula\":\"H2O\",\"canonical\":\"H2O\",\"nominal\":18,"
+       "\"monoisotopic\":18.010565,\"average\":18.0150,\"rdb\":0.0}\n", ""},
+      // A single - reads one formula per line, blank lines skipped.
+      {{"-"}, "H2O\n\n  \nNA.CL\r\n", 0,
+       header + "\nH2O\tH2O\t18\t18.010565\t18.0150\t0.0\nNA.CL\tClNa\t58\t57.958622\t58.4398\t0.0\n", ""},
+      // A formula that does not read is reported; the others are printed.
+      {{"H2O", "C6H5(CH3)"}, "", 1, header + "\nH2O\tH2O\t18\t18.010565\t18.0150\t0.0\n",
+       "fskit formula: unknown symbol '(C' at position 5 of 'C6H5(CH3)'\n"},
+      {{}, "", 2, "", "fskit formula: no formula given\n"},
+      {{"--elements"}, "", 2, "", "fskit formula: --elements and --ini need a file name\n"},
+      {{"--adduct", "[M+H]+", "C6H12O6"}, "", 0,
+       header + "\tmz\nC6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0\t181.070665\n", ""},
+      {{"--json", "--adduct=[M+2H]2+", "C6H12O6"}, "", 0,
+       "{\"formula\":\"C6H12O6\",\"canonical\":\"C6H12O6\",\"nominal\":180,"
+       "\"monoisotopic\":180.063388,\"average\":180.1560,\"rdb\":1.0,\"mz\":91.038971}\n", ""},
+      // H2CO3, 62.024 in all: H 2.016 is 3.250355 %, C 12.011 19.365084 %, O
+      // 47.997 77.384561 %. Rounded to the nearest they would add up to
+      // 100.0001; cut to 4 decimals they miss two steps, which go to the
+      // largest remainders, C's (0.8448) and O's (0.6082).
+      {{"--composition", "H2CO3"}, "", 0,
+       composition + "H2CO3\tH\t2\t2.0160\t3.2503\nH2CO3\tC\t1\t12.0110\t19.3651\n"
+                     "H2CO3\tO\t3\t47.9970\t77.3846\n", ""},
+      {{"--composition", "--json", "H2O"}, "", 0,
+       "{\"formula\":\"H2O\",\"element\":\"H\",\"count\":2,\"mass\":2.0160,\"percent\":11.1907}\n"
+       "{\"formula\":\"H2O\",\"element\":\"O\",\"count\":1,\"mass\":15.9990,\"percent\":88.8093}\n", ""},
+      {{"--adduct", "[M+Xx]+", "C6H12O6"}, "", 1, "",
+       "fskit formula: unknown element 'Xx' at position 3 of adduct '[M+Xx]+'\n"},
+      {{"--adduct", "M+H", "C"}, "", 1, "", "fskit formula: expected '[' at position 0 of adduct 'M+H'\n"},
+      {{"--adduct"}, "", 2, "", "fskit formula: --adduct needs an adduct such as [M+H]+\n"},
+      {{"--adduct", "[M+H]+", "--composition", "C"}, "", 2, "",
+       "fskit formula: give --adduct or --composition, not both\n"},
+      {{"--composition", "C6H1Xx2", "H2"}, "", 1, composition + "H2\tH\t2\t2.0160\t100.0000\n",
+       "fskit formula: unknown element 'Xx' at position 4 of 'C6H1Xx2'\n"},
+  };
   TempDir empty;
-  auto result = runTool({"formula", "C6H12O6", "C5 13C H12 O6", "NA.CL"}, "", empty.path());
-  EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_EQ(result.out,
-            "formula\tcanonical\tnominal\tmonoisotopic\taverage\trdb\n"
-            "C6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0\n"
-            "C5 13C H12 O6\tC5.13CH12O6\t181\t181.066743\t181.1484\t1.0\n"
-            "NA.CL\tClNa\t58\t57.958622\t58.4398\t0.0\n");
-  auto json = runTool({"formula", "--json", "H2O"}, "", empty.path());
-  EXPECT_EQ(json.out,
-            "{\"formula\":\"H2O\",\"canonical\":\"H2O\",\"nominal\":18,"
-            "\"monoisotopic\":18.010565,\"average\":18.0150,\"rdb\":0.0}\n");
-
-  // A single - reads one formula per line, blank lines skipped.
-  auto piped = runTool({"formula", "-"}, "H2O\n\n  \nNA.CL\r\n", empty.path());
-  EXPECT_EQ(piped.status, 0) << piped.err;
-  EXPECT_EQ(piped.out,
-            "formula\tcanonical\tnominal\tmonoisotopic\taverage\trdb\n"
-            "H2O\tH2O\t18\t18.010565\t18.0150\t0.0\nNA.CL\tClNa\t58\t57.958622\t58.4398\t0.0\n");
-
-  auto bad = runTool({"formula", "H2O", "C6H5(CH3)"}, "", empty.path());
-  EXPECT_EQ(bad.status, 1);
-  EXPECT_EQ(bad.err, "fskit formula: unknown symbol '(C' at position 5 of 'C6H5(CH3)'\n");
-  EXPECT_EQ(runTool({"formula"}).status, 2);
-  EXPECT_EQ(runTool({"formula", "--elements"}).status, 2);
+  for (Case &c : cases) {
+    c.args.insert(c.args.begin(), "formula");
+    auto result = runTool(c.args, c.input, empty.path());
+    std::string trace = c.args.size() > 1 ? c.args[1] + " " + c.args.back() : "";
+    EXPECT_EQ(result.status, c.status) << trace;
+    EXPECT_EQ(result.out, c.out) << trace;
+    EXPECT_EQ(result.err, c.err) << trace;
+  }
 }
 
 TEST(ChemistryTool, ElementFileFromOptionOrIniFile) {

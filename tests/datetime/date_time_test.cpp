@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// fsDateTime: every input and output layout, separators, useNow and messages.
+// fsDateTime: every input and output layout, separators, useNow and messages;
+// the internal conversion, which hands those messages back byte for byte.
 #include <fskit/datetime.h>
 #include <gtest/gtest.h>
 
@@ -11,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "datetime/conversion_internal.h"
 #include "tests/support/test_support.h"
 
 using fskit::test::captureStderr;
@@ -243,4 +245,26 @@ TEST(DateCommand, ConvertsListsLayoutsAndReportsErrors) {
   EXPECT_EQ(std::to_string(unreadable.status) + unreadable.err,
             "1Unable to generate valid input date from: tomorrow\n");
   EXPECT_EQ(runTool({"date", "--out", "11"}).status + runTool({"date", "a", "b"}).status, 4);
+}
+
+TEST(DateConversion, SameResultAndTheMessagesFsDateTimePrints) {
+  const std::string longInput(5000, 'x');  // handed back whole
+  struct Case { int32_t in; const char *input; int32_t out; };
+  const Case cases[] = {{8, "7-MAR-1998 14:05:09", 4}, {0, "3/07/98", 6}, {6, "19980307140509+0130", 10},
+                        {3, "garbage", 1},             {33, "7-MAR-98", 1}, {2, "7-MAR-98", 44},
+                        {-1, "x", 0},                  {2, "31-FEB-98", 99}, {2, longInput.c_str(), 1}};
+  for (const Case &c : cases) {
+    char printed[61] = "unchanged", quiet[61] = "unchanged";
+    int32_t printedResult = 0, quietResult = 0;
+    std::string problems;
+    std::string err = captureStderr([&] { printedResult = fsDateTime(c.in, c.input, c.out, printed, nullptr, 0); });
+    std::string none = captureStderr([&] {
+      quietResult = fskit::datetime::convertDateTime(c.in, c.input, c.out, quiet, nullptr, 0, &problems);
+    });
+    EXPECT_EQ(quietResult, printedResult) << c.input;
+    EXPECT_STREQ(quiet, printed) << c.input;
+    EXPECT_EQ(problems, err) << c.input;
+    EXPECT_EQ(none, "") << c.input;
+    EXPECT_EQ(problems.empty(), printedResult == 1) << c.input;
+  }
 }

@@ -169,11 +169,4 @@ TEST(ArrayConverters, QuorRecordsEncodeAsTheOneValueFunction) {
   EXPECT_EQ(encoded, oneAtATime(format, decoded, 6, encodeRecord, 13));
 }
 
-TEST(ArrayConverters, FormatTable) {
-  for (const ArrayFormat &format : fskit::numformat::arrayFormats())
-    EXPECT_EQ(findArrayFormat(format.name), &format);
-  EXPECT_EQ(findArrayFormat("vaxg"), nullptr);
-  EXPECT_EQ(findArrayFormat("novaf")->encode, nullptr);
-}
-
 }  // namespace

@@ -9,9 +9,23 @@
 #include <memory>
 #include <string>
 
-#include "tests/strings/sentinel.h"
-
 using namespace std::string_literals;
+
+namespace {
+
+// A destination pre-filled with a sentinel byte, so that a test sees every
+// byte a function wrote and that it wrote nothing beyond.
+struct Sentinel {
+  char bytes[64];
+  Sentinel() { std::memset(bytes, '~', sizeof bytes); }
+  // The bytes before the first sentinel byte, NULs included.
+  std::string written() const {
+    const std::string all(bytes, sizeof bytes);
+    return all.substr(0, all.find('~'));
+  }
+};
+
+}  // namespace
 
 TEST(Copy, WritesExactlyTheseBytes) {
   struct Row {
@@ -87,7 +101,7 @@ TEST(Copy, WritesExactlyTheseBytes) {
       {[](char *d) { return strcvtesc(d, R"(\12\)"); }, "\n\0"s},
   };
   for (size_t i = 0; i < std::size(rows); ++i) {
-    fskit::test::Sentinel dst;
+    Sentinel dst;
     EXPECT_EQ(rows[i].call(dst.bytes), dst.bytes) << "row " << i;
     EXPECT_EQ(dst.written(), rows[i].written) << "row " << i;
   }
@@ -105,7 +119,7 @@ TEST(Copy, InPlace) {
 TEST(Copy, NothingIsReadPastTheEndOfTheSource) {
   // strncpyb read the n-byte field from the one-byte empty text a null source
   // stands for (the sanitizer build sees it).
-  fskit::test::Sentinel field;
+  Sentinel field;
   EXPECT_EQ(strncpyb(field.bytes, nullptr, 6), field.bytes);
   EXPECT_EQ(field.written(), "\0"s);
 

@@ -78,11 +78,10 @@ TEST(KeyCode, ReadsKeysFromATerminalAndRestoresIt) {
   GTEST_SKIP() << "drives a pseudo-terminal (forkpty), which Windows does not have";
 #else
   struct Key { const char *input; int32_t code; };
-  const Key keys[] = {{"a", 97},         {"\r", 13},          {"\x1b", 27},      {"\x1b[A", 274},
-                      {"\x1bOB", 275},   {"\x1b[1;5D", 0},    {"\x1b[1;3C", 277}, {"\x1b[2~", 312},
-                      {"\x1b[3~", 313},  {"\x1b[5~", 315},    {"\x1b[6;2~", 316}, {"\x1bOP", 281},
-                      {"\x1b[12~", 282}, {"\x1b[21;5~", 290}, {"\x1b[23~", 291},  {"\x1b[24;3~", 292},
-                      {"\x1b[H", 27},    {"\x04", 4}};
+  // One key of each kind; the sequences themselves are the _getch test's.
+  const Key keys[] = {{"a", 97},          {"\r", 13},          {"\x1b", 27},       {"\x1b[A", 274},
+                      {"\x1bOB", 275},    {"\x1b[1;5D", 0},    {"\x1b[1;3C", 277}, {"\x1b[6;2~", 316},
+                      {"\x1b[21;5~", 290}, {"\x1b[24;3~", 292}, {"\x1b[H", 27},     {"\x04", 4}};
   const int count = int(sizeof keys / sizeof keys[0]);
   int results[2];
   ASSERT_EQ(pipe(results), 0);
