@@ -19,6 +19,7 @@ from typing import Iterable, List, NamedTuple, Optional, Union
 import numpy as np
 
 from . import _fskit
+from ._chemistry import ElementShare
 from ._dates import from_datetime, to_datetime
 from ._errors import DateError, ElementTableError, Error, FormulaError, SortError
 from ._fskit import (
@@ -26,6 +27,7 @@ from ._fskit import (
     Formula,
     IniFile,
     IniParagraph,
+    composition,
     convert_date,
     decode,
     encode,
@@ -34,10 +36,10 @@ from ._fskit import (
 )
 
 __all__ = [
-    "FORMATS", "DateError", "Element", "ElementTableError", "Error", "Formula", "FormulaError",
-    "IniFile", "IniParagraph", "Masses", "SortError", "convert_date", "decode", "element_file",
-    "elements", "encode", "format_info", "from_datetime", "load_elements", "masses", "sort_file",
-    "to_datetime",
+    "FORMATS", "DateError", "Element", "ElementShare", "ElementTableError", "Error", "Formula",
+    "FormulaError", "IniFile", "IniParagraph", "Masses", "SortError", "composition",
+    "convert_date", "decode", "element_file", "elements", "encode", "format_info", "from_datetime",
+    "load_elements", "masses", "sort_file", "to_datetime",
 ]
 
 #: The element table shipped with the package, loaded on import.

@@ -12,7 +12,8 @@ class FormulaError(Error, ValueError):
     """A molecular formula that does not parse.
 
     ``formula`` is the text given, ``symbol`` the first symbol that is not in
-    the element table and ``position`` where that symbol starts (0-based).
+    the element table ("" for other errors) and ``position`` where the error
+    is (0-based, in characters; -1: none).
     """
 
     def __init__(self, message: str, formula: str = "", symbol: str = "", position: int = -1):

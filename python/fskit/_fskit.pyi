@@ -9,6 +9,8 @@ from typing import Dict, Iterable, Iterator, List, Optional, Tuple, Union, overl
 import numpy as np
 import numpy.typing as npt
 
+from ._chemistry import ElementShare
+
 _Path = Union[str, bytes, os.PathLike]
 
 class Formula:
@@ -24,6 +26,12 @@ class Formula:
     def __init__(self, formula: str) -> None: ...
     def __eq__(self, other: object) -> bool: ...
     def __hash__(self) -> int: ...
+    def composition(self) -> List[ElementShare]: ...
+
+# The richer formula text (groups, hydrates, [13C]) or a Formula.
+_FormulaText = Union[str, Formula]
+
+def composition(formula: _FormulaText) -> List[ElementShare]: ...
 
 def _masses(formulas: Union[Iterable[str], Iterable[bytes], np.ndarray],
             errors: str = ...) -> Tuple[np.ndarray, np.ndarray, np.ndarray, np.ndarray]: ...
