@@ -32,6 +32,7 @@ from ._fskit import (
     decode,
     encode,
     format_info,
+    mz,
     sort_file,
 )
 
@@ -39,7 +40,7 @@ __all__ = [
     "FORMATS", "DateError", "Element", "ElementShare", "ElementTableError", "Error", "Formula",
     "FormulaError", "IniFile", "IniParagraph", "Masses", "SortError", "composition",
     "convert_date", "decode", "element_file", "elements", "encode", "format_info", "from_datetime",
-    "load_elements", "masses", "sort_file", "to_datetime",
+    "load_elements", "masses", "mz", "sort_file", "to_datetime",
 ]
 
 #: The element table shipped with the package, loaded on import.

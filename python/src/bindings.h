@@ -11,6 +11,7 @@ void addChemistry(pybind11::module_ &module);
 void addMasses(pybind11::module_ &module);
 // After addChemistry: addComposition adds a method to Formula too.
 void addComposition(pybind11::module_ &module);
+void addMz(pybind11::module_ &module);
 void addIniFile(pybind11::module_ &module);
 void addDates(pybind11::module_ &module);
 void addSortFile(pybind11::module_ &module);

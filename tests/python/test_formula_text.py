@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""Composition by mass from the richer formula text, against values worked
-out by hand from data/kw_elements.tbl and against the tool."""
+"""Composition by mass and the m/z of ions, from the richer formula text,
+against values worked out by hand from data/kw_elements.tbl and against the
+tool."""
 
 from __future__ import annotations
 
@@ -73,17 +74,61 @@ def test_richer_text_and_tool_agree(tool):
     assert {s.label: s.count for s in fskit.composition("(CH3)3COH")} == {"C": 4, "H": 10, "O": 1}
 
 
-@pytest.mark.parametrize("formula, text, position, symbol", [
-    ("C6Qq", "unknown element 'Qq' at position 2 of formula 'C6Qq'", 2, "Qq"),
-    # The position counts characters: the middle dot is two bytes in UTF-8.
-    ("CuSO4\u00b75H2Qq", "'Qq' at position 9 of formula", 9, "Qq"),
-    ("c6h12o6", "at position 0 of formula 'c6h12o6'", 0, ""),
-    ("C6\0H6", "NUL at position 2 of formula", 2, ""),
+@pytest.mark.parametrize("adduct, charge, expected", [
+    ("[M+H]+", None, GLUCOSE + EXACT["H"] - ELECTRON),  # 180.063388 + 1.007825 - 0.000549
+    ("[M+Na]+", None, GLUCOSE + EXACT["Na"] - ELECTRON),
+    ("[M+2H]2+", None, (GLUCOSE + 2 * EXACT["H"] - 2 * ELECTRON) / 2),
+    ("[M-H]-", None, GLUCOSE - EXACT["H"] + ELECTRON),
+    ("[2M-H2O+H]+", None, 2 * GLUCOSE - EXACT["H"] - EXACT["O"] - ELECTRON),
+    (None, 2, (GLUCOSE - 2 * ELECTRON) / 2),
+    (None, -1, GLUCOSE + ELECTRON),
 ])
-def test_text_that_does_not_read_names_the_position(formula, text, position, symbol):
-    with pytest.raises(fskit.FormulaError) as caught:
-        fskit.composition(formula)
-    assert text in str(caught.value)
-    assert (caught.value.position, caught.value.symbol) == (position, symbol)
-    with pytest.raises(TypeError, match="not int"):
-        fskit.composition(6)
+def test_glucose_mz_by_hand(adduct, charge, expected):
+    for formula in ("C6H12O6", fskit.Formula("C6H12O6"), "HOCH2(CHOH)4CHO"):
+        assert fskit.mz(formula, adduct, charge=charge) == pytest.approx(expected, abs=1e-9)
+
+
+def test_mz_agrees_with_the_tool(tool):
+    for adduct in ["[M+H]+", "[M+Na]+", "[M+2H]2+", "[M-H]-", "[2M+Na]+", "[M+[13C]H3]+"]:
+        row = tool_rows(tool, "--adduct", adduct, "C6H12O6")[0]
+        assert round(fskit.mz("C6H12O6", adduct), 6) == row["mz"], adduct
+
+
+@pytest.mark.parametrize("formula, adduct, text, position, symbol", [
+    ("C6H12O6", "[X+H]+", "expected 'M' at position 1 of adduct '[X+H]+'", 1, ""),
+    ("C6H12O6", "[M+Qq]+", "unknown element 'Qq' at position 3 of adduct", 3, "Qq"),
+    ("C6H12O6", "[M+H]", "charge sign '+' or '-' at position 5", 5, ""),
+    ("C6Qq", "[M+H]+", "unknown element 'Qq' at position 2 of formula 'C6Qq'", 2, "Qq"),
+    # The position counts characters: the middle dot is two bytes in UTF-8.
+    ("CuSO4\u00b75H2Qq", "[M+H]+", "'Qq' at position 9 of formula", 9, "Qq"),
+    ("c6h12o6", "[M+H]+", "at position 0 of formula 'c6h12o6'", 0, ""),
+    ("C6\0H6", "[M+H]+", "NUL at position 2 of formula", 2, ""),
+    ("C6H12O6", "[M+H]+\0", "NUL at position 6 of adduct", 6, ""),
+])
+def test_text_that_does_not_read_names_the_position(formula, adduct, text, position, symbol):
+    calls = [lambda: fskit.mz(formula, adduct)]
+    if "of formula" in text:
+        calls.append(lambda: fskit.composition(formula))
+    for call in calls:
+        with pytest.raises(fskit.FormulaError) as caught:
+            call()
+        assert text in str(caught.value)
+        assert (caught.value.position, caught.value.symbol) == (position, symbol)
+
+
+@pytest.mark.parametrize("arguments, error, text", [
+    (("C6H12O6",), ValueError, "needs an adduct"),
+    (("C6H12O6", "[M+H]+", 1), ValueError, "not both"),
+    (("C6H12O6", None, 0), ValueError, "cannot be 0"),
+    (("C6H12O6", None, 10**10), ValueError, "too large"),
+])
+def test_wrong_mz_arguments(arguments, error, text):
+    formula, adduct, charge = (*arguments, None, None)[:3]
+    with pytest.raises(error, match=text):
+        fskit.mz(formula, adduct, charge=charge)
+
+
+def test_a_formula_is_a_str_or_a_formula():
+    for call in (fskit.composition, lambda formula: fskit.mz(formula, "[M+H]+")):
+        with pytest.raises(TypeError, match="not bytes"):
+            call(b"C6H12O6")
