@@ -19,6 +19,7 @@
 // the monoisotopic mass does. A labelled atom ("[13C]") is that isotope.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -41,6 +42,8 @@ struct PatternRequest {
   // False: kFine peaks come in no particular order (for callers that sort
   // or bin them themselves); the other groupings are always by mass.
   bool byMass = true;
+  // A pattern that would hold more peaks is refused (at 16 bytes a peak).
+  size_t maxPeaks = 20'000'000;
 };
 
 struct IsotopePattern {

@@ -1,16 +1,6 @@
 // SPDX-License-Identifier: MIT
 // fskit formula, fskit elements.
-//
-// The element table comes from, in this order: --elements FILE; the file an
-// INI document names (--ini FILE, paragraph "Formula Files", topic
-// "elementFile"); the shipped kw_elements.tbl, found as
-// share/fskit/kw_elements.tbl next to the tool (build tree) or one level up
-// (bin/../share/fskit under the install prefix); last, the library's own
-// default names in the current directory.
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -19,78 +9,14 @@
 
 #include <fskit/chemistry.h>
 #include <fskit/frame.h>
-#include <fskit/ini.h>
 
 #include "chemistry/composition_internal.h"
 #include "chemistry/ion_internal.h"
 #include "tools/command.h"
+#include "tools/element_choice.h"
 
 namespace fskit::tool {
 namespace {
-
-bool readable(const std::string &path) { return access(path.c_str(), R_OK) == 0; }
-
-std::optional<std::string> shippedTable() {
-  std::string dir = programDirectory();
-  if (dir.empty()) return std::nullopt;
-  for (const char *relative : {"share/fskit/kw_elements.tbl", "../share/fskit/kw_elements.tbl"})
-    if (readable(dir + relative)) return dir + relative;
-  return std::nullopt;
-}
-
-struct TableChoice {
-  std::optional<std::string> elements;  // --elements FILE
-  std::optional<std::string> ini;       // --ini FILE
-};
-
-// Takes --elements and --ini from args. kOk, or the usage error reported.
-int takeTableChoice(const char *command, std::vector<std::string> &args, TableChoice &choice) {
-  bool missing = false;
-  choice.elements = takeOption(args, "--elements", missing);
-  choice.ini = takeOption(args, "--ini", missing);
-  if (missing) return usageError(command, "--elements and --ini need a file name");
-  if (choice.elements && choice.ini) return usageError(command, "give --elements or --ini, not both");
-  if (auto option = unknownOption(args)) return usageError(command, "unknown option " + *option);
-  if (!args.empty() && args.front() == "--") args.erase(args.begin());
-  return kOk;
-}
-
-// Loads the element table the choice names. kOk, or the failure reported in
-// one line.
-int loadElementTable(const char *command, const TableChoice &choice) {
-  int32_t loaded = 0;
-  std::optional<std::string> shipped = shippedTable();
-  if (choice.elements) {
-    // The library only says that it failed; the system says why.
-    std::FILE *stream = std::fopen(choice.elements->c_str(), "r");
-    if (stream == nullptr) return systemFailure(command, *choice.elements, errno);
-    std::fclose(stream);
-    loaded = fsLoadElemTable(choice.elements->c_str());
-  } else if (choice.ini) {
-    int32_t handle = fsIniReadFile(choice.ini->c_str());
-    if (handle == 0) return kFailed;  // the library has said why
-    char value[1024], comment[2];
-    if (fsIniGetValue(handle, "Formula Files", "elementFile", value, comment) != 0 || !shipped)
-      loaded = fsInitElemTable(handle, 1);
-    else
-      loaded = fsLoadElemTable(shipped->c_str());
-  } else if (shipped) {
-    loaded = fsLoadElemTable(shipped->c_str());
-  } else {
-    loaded = fsInitElemTable(0, 1);
-  }
-  // The library has said why, unless it failed silently.
-  if (loaded == 0)
-    return libraryMessagesShown() > 0 ? kFailed : failure(command, "no element table could be loaded");
-  if (fsElementTableCount() < 1) return failure(command, "the element table holds no records");
-  return kOk;
-}
-
-std::string fixed(double value, int decimals) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, value);
-  return text;
-}
 
 // Names the symbol that stopped fsTblParseMF after `consumed` characters.
 // The range parser reads the same tokens when given the formula as the
@@ -164,19 +90,7 @@ int runFormula(std::vector<std::string> &args) {
   TableChoice choice;
   if (int status = takeTableChoice("formula", args, choice); status != kOk) return status;
   if (args.empty()) return usageError("formula", "no formula given");
-  if (args.size() == 1 && args.front() == "-") {
-    // One formula per line of standard input; blank lines are skipped.
-    std::string text;
-    if (!readStandardInput(text)) return systemFailure("formula", "cannot read standard input", errno);
-    args.clear();
-    for (size_t start = 0; start < text.size();) {
-      size_t end = std::min(text.find('\n', start), text.size());
-      std::string line = text.substr(start, end - start);
-      if (!line.empty() && line.back() == '\r') line.pop_back();
-      if (line.find_first_not_of(" \t") != std::string::npos) args.push_back(line);
-      start = end + 1;
-    }
-  }
+  if (int status = formulasFromStandardInput("formula", args); status != kOk) return status;
   if (int status = loadElementTable("formula", choice); status != kOk) return status;
   if (composition) return printComposition(json, args);
   chemistry::Adduct adduct;

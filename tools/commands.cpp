@@ -13,6 +13,7 @@ int runIni(std::vector<std::string> &args);
 // -- chemistry
 int runFormula(std::vector<std::string> &args);
 int runElements(std::vector<std::string> &args);
+int runPattern(std::vector<std::string> &args);
 // -- numformat
 int runConvert(std::vector<std::string> &args);
 // -- datetime
@@ -117,6 +118,30 @@ const std::vector<Command> &commands() {
        "The table is chosen as for 'fskit formula'.\n"
        "example: fskit elements --elements data/kw_elements.tbl\n",
        runElements},
+      {"pattern", "isotope patterns of molecules and ions",
+       "usage: fskit pattern [--json] [--adduct ADDUCT | --charge Z]\n"
+       "                     [--resolution R | --fine] [--min-relative P | --coverage P]\n"
+       "                     [--svg FILE] [--elements FILE | --ini FILE] FORMULA...\n"
+       "Prints the isotope pattern of each formula under the header \"formula mz\n"
+       "fraction relative\": per peak, in increasing m/z, its mass (m/z for an ion,\n"
+       "6 decimals), the share of all molecules in it (9 significant digits) and its\n"
+       "percent of the largest peak (4 decimals); --json: one JSON object per line.\n"
+       "Peaks: by default one per nominal mass, at the isotopologues' weighted mean\n"
+       "mass; --fine: every isotopologue; --resolution R: isotopologues merged at\n"
+       "resolving power R, each joining the nearest peak of a more abundant one\n"
+       "within m/R of it. Peaks below P percent of the largest (--min-relative,\n"
+       "default 0.01) are left out; --coverage P (0 < P <= 1) keeps instead the\n"
+       "fewest peaks whose fractions add up to at least P.\n"
+       "--charge Z: the molecule carries the signed charge Z, m/z = (M - Z*me)/|Z|;\n"
+       "--adduct: the ion [nM+A-B]z+ or z- as for 'fskit formula' ([M+H]+,\n"
+       "[M+2H]2+, [M-H2O+H]+, [2M+Na]+, [M-H]-), its pattern that of n*M+A-B.\n"
+       "--svg FILE draws the pattern of one formula as a stick spectrum.\n"
+       "Formulas read as for 'fskit formula --composition'; - reads them from\n"
+       "standard input, one per line. Masses and abundances come from the element\n"
+       "table, chosen as for 'fskit formula'.\n"
+       "example: fskit pattern C6H12O6\n"
+       "         fskit pattern --fine --adduct \"[M+2H]2+\" C254H377N65O75S6\n",
+       runPattern},
       // -- numformat
       {"convert", "foreign numbers (VAX, HP, Nova, INCOS, Quor) to text and back",
        "usage: fskit convert [--json] FORMAT HEX...\n"
