@@ -21,9 +21,10 @@ ELECTRON = 0.000548579909  # CODATA 2018
 GLUCOSE = 6 * EXACT["C"] + 12 * EXACT["H"] + 6 * EXACT["O"]  # 180.063388...
 
 
-def tool_rows(tool: str, *arguments: str) -> list[dict]:
-    done = subprocess.run([tool, "formula", "--json", *arguments], capture_output=True,
-                          text=True, check=True)
+def tool_rows(tool: str, command: str, *arguments: str) -> list[dict]:
+    """The rows `fskit COMMAND --json ARGUMENTS...` writes."""
+    done = subprocess.run([tool, command, "--json", *arguments], capture_output=True, text=True,
+                          check=True)
     return [json.loads(line) for line in done.stdout.splitlines()]
 
 
@@ -67,7 +68,7 @@ def test_formula_composition_has_the_formulas_atoms():
 def test_richer_text_and_tool_agree(tool):
     formulas = ["(CH3)3COH", "CuSO4*5H2O", "[13C]2C4H12O6", "CNO"]
     expected = [(row["formula"], row["element"], row["count"], row["percent"])
-                for row in tool_rows(tool, "--composition", *formulas)]
+                for row in tool_rows(tool, "formula", "--composition", *formulas)]
     assert [(f, s.label, s.count, s.percent) for f in formulas
             for s in fskit.composition(f)] == expected
     assert fskit.composition("CuSO4\u00b75H2O") == fskit.composition("CuSO4*5H2O")
@@ -90,7 +91,7 @@ def test_glucose_mz_by_hand(adduct, charge, expected):
 
 def test_mz_agrees_with_the_tool(tool):
     for adduct in ["[M+H]+", "[M+Na]+", "[M+2H]2+", "[M-H]-", "[2M+Na]+", "[M+[13C]H3]+"]:
-        row = tool_rows(tool, "--adduct", adduct, "C6H12O6")[0]
+        row = tool_rows(tool, "formula", "--adduct", adduct, "C6H12O6")[0]
         assert round(fskit.mz("C6H12O6", adduct), 6) == row["mz"], adduct
 
 
