@@ -22,6 +22,12 @@ struct ElementIsotopes {
   std::vector<double> mass;
   std::vector<double> probability;
   std::vector<int32_t> shift;  // mass number minus the lightest one's
+  // For the walk, per isotope j >= 1: q = p_j / (p_0 + ... + p_j), the chance
+  // that an atom not given to an isotope above j is of isotope j.
+  struct Step {
+    double q, logQ, log1mQ, ratio;  // ratio = q / (1 - q)
+  };
+  std::vector<Step> steps;
   bool fixed() const { return mass.size() == 1; }
 };
 
@@ -36,39 +42,17 @@ double logFactorial(int64_t k);
 // The probability of an element's most probable configuration.
 double modeProbability(const ElementIsotopes &element);
 
-// One isotope configuration of an element, or one isotopologue.
-struct Peak {
-  double mass;
-  double probability;
-};
-
 // Walks every configuration of `element` with probability at or above
 // `cutoff`, calling sink(probability, mass, shift) once for each until the
-// sink returns false. The
-// configuration is built isotope by isotope as a chain of binomials (the
-// count of isotope j among the atoms not yet given to isotopes above j),
-// each walked outward from its mode, so a branch stops as soon as its
-// partial probability falls below the cutoff.
+// sink returns false. The configuration is built isotope by isotope as a
+// chain of binomials (the count of isotope j among the atoms not yet given
+// to isotopes above j), each walked outward from its mode, so a branch
+// stops as soon as its partial probability falls below the cutoff.
 template <typename Sink>
 class ConfigurationWalk {
  public:
   ConfigurationWalk(const ElementIsotopes &element, double cutoff, Sink &sink)
-      : e_(element), cutoff_(cutoff), sink_(sink) {
-    size_t n = e_.mass.size();
-    q_.resize(n);
-    logQ_.resize(n);
-    log1mQ_.resize(n);
-    ratio_.resize(n);
-    double below = e_.probability[0];
-    for (size_t j = 1; j < n; ++j) {
-      below += e_.probability[j];
-      double q = e_.probability[j] / below;
-      q_[j] = q;
-      logQ_[j] = std::log(q);
-      log1mQ_[j] = std::log1p(-q);
-      ratio_[j] = q / (1.0 - q);
-    }
-  }
+      : e_(element), cutoff_(cutoff), sink_(sink) {}
 
   // False when the sink stopped the walk.
   bool run() {
@@ -83,18 +67,18 @@ class ConfigurationWalk {
         stopped_ = true;
       return;
     }
-    int64_t mode = std::min<int64_t>(r, int64_t(double(r + 1) * q_[j]));
+    const ElementIsotopes::Step &step = e_.steps[size_t(j)];
+    int64_t mode = std::min<int64_t>(r, int64_t(double(r + 1) * step.q));
     double top = std::exp(logFactorial(r) - logFactorial(mode) - logFactorial(r - mode) +
-                          double(mode) * logQ_[j] + double(r - mode) * log1mQ_[j]);
-    double rho = ratio_[j];
+                          double(mode) * step.logQ + double(r - mode) * step.log1mQ);
     double b = top;
     for (int64_t k = mode; k <= r && partial * b >= cutoff_ && !stopped_; ++k) {
       level(j - 1, r - k, partial * b, mass + double(k) * e_.mass[j], shift + k * e_.shift[j]);
-      b *= double(r - k) / double(k + 1) * rho;
+      b *= double(r - k) / double(k + 1) * step.ratio;
     }
     b = top;
     for (int64_t k = mode; k > 0;) {
-      b *= double(k) / (double(r - k + 1) * rho);
+      b *= double(k) / (double(r - k + 1) * step.ratio);
       --k;
       if (partial * b < cutoff_ || stopped_) break;
       level(j - 1, r - k, partial * b, mass + double(k) * e_.mass[j], shift + k * e_.shift[j]);
@@ -104,7 +88,6 @@ class ConfigurationWalk {
   const ElementIsotopes &e_;
   double cutoff_;
   Sink &sink_;
-  std::vector<double> q_, logQ_, log1mQ_, ratio_;
   bool stopped_ = false;
 };
 
@@ -114,6 +97,25 @@ bool walkConfigurations(const ElementIsotopes &element, double cutoff, Sink &&si
   return walk.run();
 }
 
+// One isotope configuration of an element, or one isotopologue.
+struct Peak {
+  double mass;
+  double probability;
+};
+
+// Peaks as two columns: masses and probabilities.
+struct PeakColumns {
+  std::vector<double> mass;
+  std::vector<double> probability;
+  std::vector<int64_t> shift;  // the total mass number shift, when asked for
+  size_t size() const { return mass.size(); }
+  void clear() {
+    mass.clear();
+    probability.clear();
+    shift.clear();
+  }
+};
+
 // Nominal distribution: probability and probability-weighted mass per
 // total shift, from `first` on.
 struct NominalDistribution {
@@ -122,17 +124,30 @@ struct NominalDistribution {
   std::vector<double> weightedMass;
 };
 
-// The nominal distribution of one element, entries below 1e-18 of its
+// About how many steps the nominal distribution of an element takes, and
+// whether walking its configurations takes fewer than squaring.
+struct NominalCost {
+  double steps = 0.0;
+  bool walk = false;
+};
+NominalCost nominalCost(const ElementIsotopes &element);
+
+// The nominal distribution of one element, entries below 1e-13 of its
 // largest left out.
 NominalDistribution elementNominal(const ElementIsotopes &element);
 
-// The product of two nominal distributions, trimmed the same way.
-NominalDistribution convolve(const NominalDistribution &a, const NominalDistribution &b);
+// c = the product of two nominal distributions, trimmed the same way (c is
+// neither a nor b; its memory is reused).
+void convolve(const NominalDistribution &a, const NominalDistribution &b, NominalDistribution &c);
 
 // Every isotopologue of `elements` whose probability is at least `relative`
-// times the most probable one's, in no particular order; false when there
-// would be more than `maxPeaks`.
+// times the most probable one's, in no particular order (the most probable
+// first); false when there would be more than `maxPeaks`.
+// With `withShift` each isotopologue's shift is kept too.
 bool fineStructure(const std::vector<ElementIsotopes> &elements, double relative,
-                   size_t maxPeaks, std::vector<Peak> &peaks);
+                   size_t maxPeaks, PeakColumns &peaks, bool withShift = false);
+
+// Orders `peaks` by increasing mass.
+void sortByMass(PeakColumns &peaks);
 
 }  // namespace fskit::chemistry::pattern

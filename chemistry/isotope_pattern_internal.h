@@ -9,12 +9,18 @@
 // peaks:
 //   kNominal     one peak per total mass number, at the probability-weighted
 //                mean mass of its isotopologues;
-//   kResolution  isotopologues merged at a resolving power R: sorted by mass,
-//                a peak goes on while the next isotopologue lies within m/R
-//                of the one before it (m: that isotopologue's mass); the peak
-//                sits at the group's weighted mean mass;
+//   kResolution  isotopologues merged at a resolving power R: each peak is
+//                founded by its most probable isotopologue, every other one
+//                joins the nearest peak founded by a more probable one within
+//                m/R of it (m its own mass) or founds one; the peak sits at
+//                its members' weighted mean mass. The fine structure is taken
+//                as far as a million isotopologues reach (all but 1e-9 of the
+//                molecules when they do); what it leaves out of a nominal mass
+//                joins as one isotopologue at the mean mass of the rest;
 //   kFine        every isotopologue its own peak.
-// Abundances are normalised to add up to 1 per element. An element the table
+// Fractions are exact to about 1e-12 (nominal distributions drop entries
+// below 1e-13 of their largest). Abundances are normalised to add up to 1
+// per element. An element the table
 // gives no natural abundance (e.g. Tc) counts as its reference isotope, as
 // the monoisotopic mass does. A labelled atom ("[13C]") is that isotope.
 #pragma once
@@ -56,9 +62,17 @@ struct IsotopePattern {
 };
 
 // The pattern of the molecule `atoms` (counts at or below kMaxFormulaCount
-// each). Throws nothing but std::bad_alloc.
+// each). Errors: an invalid request, an atom not in the table, more than
+// maxPeaks peaks, or an element whose nominal distribution would take too
+// long ("too many Sn atoms for a nominal pattern", e.g. Sn10000). Throws
+// nothing but std::bad_alloc. Safe from any number of threads at once.
 IsotopePattern isotopePattern(const std::vector<FormulaAtom> &atoms,
                               const PatternRequest &request);
+
+// The same into `result`, whose columns' memory is reused: for callers that
+// compute many patterns in a row.
+void isotopePattern(const std::vector<FormulaAtom> &atoms, const PatternRequest &request,
+                    IsotopePattern &result);
 
 // The atoms of the ion `adduct` makes of the molecule `molecule`: n times
 // the molecule, plus what it adds, minus what it removes. Empty, with

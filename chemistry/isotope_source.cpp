@@ -2,6 +2,7 @@
 // Where a pattern's isotopes come from: the element table's isotope records
 // for each atom; and the atoms of an adduct ion.
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <numeric>
 #include <utility>
@@ -44,20 +45,23 @@ void naturalIsotopes(const TableSnapshot &table, int32_t record, ElementIsotopes
 // probabilities adding up to 1, shifts counted from the lightest isotope.
 void normalise(ElementIsotopes &element) {
   size_t n = element.mass.size();
-  std::vector<size_t> order(n);
-  std::iota(order.begin(), order.end(), size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
-    return element.probability[a] > element.probability[b];
-  });
+  for (size_t i = 1; i < n; ++i)  // insertion sort: a handful, kept stable
+    for (size_t j = i; j > 0 && element.probability[j] > element.probability[j - 1]; --j) {
+      std::swap(element.probability[j], element.probability[j - 1]);
+      std::swap(element.mass[j], element.mass[j - 1]);
+      std::swap(element.shift[j], element.shift[j - 1]);
+    }
   double total = std::accumulate(element.probability.begin(), element.probability.end(), 0.0);
   int32_t lightest = *std::min_element(element.shift.begin(), element.shift.end());
-  ElementIsotopes sorted{element.label, element.count, {}, {}, {}};
-  for (size_t i : order) {
-    sorted.mass.push_back(element.mass[i]);
-    sorted.probability.push_back(element.probability[i] / total);
-    sorted.shift.push_back(element.shift[i] - lightest);
+  element.steps.assign(n, ElementIsotopes::Step{});
+  double below = 0.0;
+  for (size_t i = 0; i < n; ++i) {
+    double p = element.probability[i] /= total;
+    element.shift[i] -= lightest;
+    below += p;
+    double q = p / below;  // the first isotope takes what is left: no step
+    if (i > 0) element.steps[i] = {q, std::log(q), std::log1p(-q), q / (1.0 - q)};
   }
-  element = std::move(sorted);
 }
 
 }  // namespace

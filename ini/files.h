@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How the INI family reads and replaces files, shared by the handles of the
-// C functions and the lossless documents of the tool.
+// C functions, the lossless documents of the tool and the tool's own whole
+// files (tools/write_file.h).
 #pragma once
 
 #include <cstdio>

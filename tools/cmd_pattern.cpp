@@ -11,6 +11,8 @@
 #include "chemistry/isotope_pattern_internal.h"
 #include "tools/command.h"
 #include "tools/element_choice.h"
+#include "tools/pattern_svg.h"
+#include "tools/write_file.h"
 
 namespace fskit::tool {
 namespace {
@@ -117,6 +119,24 @@ bool patternOf(const std::string &formula, const PatternOptions &options,
   return true;
 }
 
+// The picture's title: the formula and the ion ("C6H12O6 [M+H]+", "C6H12O6 2+").
+std::string titleOf(const std::string &formula, const PatternOptions &options) {
+  if (options.adduct) return formula + " " + *options.adduct;
+  if (options.charge == 0) return formula;
+  int32_t size = options.charge < 0 ? -options.charge : options.charge;
+  return formula + " " + (size == 1 ? "" : std::to_string(size)) + (options.charge < 0 ? "-" : "+");
+}
+
+// Draws the pattern into options.svg; kOk, or the failure reported.
+int drawPattern(const std::string &formula, const PatternOptions &options,
+                const chemistry::IsotopePattern &pattern) {
+  PatternPicture picture{titleOf(formula, options), pattern.mass, {}};
+  for (double f : pattern.fraction) picture.relative.push_back(100.0 * f / pattern.largest);
+  if (std::optional<std::string> error = writeWholeFile(*options.svg, patternSvg(picture)))
+    return failure(kCommand, *error);
+  return kOk;
+}
+
 }  // namespace
 
 int runPattern(std::vector<std::string> &args) {
@@ -144,6 +164,7 @@ int runPattern(std::vector<std::string> &args) {
     for (size_t i = 0; i < pattern.mass.size(); ++i)
       table.row({formula, fixed(pattern.mass[i], 6), significant(pattern.fraction[i]),
                  fixed(100.0 * pattern.fraction[i] / pattern.largest, 4)});
+    if (options.svg && drawPattern(formula, options, pattern) != kOk) status = kFailed;
   }
   return status;
 }

@@ -20,7 +20,7 @@ import sys
 
 # What the tool may include of the families besides <fskit/...> and the
 # *_internal.h interfaces: headers that say they are there for it too.
-TOOL_INTERFACES = {"ini/lossless.h", "platform/ascii.h"}
+TOOL_INTERFACES = {"ini/files.h", "ini/lossless.h", "platform/ascii.h"}
 TOP_LAYERS = ("tools", "python", "tests", "fuzz")
 SOURCE_SUFFIXES = {".c", ".cpp", ".h"}
 

@@ -164,6 +164,17 @@ TEST_F(Pattern, ResolutionMergesBetweenNominalAndFine) {
     ASSERT_EQ(high.mass.size(), fine.mass.size());
     for (size_t i = 0; i < high.mass.size(); ++i) EXPECT_NEAR(high.fraction[i], fine.fraction[i], 1e-9);
   }
+  // Insulin at R = 10000 (peaks 0.58 Da wide) resolves its nominal masses
+  // and nothing within them; its isotopologues below the fine structure's
+  // reach still count, at their nominal mass.
+  const char *insulin = "C254H377N65O75S6";
+  IsotopePattern nominal = patternOf(insulin, {PeakGrouping::kNominal, 0, 1e-6});
+  IsotopePattern merged = patternOf(insulin, {PeakGrouping::kResolution, 1e4, 1e-6});
+  ASSERT_EQ(merged.mass.size(), nominal.mass.size());
+  for (size_t i = 0; i < merged.mass.size(); ++i) {
+    EXPECT_NEAR(merged.mass[i], nominal.mass[i], 1e-6);
+    EXPECT_NEAR(merged.fraction[i], nominal.fraction[i], 1e-9);
+  }
   // Glucose's M+1 at R = 100000 (width 0.0018 Da): 13C (181.06674) and 17O
   // (181.06760) merge, 2H (181.06966) stays apart; M+2 puts 18O (182.06763)
   // and 13C2 (182.07010) apart too.
@@ -257,6 +268,9 @@ TEST_F(Pattern, RefusesWhatItCannotCompute) {
   };
   for (const Case &c : cases) EXPECT_EQ(isotopePattern(atomsOf("C100H200Sn10"), c.request).error, c.error);
   EXPECT_EQ(isotopePattern({{"C", 99, 1}}, {}).error, "'99C' is not in the element table");
+  // Ten thousand tin atoms spread over thousands of mass numbers: refused
+  // rather than computed for minutes.
+  EXPECT_EQ(isotopePattern(atomsOf("Sn10000"), {}).error, "too many Sn atoms for a nominal pattern");
 }
 
 }  // namespace

@@ -33,6 +33,17 @@ TEST(PatternTool, WaterByHandAndItsIons) {
                       "\"relative\":100.0000}\n");
   auto charged = runTool({"pattern", "--charge", "-2", "--coverage", "0.5", "H2O"}, "", empty.path());
   EXPECT_EQ(charged.out, "formula\tmz\tfraction\trelative\nH2O\t9.005831\t0.997340572\t100.0000\n");
+
+  // --svg draws the same peaks under the formula and its ion, beside the table.
+  auto drawn = runTool({"pattern", "--charge", "-2", "--svg", "w.svg", "H2O"}, "", empty.path());
+  EXPECT_EQ(drawn.status, 0) << drawn.err;
+  std::string svg = readText(empty.path() + "/w.svg");
+  EXPECT_NE(svg.find("<svg"), std::string::npos);
+  EXPECT_NE(svg.find(">H2O 2-</text>"), std::string::npos);
+  EXPECT_NE(svg.find(">9.0058</text>"), std::string::npos);
+  auto unwritable = runTool({"pattern", "--svg", "no/such/dir/w.svg", "H2O"}, "", empty.path());
+  EXPECT_EQ(unwritable.status, 1);
+  EXPECT_EQ(unwritable.err, "fskit pattern: cannot write no/such/dir/w.svg: No such file or directory\n");
 }
 
 TEST(PatternTool, RefusesWhatItCannotDo) {
