@@ -40,8 +40,8 @@ from ._fskit import (
 
 __all__ = [
     "FORMATS", "DateError", "Element", "ElementShare", "ElementTableError", "Error", "Formula",
-    "FormulaError", "IniFile", "IniParagraph", "IsotopePattern", "Masses", "SortError", "composition",
-    "convert_date", "decode", "element_file", "elements", "encode", "format_info", "from_datetime",
+    "FormulaError", "IniFile", "IniParagraph", "IsotopePattern", "Masses", "SortError",
+    "composition", "convert_date", "decode", "element_file", "elements", "encode", "format_info", "from_datetime",
     "load_elements", "masses", "mz", "pattern", "sort_file", "to_datetime",
 ]
 

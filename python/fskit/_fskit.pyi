@@ -36,7 +36,8 @@ class Formula:
 _FormulaText = Union[str, Formula]
 
 def composition(formula: _FormulaText) -> List[ElementShare]: ...
-def mz(formula: _FormulaText, adduct: Optional[str] = ..., *, charge: Optional[int] = ...) -> float: ...
+def mz(formula: _FormulaText, adduct: Optional[str] = ..., *,
+       charge: Optional[int] = ...) -> float: ...
 def pattern(formula: _FormulaText, grouping: Optional[_Grouping] = ..., *,
             resolution: Optional[float] = ..., min_relative: Optional[float] = ...,
             coverage: Optional[float] = ..., adduct: Optional[str] = ...,

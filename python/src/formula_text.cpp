@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Formula arguments read as the richer formula text (readFormulaText), and
 // the FormulaError for a text that does not read.
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -53,8 +54,8 @@ void refuseText(const std::string &error, size_t position, const std::string &te
   // The reader's "... at position <byte>" is said again with the character.
   std::string suffix = " at position " + std::to_string(position);
   std::string what = error;
-  if (what.size() >= suffix.size() && what.compare(what.size() - suffix.size(), suffix.size(), suffix) == 0)
-    what.resize(what.size() - suffix.size());
+  size_t cut = what.size() - std::min(what.size(), suffix.size());
+  if (what.compare(cut, std::string::npos, suffix) == 0) what.resize(cut);
   size_t index = characterIndex(text, position);
   std::string message = what + " at position " + std::to_string(index) + " of " + noun + " '" +
                         text + "'";

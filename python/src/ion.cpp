@@ -31,7 +31,8 @@ IonChoice readIon(const std::optional<std::string> &adduct, const std::optional<
     if (adduct->find('\0') != std::string::npos)
       refuseText("unexpected character NUL", adduct->find('\0'), *adduct, "adduct");
     ion.adduct = chemistry::readAdduct(adduct->c_str());
-    if (!ion.adduct->ok()) refuseText(ion.adduct->error, ion.adduct->errorPosition, *adduct, "adduct");
+    if (!ion.adduct->ok())
+      refuseText(ion.adduct->error, ion.adduct->errorPosition, *adduct, "adduct");
     ion.charge = ion.adduct->charge;
   } else if (required) {
     raiseBuiltin(PyExc_ValueError, name + " needs an adduct such as '[M+H]+' or a charge");

@@ -83,9 +83,10 @@ py::object pattern(const Source &formula, const PatternChoice &choice) {
   IonChoice ion = readIon(choice.adduct, choice.charge, false, "pattern()");
   if (ion.adduct) {
     chemistry::IonAtoms made = chemistry::ionAtoms(atoms, *ion.adduct);
-    if (!made.ok())
-      raise("FormulaError",
-            py::make_tuple(made.error + " in " + *choice.adduct + " of '" + text + "'", text, "", -1));
+    if (!made.ok()) {
+      std::string message = made.error + " in " + *choice.adduct + " of '" + text + "'";
+      raise("FormulaError", py::make_tuple(message, text, "", -1));
+    }
     atoms = std::move(made.atoms);
   }
   chemistry::IsotopePattern peaks;
@@ -104,8 +105,8 @@ constexpr const char *kPatternDoc = R"(
 
 grouping: "nominal" (the default: one peak per mass number, at the mean
 mass of its isotopologues), "fine" (every isotopologue a peak) or
-"resolution" (isotopologues closer than m/R merged), which
-resolution=R alone also chooses. min_relative (default 0.01) leaves out the
+"resolution" (each isotopologue joins the nearest more probable one within
+m/R of it), which resolution=R alone also chooses. min_relative (default 0.01) leaves out the
 peaks below that percent of the largest; coverage (e.g. 0.999) keeps instead
 the fewest peaks whose fractions add up to it. adduct ("[M+H]+") or charge
 (a signed integer) gives the pattern of that ion, in m/z; neither gives the
