@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""fskit for Python: the fskit library's number converters, formula parser,
-INI files, date layouts and file sort, over numpy arrays where it counts.
+"""fskit for Python: the fskit library's number converters, formula parser
+(with ion m/z, composition and isotope patterns), INI files, date layouts and
+file sort, over numpy arrays where it counts.
 
 The library is linked into the extension module ``fskit._fskit`` (its own
 copy, with its own element table and message function). The element table
@@ -19,6 +20,7 @@ from typing import Iterable, List, NamedTuple, Optional, Union
 import numpy as np
 
 from . import _fskit
+from ._chemistry import ElementShare, IsotopePattern
 from ._dates import from_datetime, to_datetime
 from ._errors import DateError, ElementTableError, Error, FormulaError, SortError
 from ._fskit import (
@@ -26,18 +28,21 @@ from ._fskit import (
     Formula,
     IniFile,
     IniParagraph,
+    composition,
     convert_date,
     decode,
     encode,
     format_info,
+    mz,
+    pattern,
     sort_file,
 )
 
 __all__ = [
-    "FORMATS", "DateError", "Element", "ElementTableError", "Error", "Formula", "FormulaError",
-    "IniFile", "IniParagraph", "Masses", "SortError", "convert_date", "decode", "element_file",
-    "elements", "encode", "format_info", "from_datetime", "load_elements", "masses", "sort_file",
-    "to_datetime",
+    "FORMATS", "DateError", "Element", "ElementShare", "ElementTableError", "Error", "Formula",
+    "FormulaError", "IniFile", "IniParagraph", "IsotopePattern", "Masses", "SortError",
+    "composition", "convert_date", "decode", "element_file", "elements", "encode", "format_info", "from_datetime",
+    "load_elements", "masses", "mz", "pattern", "sort_file", "to_datetime",
 ]
 
 #: The element table shipped with the package, loaded on import.

@@ -9,10 +9,11 @@ class Error(Exception):
 
 
 class FormulaError(Error, ValueError):
-    """A molecular formula that does not parse.
+    """A molecular formula, or an adduct such as "[M+H]+", that does not parse.
 
-    ``formula`` is the text given, ``symbol`` the first symbol that is not in
-    the element table and ``position`` where that symbol starts (0-based).
+    ``formula`` is the text given (the adduct's, for an adduct), ``symbol``
+    the first symbol that is not in the element table ("" for other errors)
+    and ``position`` where the error is (0-based, in characters; -1: none).
     """
 
     def __init__(self, message: str, formula: str = "", symbol: str = "", position: int = -1):

@@ -4,12 +4,15 @@
 from __future__ import annotations
 
 import os
-from typing import Dict, Iterable, Iterator, List, Optional, Tuple, Union, overload
+from typing import Dict, Iterable, Iterator, List, Literal, Optional, Tuple, Union, overload
 
 import numpy as np
 import numpy.typing as npt
 
+from ._chemistry import ElementShare, IsotopePattern
+
 _Path = Union[str, bytes, os.PathLike]
+_Grouping = Literal["nominal", "resolution", "fine"]
 
 class Formula:
     """A molecular formula, parsed against the element table."""
@@ -24,6 +27,21 @@ class Formula:
     def __init__(self, formula: str) -> None: ...
     def __eq__(self, other: object) -> bool: ...
     def __hash__(self) -> int: ...
+    def composition(self) -> List[ElementShare]: ...
+    def pattern(self, grouping: Optional[_Grouping] = ..., *, resolution: Optional[float] = ...,
+                min_relative: Optional[float] = ..., coverage: Optional[float] = ...,
+                adduct: Optional[str] = ..., charge: Optional[int] = ...) -> IsotopePattern: ...
+
+# The richer formula text (groups, hydrates, [13C]) or a Formula.
+_FormulaText = Union[str, Formula]
+
+def composition(formula: _FormulaText) -> List[ElementShare]: ...
+def mz(formula: _FormulaText, adduct: Optional[str] = ..., *,
+       charge: Optional[int] = ...) -> float: ...
+def pattern(formula: _FormulaText, grouping: Optional[_Grouping] = ..., *,
+            resolution: Optional[float] = ..., min_relative: Optional[float] = ...,
+            coverage: Optional[float] = ..., adduct: Optional[str] = ...,
+            charge: Optional[int] = ...) -> IsotopePattern: ...
 
 def _masses(formulas: Union[Iterable[str], Iterable[bytes], np.ndarray],
             errors: str = ...) -> Tuple[np.ndarray, np.ndarray, np.ndarray, np.ndarray]: ...

@@ -9,6 +9,11 @@ namespace fskit::python {
 void addNumbers(pybind11::module_ &module);
 void addChemistry(pybind11::module_ &module);
 void addMasses(pybind11::module_ &module);
+// After addChemistry: addComposition and addIsotopePattern add methods to
+// Formula too.
+void addComposition(pybind11::module_ &module);
+void addMz(pybind11::module_ &module);
+void addIsotopePattern(pybind11::module_ &module);
 void addIniFile(pybind11::module_ &module);
 void addDates(pybind11::module_ &module);
 void addSortFile(pybind11::module_ &module);

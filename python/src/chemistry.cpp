@@ -18,6 +18,7 @@
 #include "chemistry/formula_internal.h"
 #include "python/src/bindings.h"
 #include "python/src/errors.h"
+#include "python/src/formula.h"
 #include "python/src/formula_error.h"
 #include "python/src/messages.h"
 
@@ -28,13 +29,6 @@ namespace {
 
 // Room for the canonical text of the parser's 100 distinct symbols.
 constexpr size_t kTextSize = 20 * chemistry::kFormulaEntries + 1;
-
-struct Formula {
-  std::string formula, text;
-  int32_t nominal = 0;
-  double mono = 0, average = 0, rdb = 0;
-  std::vector<std::pair<std::string, int32_t>> counts;
-};
 
 }  // namespace
 

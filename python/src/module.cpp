@@ -15,6 +15,9 @@ PYBIND11_MODULE(_fskit, module) {
   fskit::python::addNumbers(module);
   fskit::python::addChemistry(module);
   fskit::python::addMasses(module);
+  fskit::python::addComposition(module);
+  fskit::python::addMz(module);
+  fskit::python::addIsotopePattern(module);
   fskit::python::addIniFile(module);
   fskit::python::addDates(module);
   fskit::python::addSortFile(module);
