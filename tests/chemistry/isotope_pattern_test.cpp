@@ -7,8 +7,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <atomic>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/chemistry/formula_text_support.h"
@@ -249,6 +251,27 @@ TEST_F(Pattern, IonsAreTheAdductsAtomsAtTheirMz) {
   EXPECT_EQ(ionAtoms(atomsOf("C6H12O6"), readAdduct("[M-H2O-H2O-H2O-H2O-H2O-H2O-H2O+H]+")).error,
             "the adduct removes more H than the molecule has");
   EXPECT_TRUE(ionAtoms(atomsOf("C6H12O6"), readAdduct("[M-6H2O+H]+")).ok());
+}
+
+// Patterns share only the element table and the built-once factorials:
+// threads computing at once get what one thread gets.
+TEST_F(Pattern, ThreadsAtOnceGetWhatOneThreadGets) {
+  const char *formulas[] = {"C254H377N65O75S6", "Sn2Cl4", "C6H12O6", "CH2Cl2"};
+  PatternRequest requests[] = {{}, {PeakGrouping::kFine}, {PeakGrouping::kResolution, 1e5}};
+  std::vector<std::vector<double>> alone;
+  for (const char *formula : formulas)
+    for (const PatternRequest &request : requests) alone.push_back(patternOf(formula, request).fraction);
+  std::vector<std::thread> threads;
+  std::atomic<int> differing{0};
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([&] {
+      size_t i = 0;
+      for (const char *formula : formulas)
+        for (const PatternRequest &request : requests)
+          if (isotopePattern(atomsOf(formula), request).fraction != alone[i++]) ++differing;
+    });
+  for (std::thread &thread : threads) thread.join();
+  EXPECT_EQ(differing, 0);
 }
 
 TEST_F(Pattern, RefusesWhatItCannotCompute) {
