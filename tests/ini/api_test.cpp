@@ -233,35 +233,6 @@ TEST(IniApi, WriteTargetsLinksAndDevices) {
 }
 #endif
 
-TEST(IniApi, LargeFileKeepsFirstMatchesAndOrder) {
-  // 200,000 lines: every paragraph twice, every paragraph's t0 twice.
-  std::string text;
-  for (int pass = 0; pass < 2; ++pass)
-    for (int p = 0; p < 1000; ++p) {
-      std::string tag = std::to_string(pass) + "-" + std::to_string(p) + "-";
-      text += "[P " + std::to_string(p) + "]\n";
-      for (int t = 0; t < 98; ++t) text += "t" + std::to_string(t) + " = " + tag + std::to_string(t) + "\n";
-      text += "t0 = again\n";
-    }
-  TempDir dir;
-  std::string path = dir.file("big.ini");
-  writeFile(path, text);
-  int32_t handle = fsIniReadFile(path.c_str());
-  EXPECT_EQ(valueOf(handle, "P 5", "t7"), "0-5-7");
-  EXPECT_EQ(valueOf(handle, "P 999", "t0"), "0-999-0");
-  char p[64], t[64], v[64];
-  long delivered = 0;
-  for (int32_t first = 1; fsIniNext(first, handle, p, t, v) == 1; first = 0) ++delivered;
-  EXPECT_EQ(delivered, 2L * 1000 * 99);
-  EXPECT_EQ(std::string(p) + "|" + t + "|" + v, "P 999|t0|0-999-0");
-  fsIniSetValue(handle, "P 999", "t0", "changed", "");
-  ASSERT_EQ(fsIniWriteFile(handle), 1);
-  std::string changed = text;
-  size_t at = changed.find("t0 = 0-999-0");
-  changed.replace(at, 12, "t0 = changed");
-  EXPECT_EQ(readText(path), changed);
-}
-
 TEST(IniApi, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
   TempDir dir;
   writeFile(dir.file("a.ini"), "[X]\na=1\nb=2\n[Y]\nq=5\n");

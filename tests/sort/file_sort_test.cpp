@@ -74,19 +74,12 @@ std::string generatedLines(int lines, size_t longest, unsigned seed) {
 }
 
 // "text count" lines into text -> count (the counts of a text written more
-// than once added up); `ordered`: the texts must come in order.
-std::map<std::string, long> countsOf(const std::string &output, bool ordered) {
+// than once added up).
+std::map<std::string, long> countsOf(const std::string &output) {
   std::map<std::string, long> counts;
   std::istringstream lines(output);
-  std::string previous;
-  for (std::string line; std::getline(lines, line);) {
-    std::string text = line.substr(0, line.rfind(' '));
-    if (ordered) {
-      EXPECT_LE(previous, text);
-    }
-    counts[text] += std::stol(line.substr(line.rfind(' ') + 1));
-    previous = text;
-  }
+  for (std::string line; std::getline(lines, line);)
+    counts[line.substr(0, line.rfind(' '))] += std::stol(line.substr(line.rfind(' ') + 1));
   return counts;
 }
 
@@ -109,54 +102,44 @@ TEST(FileSort, PrintsProgressAndMergesChunksAsDocumented) {
   EXPECT_EQ(collapsed.result, 3);
   // In memory: the output is the only destination; empty lines vanish when
   // collapsing, and bytes after the last newline are dropped.
-  Sorted counted = sortFile(dir, "b\n\na\nb\n\nzz", 0, false, true);
-  EXPECT_EQ(counted.printed, "Sorting file " + dir.file("in.txt") + " with 10 bytes, in memory 10\n"
-                             "Indexing 5 records of 8 bytes ...\nSorting 5 records ...\n"
-                             "Writing output file " + dir.file("out.txt") + " ...\n2 records written\n");
-  EXPECT_EQ(counted.output, "a 1\nb 2\n");
+  // (The texts of an in-memory sort: FileSort.ToolSortsWithTheLibraryTextsOnStandardError.)
+  EXPECT_EQ(sortFile(dir, "b\n\na\nb\n\nzz", 0, false, true).output, "a 1\nb 2\n");
   Sorted everything = sortFile(dir, "b\n\na\nb\n\nzz", 1000, true, true);
   EXPECT_EQ(everything.output, "\n\na\nb\nb\n");
   EXPECT_EQ(everything.result, 5);
   EXPECT_EQ(workFilesLeft(dir), 0);
 }
 
-TEST(FileSort, MatchesGnuSortInMemoryInChunksAndInMergePasses) {
+// In memory the sort is checked against a reference sort by bytes
+// (shared_prefix_test.cpp); here in chunks and merge passes.
+TEST(FileSort, MatchesGnuSortInChunksAndInMergePasses) {
 #if defined(_WIN32)
   GTEST_SKIP() << "GNU sort is run through the POSIX shell";
 #endif
   TempDir dir;
   for (size_t longest : {30, 4000}) {
-    std::string generated = generatedLines(longest > 100 ? 400 : 6000, longest, unsigned(longest));
-    long size = long(generated.size());
-    // Whole file, ten chunks, and enough chunks for several merge passes.
-    for (long buffer : {0L, size / 10, size / 45}) {
+    std::string text = generatedLines(longest > 100 ? 400 : 6000, longest, unsigned(longest));
+    // The merge compares lines with their newline, so a tab (below the
+    // newline) after a line's text orders it before that text: GNU sort
+    // agrees with a chunked sort only on lines without such bytes.
+    std::replace(text.begin(), text.end(), '\t', '\v');
+    long size = long(text.size());
+    // Ten chunks, and enough chunks for several merge passes.
+    for (long buffer : {size / 10, size / 45}) {
       SCOPED_TRACE(testing::Message() << "longest " << longest << " buffer " << buffer);
-      // The merge compares lines with their newline, so a tab (below the
-      // newline) after a line's text orders it before that text: GNU sort
-      // agrees with a chunked sort only on lines without such bytes.
-      std::string text = generated;
-      if (buffer != 0) std::replace(text.begin(), text.end(), '\t', '\v');
       // GNU sort gives the order; the collapsed output and the counts follow from it.
       std::string sorted = gnuSort(dir, text), unique;
       std::map<std::string, long> counts;
       std::istringstream lines(sorted);
       for (std::string line; std::getline(lines, line);)
         if (!line.empty() && counts[line]++ == 0) unique += line + "\n";  // the empty line vanishes
-      Sorted keep = sortFile(dir, text, buffer, true, false);
-      EXPECT_EQ(keep.output, sorted);
+      EXPECT_EQ(sortFile(dir, text, buffer, true, false).output, sorted);
       EXPECT_EQ(sortFile(dir, text, buffer, false, false).output, unique);
-      Sorted counted = sortFile(dir, text, buffer, false, true);
-      // Merged "text count" lines come in the order of the whole lines.
-      std::map<std::string, long> ours = countsOf(counted.output, buffer == 0);
-      if (buffer == 0) {
-        EXPECT_EQ(ours, counts);
-        EXPECT_EQ(counted.result, long(counts.size()));
-      } else {
-        // Per chunk counts; "x 2" from two chunks is one line, so no more than
-        // the true count, and every text is there.
-        ASSERT_EQ(ours.size(), counts.size());
-        for (auto [text, count] : ours) EXPECT_LE(count, counts[text]);
-      }
+      // Per chunk counts; "x 2" from two chunks is one line, so no more than
+      // the true count, and every text is there.
+      std::map<std::string, long> ours = countsOf(sortFile(dir, text, buffer, false, true).output);
+      ASSERT_EQ(ours.size(), counts.size());
+      for (auto [line, count] : ours) EXPECT_LE(count, counts[line]);
       EXPECT_EQ(workFilesLeft(dir), 0);
     }
   }
@@ -295,16 +278,7 @@ TEST(FileSort, InternalEntryTellsTheOutcomeAndSendsItsLinesWhereAsked) {
     request.replaceOutput = replace;
     return fskit::sort::sortFile(request);
   };
-  const std::string content = "d\nb\na\nc\nb\n";
-  for (long buffer : {0L, 4L}) {
-    Heard heard;
-    fskit::sort::FileSortResult result = run(content, buffer, heard, false);
-    Sorted classic = sortFile(dir, content, buffer, true, false);
-    EXPECT_EQ(result.outcome, fskit::sort::FileSortOutcome::kComplete);
-    EXPECT_EQ(result.lines, classic.result);
-    EXPECT_EQ(heard.lines, classic.printed);
-    EXPECT_EQ(heard.problems, "");
-  }
+  // (Its lines of a complete sort, on the tool's standard error: the tool tests.)
   Heard stopped;
   fskit::test::writeFile(dir.file("out.txt"), "old\n");
   fskit::sort::FileSortResult result = run("b\na\nlong line\nc\n", 4, stopped, true);
@@ -321,8 +295,10 @@ TEST(FileSort, InternalEntryTellsTheOutcomeAndSendsItsLinesWhereAsked) {
   EXPECT_STREQ(result.reason, ("Cannot open input file " + absent).c_str());
   EXPECT_EQ(fskit::test::readFile(dir.file("out.txt")), "old\n");
   Heard replaced;
-  result = run(content, 0, replaced, true);
+  result = run("d\nb\na\nc\nb\n", 0, replaced, true);
   EXPECT_EQ(result.outcome, fskit::sort::FileSortOutcome::kComplete);
+  EXPECT_EQ(result.lines, 5);
+  EXPECT_EQ(replaced.problems, "");
   EXPECT_EQ(fskit::test::readText(dir.file("out.txt")), "a\nb\nb\nc\nd\n");
   EXPECT_NE(replaced.lines.find("Writing output file " + dir.file("out.txt") + " ..."), std::string::npos);
 }

@@ -142,12 +142,6 @@ TEST(TypedSort, EveryTypeOrdersAsItsComparatorLosingNothing) {
   }
 }
 
-TEST(TypedSort, AllNaNKeysStayInBounds) {
-  std::vector<float> allNaN(5000, NAN);
-  fsSort(FS_SORT_FLOAT, 0, 4, 5000, allNaN.data());
-  EXPECT_TRUE(std::all_of(allNaN.begin(), allNaN.end(), [](float v) { return std::isnan(v); }));
-}
-
 TEST(TypedSort, OffsetsTextKeysAndRejectedCalls) {
   // An offset of 0 or less means the key is at the element's start.
   uint16_t pairs[] = {2, 1, 1, 2, 3, 0};

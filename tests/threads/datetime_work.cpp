@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include <fskit/datetime.h>
 #include <fskit/files.h>
@@ -56,21 +55,12 @@ std::string datesRound(int worker, int round) {
   double value = 0;
   fsLastModified(datedFile(worker).c_str(), text, &value);
   out += std::string("|") + text;
-  // The current time has the asctime layout, whatever the other threads do.
+  // The current time has the asctime layout, whatever the other threads do
+  // (its text is per thread: ThreadSanitizer reports a shared one).
   out += std::strlen(fsNowAscTime()) == 24 ? "|now" : "|bad now";
   return out;
 }
 
 const fskit::stress::Registration dates{{"dates", 1500, datesRound, makeDatedFiles}};
-
-TEST(DateThreads, EachThreadKeepsItsOwnCurrentTimeText) {
-  // The text of one thread stays put while others ask for theirs.
-  const char *mine = fsNowAscTime();
-  std::vector<const char *> theirs(fskit::stress::kThreads);
-  fskit::stress::onThreads(fskit::stress::kThreads, [&theirs](int i) { theirs[size_t(i)] = fsNowAscTime(); });
-  for (const char *text : theirs) EXPECT_NE(text, mine);
-  EXPECT_EQ(fsNowAscTime(), mine);
-  EXPECT_EQ(std::strlen(mine), 24u);
-}
 
 }  // namespace
