@@ -24,7 +24,7 @@
 #include "bench/common/ratios.h"
 #include "chemistry/isotope_pattern_internal.h"
 #if FSKIT_BENCH_ISOSPEC
-#include "bench/chemistry/isospec_peer.h"
+#include "bench/chemistry/peer_isotopes.h"
 #endif
 
 namespace {
@@ -108,7 +108,7 @@ std::vector<Molecule> molecules(const std::vector<std::string> &formulas) {
 }
 
 #if FSKIT_BENCH_ISOSPEC
-// IsoSpec's ways to the same peaks (see isospec_peer.h).
+// IsoSpec's ways to the same peaks (see peer_isotopes.h).
 namespace bench = fskit::bench;
 size_t envelope(const Molecule &m, PeakSummary *s) {
   return bench::isoSpecThreshold(m.peer, kRelative, s);

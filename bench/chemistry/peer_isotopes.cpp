@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "bench/chemistry/isospec_peer.h"
+#include "bench/chemistry/peer_isotopes.h"
 
 #include <IsoSpec++/fixedEnvelopes.h>
 #include <IsoSpec++/isoSpec++.h>
