@@ -82,19 +82,26 @@ CoverageCut coverageCut(const std::vector<double> &values, double target) {
   return cut;
 }
 
+// Keeps the peaks whose probability `keep` accepts, in their order.
+template <typename Keep>
+void keepIf(pattern::PeakColumns &peaks, Keep keep) {
+  size_t kept = 0;
+  for (size_t i = 0; i < peaks.size(); ++i) {
+    if (!keep(peaks.probability[i])) continue;
+    peaks.mass[kept] = peaks.mass[i];
+    peaks.probability[kept++] = peaks.probability[i];
+  }
+  peaks.mass.resize(kept);
+  peaks.probability.resize(kept);
+}
+
 // Keeps the smallest set of peaks whose probabilities add up to at least
 // `target`, in their order.
 void keepCovering(pattern::PeakColumns &peaks, double target) {
   CoverageCut cut = coverageCut(peaks.probability, target);
-  size_t kept = 0;
-  for (size_t i = 0; i < peaks.size(); ++i) {
-    double p = peaks.probability[i];
-    if (p < cut.probability || (p == cut.probability && cut.ties-- == 0)) continue;
-    peaks.mass[kept] = peaks.mass[i];
-    peaks.probability[kept++] = p;
-  }
-  peaks.mass.resize(kept);
-  peaks.probability.resize(kept);
+  keepIf(peaks, [&](double p) {
+    return p > cut.probability || (p == cut.probability && cut.ties-- > 0);
+  });
 }
 
 // Fine structure down to a threshold that falls until the isotopologues
@@ -223,14 +230,7 @@ pattern::PeakColumns mergeAtResolution(const pattern::PeakColumns &fine, double 
 
 void dropBelow(pattern::PeakColumns &peaks, double relative) {
   double floor = *std::max_element(peaks.probability.begin(), peaks.probability.end()) * relative;
-  size_t kept = 0;
-  for (size_t i = 0; i < peaks.size(); ++i) {
-    if (peaks.probability[i] < floor) continue;
-    peaks.mass[kept] = peaks.mass[i];
-    peaks.probability[kept++] = peaks.probability[i];
-  }
-  peaks.mass.resize(kept);
-  peaks.probability.resize(kept);
+  keepIf(peaks, [&](double p) { return p >= floor; });
 }
 
 }  // namespace

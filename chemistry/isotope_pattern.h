@@ -39,6 +39,18 @@ bool gatherIsotopes(const std::vector<FormulaAtom> &atoms,
 // ln(k!), without the process-wide state std::lgamma writes (signgam).
 double logFactorial(int64_t k);
 
+// The most probable count of a binomial over `atoms` trials with the step's
+// chance, and its probability.
+struct BinomialMode {
+  int64_t count;
+  double probability;
+};
+inline BinomialMode binomialMode(int64_t atoms, const ElementIsotopes::Step &step) {
+  int64_t mode = std::min<int64_t>(atoms, int64_t(double(atoms + 1) * step.q));
+  return {mode, std::exp(logFactorial(atoms) - logFactorial(mode) - logFactorial(atoms - mode) +
+                         double(mode) * step.logQ + double(atoms - mode) * step.log1mQ)};
+}
+
 // The probability of an element's most probable configuration.
 double modeProbability(const ElementIsotopes &element);
 
@@ -68,9 +80,7 @@ class ConfigurationWalk {
       return;
     }
     const ElementIsotopes::Step &step = e_.steps[size_t(j)];
-    int64_t mode = std::min<int64_t>(r, int64_t(double(r + 1) * step.q));
-    double top = std::exp(logFactorial(r) - logFactorial(mode) - logFactorial(r - mode) +
-                          double(mode) * step.logQ + double(r - mode) * step.log1mQ);
+    auto [mode, top] = binomialMode(r, step);
     double b = top;
     for (int64_t k = mode; k <= r && partial * b >= cutoff_ && !stopped_; ++k) {
       level(j - 1, r - k, partial * b, mass + double(k) * e_.mass[j], shift + k * e_.shift[j]);

@@ -76,9 +76,7 @@ NominalDistribution power(const NominalDistribution &atom, int64_t count) {
 NominalDistribution binomialNominal(const ElementIsotopes &element) {
   const ElementIsotopes::Step &step = element.steps[1];
   int64_t n = element.count;
-  int64_t mode = std::min<int64_t>(n, int64_t(double(n + 1) * step.q));
-  double top = std::exp(logFactorial(n) - logFactorial(mode) - logFactorial(n - mode) +
-                        double(mode) * step.logQ + double(n - mode) * step.log1mQ);
+  auto [mode, top] = binomialMode(n, step);
   // The counts whose probability stays above the trim: [low, high].
   int64_t high = mode, low = mode;
   for (double b = top; high < n; ++high) {
