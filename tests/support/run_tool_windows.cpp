@@ -54,12 +54,22 @@ ToolResult runTool(const std::vector<std::string> &args, const std::string &inpu
   startup.hStdOutput = openInherited(outPath, true);
   startup.hStdError = openInherited(errPath, true);
   PROCESS_INFORMATION process = {};
-  BOOL started = CreateProcessA(tool.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0,
-                                nullptr, workDir.empty() ? nullptr : workDir.c_str(), &startup,
-                                &process);
+  // wine now and then fails to start a process it starts the next time:
+  // three tries, a moment apart (CreateProcessA may write into its line).
+  BOOL started = FALSE;
+  DWORD error = 0;
+  for (int attempt = 0; attempt < 3 && !started; ++attempt) {
+    if (attempt > 0) Sleep(200);
+    std::string line = commandLine;
+    started = CreateProcessA(tool.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                             workDir.empty() ? nullptr : workDir.c_str(), &startup, &process);
+    if (!started) error = GetLastError();
+  }
   for (HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError})
     CloseHandle(handle);
-  if (!started) throw std::runtime_error("runTool: cannot start " + tool);
+  if (!started)
+    throw std::runtime_error("runTool: cannot start " + tool + " (error " +
+                             std::to_string(error) + ")");
   WaitForSingleObject(process.hProcess, INFINITE);
   DWORD code = 0;
   GetExitCodeProcess(process.hProcess, &code);
