@@ -37,8 +37,7 @@ std::vector<unsigned char> hexBytes(const std::string &text) {
   return bytes;
 }
 
-// `from` converts to `to` (source kept, nothing written past the result), then in place with a
-// null destination (without an in-place form, the source stays); a null source is ignored.
+// `from` gives `to` (source kept, nothing past it), in place if `inPlace`; null sources ignored.
 void expectConversion(Convert convert, const char *from, const char *to, bool inPlace = true) {
   SCOPED_TRACE(std::string(from) + " -> " + to);
   auto source = hexBytes(from), expected = hexBytes(to), kept = source;
@@ -257,7 +256,8 @@ TEST(QuorRecord, ExamplesAndGeneratedMassWordsAtAnyAlignment) {
     double mass = 0;
     float intensity = 0;
     uint8_t flags = 9;
-    decodeQuorMassInty(record, &mass, &intensity, &flags);
+    decodeQuorMassInty(record, nullptr, &intensity, &flags);  // a null pointer skips its part
+    decodeQuorMassInty(record, &mass, nullptr, nullptr);
     EXPECT_EQ(mass, c.mass2);
     EXPECT_EQ(intensity, c.intensity2);
     EXPECT_EQ(flags, c.flags & 3);
@@ -278,11 +278,6 @@ TEST(QuorRecord, ExamplesAndGeneratedMassWordsAtAnyAlignment) {
     std::memcpy(&back, record + 2, 4);
     EXPECT_EQ(back, word & ~0x18u) << std::hex << word;  // bits 3 and 4 are written as zero
   }
-  float intensity = 0;
-  uint8_t flags = 0;
-  decodeQuorMassInty(hexBytes("A0 57 00 80 E8 93").data(), nullptr, &intensity, &flags);
-  EXPECT_EQ(intensity, 1000.0f);
-  EXPECT_EQ(flags, 2);
   encodeQuorMassInty(nullptr, nullptr, nullptr, record);  // nothing to do, no crash
   decodeQuorMassInty(nullptr, nullptr, nullptr, nullptr);
 }
@@ -316,10 +311,6 @@ TEST(ConvertTool, DecodesAndEncodesEveryFormat) {
     EXPECT_EQ(result.status, 0) << args[1] << result.err;
     EXPECT_EQ(result.out, header + out) << args[1];
   }
-  EXPECT_EQ(runTool({"convert", "--json", "quorrec", "42 97 A3 48 69 56"}).out,
-            "{\"bytes\":\"42 97 A3 48 69 56\",\"value\":\"1234.5677490234375 249984 1\"}\n");
-  EXPECT_EQ(runTool({"convert", "--json", "--encode", "vaxf", "1"}).out,
-            "{\"number\":\"1\",\"bytes\":\"80 40 00 00\"}\n");
 }
 
 TEST(ConvertTool, DumpsAFileAndReportsWhatDoesNotFit) {
@@ -403,8 +394,7 @@ void encodeRecord(void *in, void *out) {
   encodeQuorMassInty(&mass, &intensity, &flags, out);
 }
 
-// Every value of the top 16 bits (sign, exponent and the high fraction) with
-// low halves that reach the edges of each exponent.
+// Every value of the top 16 bits (sign, exponent, high fraction); low halves at exponent edges.
 std::vector<unsigned char> everyExponent(bool bigEndian, bool vaxOrder) {
   std::vector<unsigned char> bytes;
   for (uint32_t high = 0; high < 0x10000; ++high)
@@ -420,8 +410,7 @@ std::vector<unsigned char> everyExponent(bool bigEndian, bool vaxOrder) {
 
 }  // namespace
 
-// Every count around the lane widths (the loops go from eight and four lanes to one value at a
-// time), at odd addresses; the whole 2^32 range of the 4-byte formats was compared once, outside.
+// Counts around the lane widths (eight or four lanes, then one value at a time), at odd addresses.
 TEST(ArrayConverters, RandomBytesAsTheOneValueFunctions) {
   const struct {
     const char *name;
