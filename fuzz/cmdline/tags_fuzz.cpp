@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// kwaReadTags on any tag file: every record is well formed, and the table
-// written back as a tag file reads into the same table.
-// Input: one byte (odd: keyword mode), then the file.
+// kwaReadTags on any tag file: every record is well formed, and the table written back as a tag
+// file reads into the same table. Input: one byte (odd: keyword mode), then the file.
 #include <fskit/cmdline.h>
 
 #include "fuzz/support/fuzz_support.h"
@@ -36,8 +35,7 @@ void checkRecords(const Table &table, bool keywords) {
     FUZZ_CHECK(!tag.empty() && tag.size() <= 63 && !label.empty() && label.size() <= 63);
     FUZZ_CHECK(entry.labelLen == int32_t(label.size()));
     for (char c : tag) FUZZ_CHECK(!isSpace(c) && c != '!' && !(c >= 'a' && c <= 'z'));
-    // Trimmed and compressed: single blanks inside, none at the ends unless
-    // the cut to 63 characters left one.
+    // Single blanks inside, none at the ends unless the cut to 63 characters left one.
     FUZZ_CHECK(label.front() != ' ' && label.find("  ") == std::string_view::npos);
     FUZZ_CHECK(label.back() != ' ' || label.size() == 63);
     for (char c : label) FUZZ_CHECK(c == ' ' || (!isSpace(c) && c != '!'));

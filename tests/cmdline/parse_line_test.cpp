@@ -1,17 +1,21 @@
 // SPDX-License-Identifier: MIT
-// kwaCmdLnPrts: the documented examples, and generated lines checked against
-// a second, plain implementation that builds each token's text by appending
-// characters instead of parsing in place.
+// kwaCmdLnPrts: the documented examples, and generated lines checked against a plain
+// implementation that builds each token's text by appending characters; kwaCmdLnStr, kwaArrayAlloc.
 #include <fskit/cmdline.h>
+#include <fskit/frame.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "tests/support/test_support.h"
+
+// The sanitizer's allocator answers an impossible request with null, as malloc does.
+extern "C" const char *__asan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
 
@@ -22,8 +26,7 @@ struct Outcome {
   std::string parts, err;
 };
 
-// The parts as one text, "[arg] [arg], /name /name=[value]"; after a stop
-// only the counts, since the record is then incomplete.
+// The parts as one text, "[arg] [arg], /name /name=[value]"; after a stop only the counts.
 struct Found {
   std::vector<std::string> args, names;
   std::vector<std::optional<std::string>> values;
@@ -143,8 +146,7 @@ Outcome parseWithModel(const std::string &line) {
     }
   }
   if (quote) {
-    // The open text is not terminated: behind what was copied into it come
-    // the line's own last bytes, one for each collapsed "" pair.
+    // The open text is not terminated: the line's last bytes follow, one per collapsed "" pair.
     *text += line.substr(quoted + text->size());
     out.err = kLabel + "Unmatched quoted string.\n";
   } else if (list) out.err = kLabel + "Unterminated list.\n";
@@ -178,6 +180,10 @@ TEST(CommandLine, ExamplesAndEdgeCases) {
        "Exceeded maximum number of arguments.\n"},
       {repeat("/a", 50) + "/z", 'z', "stop args 0 quals 51",
        "Exceeded maximum number of qualifiers.\n"},
+      // An open quote had a terminator written where its copy ended, cutting off the last bytes.
+      {"\"a\"\"b", 0, "[a\"bb] ", "Unmatched quoted string.\n"},
+      {"/q=\"x\"\"\"\"y", 0, "/q=[x\"\"y\"y]", "Unmatched quoted string.\n"},
+      {"x \"ab", 0, "[x] [ab] ", "Unmatched quoted string.\n"},
   };
   for (const auto &c : cases) {
     Outcome out = parseWithLibrary(c.line);
@@ -190,8 +196,7 @@ TEST(CommandLine, ExamplesAndEdgeCases) {
 }
 
 TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
-  // Delimiters, letters and a few pieces that bring the limits of 20
-  // arguments and 50 qualifiers within reach; each line draws from its own
+  // Pieces that reach the limits of 20 arguments and 50 qualifiers; each line draws from its own
   // subset, so that long lines without stopping characters are common.
   const std::vector<std::string> pieces = {" ", "\t", "\"", ",", "(", ")", "/", ":", "=", "a", "b",
                                            "\n", "\x80", "\xff", "/a", "/b=", "a,"};
@@ -218,26 +223,48 @@ TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
   EXPECT_EQ(err.size(), offset);
 }
 
-TEST(CommandLine, UnmatchedQuoteLeavesTheLineUnterminated) {
-  // A quote left open at the end of the line had a terminator written where
-  // its copy ended, cutting off the line's last bytes; now nothing is written
-  // there, so after collapsed "" pairs the text ends with those bytes.
-  struct Case {
-    std::string line, after, text;
-  };
-  const Case cases[] = {
-      {"\"a\"\"b", std::string("\"a\"bb", 5), "a\"bb"},
-      {"/q=\"x\"\"\"\"y", std::string("/q\0\"x\"\"y\"y", 10), "x\"\"y\"y"},
-      {"x \"ab", std::string("x\0\"ab", 5), "ab"},
-  };
-  for (const Case &c : cases) {
-    std::vector<char> line(c.line.begin(), c.line.end());
-    line.push_back('\0');
-    KwaCmdLnParts parts;
-    std::string err = fskit::test::captureStderr([&] { EXPECT_EQ(kwaCmdLnPrts(line.data(), &parts), 0); });
-    EXPECT_EQ(err, "%kwaCmdLnPrts, Unmatched quoted string.\n") << c.line;
-    EXPECT_EQ(std::string(line.data(), line.size() - 1), c.after) << c.line;
-    const char *open = parts.nQuals > 0 ? parts.qualValues[0] : parts.args[parts.nArgs - 1];
-    EXPECT_EQ(std::string(open), c.text) << c.line;
+TEST(JoinArguments, JoinsWithSingleBlanksAndReportsSize) {
+  const struct {
+    std::vector<const char *> argv;
+    std::string line;
+    int32_t length;  // -5: not written
+  } cases[] = {{{"prog", "a b", "c"}, "a b c", 7}, {{"prog", "", nullptr, "x"}, "  x", 5},
+               {{"prog"}, "", -5},                  {{}, "", -5}};
+  for (const auto &c : cases) {
+    int32_t length = -5;
+    char *line = kwaCmdLnStr(int32_t(c.argv.size()), const_cast<char **>(c.argv.data()), &length);
+    EXPECT_EQ(std::string(line), c.line);
+    EXPECT_EQ(length, c.length) << c.line;
+    fsFree(&line);
   }
+  // 2100 arguments of 1 MiB: more than a 32-bit length can report.
+  std::string piece(1 << 20, 'x');
+  std::vector<char *> argv(2101, piece.data());
+  EXPECT_EXIT(kwaCmdLnStr(int32_t(argv.size()), argv.data(), nullptr), testing::ExitedWithCode(1),
+              "^Out of memory in kwaCmdLnStr\\(\\)\n$");
+}
+
+TEST(ArrayAlloc, GrowsByElementCountAndNeverShrinks) {
+  auto shape = [](const KwaArray &a) { return std::vector<int64_t>{a.count, a.capacity, a.elemSize}; };
+  // A negative count gave 0 and changed nothing; it sets the count and keeps the buffer.
+  KwaArray none{0, 0, 0, 0, nullptr};
+  EXPECT_EQ(kwaArrayAlloc(&none, -1, 8), 0);
+  EXPECT_EQ(shape(none), std::vector<int64_t>({-1, 0, 0}));
+  KwaArray array{77, 0, 0, 0, nullptr};
+  ASSERT_EQ(kwaArrayAlloc(&array, 10, 4), 1);
+  std::memset(array.data, 1, 40);  // the whole buffer is there
+  void *first = array.data;
+  EXPECT_EQ(kwaArrayAlloc(&array, 5, 4) + kwaArrayAlloc(&array, 0, 4), 2);
+  EXPECT_EQ(shape(array), std::vector<int64_t>({5, 10, 4}));
+  EXPECT_EQ(kwaArrayAlloc(&array, -3, 8), 1);
+  EXPECT_EQ(shape(array), std::vector<int64_t>({-3, 10, 4}));
+  EXPECT_EQ(array.data, first);
+  ASSERT_EQ(kwaArrayAlloc(&array, 12, 2), 1);
+  std::memset(array.data, 2, 24);
+  EXPECT_EQ(shape(array), std::vector<int64_t>({12, 12, 2}));
+  EXPECT_EQ(array.user, 77);
+  // A buffer that cannot exist: the new sizes are kept, the buffer is gone.
+  EXPECT_EQ(kwaArrayAlloc(&array, INT32_MAX, UINT32_MAX), 0);
+  EXPECT_EQ(array.data, nullptr);
+  EXPECT_EQ(shape(array), std::vector<int64_t>({INT32_MAX, INT32_MAX, UINT32_MAX}));
 }
