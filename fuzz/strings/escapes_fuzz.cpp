@@ -44,13 +44,6 @@ std::string escaped(std::string_view bytes) {
   return out;
 }
 
-std::string withoutNuls(std::string_view bytes) {
-  std::string out;
-  for (char c : bytes)
-    if (c != '\0') out += c;
-  return out;
-}
-
 }  // namespace
 
 FUZZ_TARGET(input) {
@@ -62,7 +55,8 @@ FUZZ_TARGET(input) {
   FUZZ_CHECK(apart.str() == inPlace.str());
   if (src.str().find('\\') == std::string_view::npos) FUZZ_CHECK(apart.str() == src.str());
 
-  const std::string original = withoutNuls(input);
+  std::string original(input);
+  std::erase(original, '\0');
   const Text encoded(escaped(original));
   Text decoded(encoded.size(), '~');
   strcvtesc(decoded.get(), encoded.get());
