@@ -171,7 +171,8 @@ TEST_F(Message, MessagesResultRules) {
   fsRegisterMessage(recordMessage);
   messageResult = 7;
   EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, texts), 7);
-  EXPECT_EQ(messageCalls, (std::vector{Recorded{"r", 2, {0, 5}, {3, 4}, {3, 5}, {"one", "three"}}}));
+  const Recorded both{"r", 2, {0, 5}, {3, 4}, {3, 5}, {"one", "three"}};
+  EXPECT_EQ(messageCalls, std::vector{both});
   fsRegisterMsgLog(recordLog);
   logResult = 9;
   EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, texts), 9);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The DES core against published vectors, the library's key schedule, and
-// the string cipher's texts.
+// The DES core against published vectors, and the string cipher's texts under the library's key.
 #include <fskit/util.h>
 #include <gtest/gtest.h>
 
