@@ -83,11 +83,10 @@ TEST(Des, DecryptReadsGroupsOfEightDigits) {
 }
 
 TEST(Des, ToolEncryptsAndDecrypts) {
-  auto encrypted = fskit::test::runTool({"des", "encrypt", "hello"});
-  ASSERT_EQ(encrypted.status, 0);
-  EXPECT_EQ(encrypted.out, encrypt("hello") + "\n");
-  auto decrypted = fskit::test::runTool({"des", "decrypt", encrypt("hello")});
-  EXPECT_EQ(decrypted.out, "hello\n");
-  EXPECT_EQ(fskit::test::runTool({"des", "decrypt", std::string(1025, '0')}).status, 1);
-  EXPECT_EQ(fskit::test::runTool({"des", "scramble", "x"}).status, 2);
+  using fskit::test::runTool;
+  auto encrypted = runTool({"des", "encrypt", "password1"});
+  EXPECT_EQ(std::to_string(encrypted.status) + encrypted.out, "0" + kPassword1 + "\n");
+  EXPECT_EQ(runTool({"des", "decrypt", kPassword1}).out, "password1\n");
+  EXPECT_EQ(runTool({"des", "decrypt", std::string(1025, '0')}).status, 1);
+  EXPECT_EQ(runTool({"des", "scramble", "x"}).status, 2);
 }
