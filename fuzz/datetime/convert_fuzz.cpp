@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: MIT
-// fsDateTime on any text in every input layout, into every output layout:
-// results fit 60 characters, the messages are the documented ones, and what
-// it writes as the asctime text (output 4) or as the stamp (output 6) reads
-// back through the same layout to the same text.
-// Input: the input layout, the output layout, an options byte (bit 0:
-// useNow; bits 1-2: separators null, "", "NONE" or the text before the
-// first NUL; bit 3: a null input), then the text.
+// fsDateTime from every input layout into every output layout: results fit 60 characters, the
+// messages are the documented ones, and outputs 4 and 6 read back to the same text.
 #include <fskit/datetime.h>
 
 #include "fuzz/support/fuzz_support.h"
@@ -24,7 +19,7 @@ Converted convert(int32_t inLayout, const char *input, int32_t outLayout,
                   const char *separators, int32_t useNow) {
   Text output(kOutput, '~');
   Converted out;
-  out.err = caughtStream(::stderr, 
+  out.err = caughtStream(::stderr,
       [&] { out.result = fsDateTime(inLayout, input, outLayout, output.get(), separators, useNow); });
   const bool untouched = std::string_view(output.get(), kOutput) == std::string(kOutput, '~');
   FUZZ_CHECK(untouched || std::memchr(output.get(), '\0', kOutput) != nullptr);
@@ -35,6 +30,8 @@ Converted convert(int32_t inLayout, const char *input, int32_t outLayout,
 }  // namespace
 
 FUZZ_TARGET(input) {
+  // The input layout, the output layout, options (bit 0: useNow; bits 1-2: separators null, "",
+  // "NONE" or the text up to the first NUL; bit 3: a null input), then the text.
   const int32_t inLayout = takeByte(input) % 14;  // 13: unsupported
   const int32_t outLayout = takeByte(input) % 12;  // 11: unsupported
   const uint8_t options = takeByte(input);

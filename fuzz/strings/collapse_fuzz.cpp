@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The white-space editors on any text: strcompress and strtrim against a
-// split into words, strcollapse and strqcollapse against what they may
-// remove, strfcpy on a field that has no NUL of its own.
-// Input: one byte, strfcpy's destination size; the rest is the text (up to
-// a NUL) and, whole, the field.
+// The white-space editors on any text, and strfcpy on a field that has no NUL of its own.
+// Input: strfcpy's destination size (one byte), then the text (up to a NUL) and, whole, the field.
 #include <fskit/strings.h>
+
+#include <sstream>
 
 #include "fuzz/support/fuzz_support.h"
 
@@ -12,23 +11,17 @@ namespace {
 
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+// The words of `s` (split at the C locale's white space, as isSpace) joined by one blank.
 std::string words(std::string_view s) {
-  std::string out;
-  for (size_t i = 0; i < s.size();) {
-    size_t begin = i;
-    while (begin < s.size() && isSpace(s[begin])) ++begin;
-    size_t end = begin;
-    while (end < s.size() && !isSpace(s[end])) ++end;
-    if (end > begin) out += (out.empty() ? "" : " ") + std::string(s.substr(begin, end - begin));
-    i = end;
-  }
+  std::istringstream in{std::string(s)};
+  std::string out, word;
+  while (in >> word) out += (out.empty() ? "" : " ") + word;
   return out;
 }
 
 std::string without(std::string_view s, bool (*drop)(char)) {
-  std::string out;
-  for (char c : s)
-    if (!drop(c)) out += c;
+  std::string out(s);
+  std::erase_if(out, drop);
   return out;
 }
 

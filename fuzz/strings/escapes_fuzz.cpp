@@ -10,44 +10,32 @@ namespace {
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isHexLetter(char c) { return (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
-// `bytes` (NULs left out) written with escapes of every kind: the named
-// ones, octal, hexadecimal and a backslash before an ordinary letter. Only
-// letters stay bare, so an octal number can never run on into the next
-// character, and a hexadecimal one is used only where no bare a-f follows.
-std::string escaped(std::string_view bytes) {
-  static constexpr std::string_view kNamed = "\a\b\f\n\r\t\v\"'\\", kNames = "abfnrtv\"'\\";
-  std::vector<std::string> pieces;
-  for (char c : bytes) {
-    const unsigned char code = static_cast<unsigned char>(c);
-    if (code == 0) continue;
-    if (size_t named = kNamed.find(c); named != std::string_view::npos)
-      pieces.push_back({'\\', kNames[named]});
-    else if (isLetter(c) && code % 2 == 1 && std::string_view("abfnrtvx").find(c) == std::string_view::npos)
-      pieces.push_back({'\\', c});
-    else if (isLetter(c))
-      pieces.push_back({c});
-    else
-      pieces.push_back({'\\', char('0' + (code >> 6)), char('0' + (code >> 3 & 7)), char('0' + (code & 7))});
-  }
-  static const char kHex[] = "0123456789abcdef";
-  std::string out;
-  for (size_t i = 0; i < pieces.size(); ++i) {
-    const std::string &piece = pieces[i];
-    const bool octal = piece.size() == 4;
-    const char value = char((piece[1] - '0') << 6 | (piece[2] - '0') << 3 | (piece[3] - '0'));
-    const bool hexFits = i + 1 == pieces.size() || !isHexLetter(pieces[i + 1][0]);
-    if (octal && value % 2 == 0 && hexFits)
-      out += std::string("\\x") + kHex[(unsigned char)value >> 4] + kHex[value & 15];
-    else
-      out += piece;
-  }
-  return out;
+// Letters stay bare, except odd ones that name no escape, which take a backslash.
+bool staysBare(char c) {
+  return isLetter(c) && (c % 2 == 0 || std::string_view("abfnrtvx").find(c) != std::string::npos);
 }
 
-std::string withoutNuls(std::string_view bytes) {
+// `text` (without NULs) written with escapes of every kind: the named ones, octal, hexadecimal
+// and a backslash before an ordinary letter. Only letters stay bare, so an octal number never
+// runs on into the next character, and a hexadecimal one is used only where no bare a-f follows.
+std::string escaped(std::string_view text) {
+  static constexpr std::string_view kNamed = "\a\b\f\n\r\t\v\"'\\", kNames = "abfnrtv\"'\\";
+  static constexpr char kHex[] = "0123456789abcdef";
   std::string out;
-  for (char c : bytes)
-    if (c != '\0') out += c;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    const unsigned code = static_cast<unsigned char>(c);
+    const char next = i + 1 < text.size() ? text[i + 1] : '\0';
+    const bool hexFits = !staysBare(next) || !isHexLetter(next);
+    if (size_t named = kNamed.find(c); named != std::string_view::npos)
+      out += {'\\', kNames[named]};
+    else if (isLetter(c))
+      out += staysBare(c) ? std::string{c} : std::string{'\\', c};
+    else if (code % 2 == 0 && hexFits)
+      out += {'\\', 'x', kHex[code >> 4], kHex[code & 15]};
+    else
+      out += {'\\', char('0' + (code >> 6)), char('0' + (code >> 3 & 7)), char('0' + (code & 7))};
+  }
   return out;
 }
 
@@ -62,7 +50,8 @@ FUZZ_TARGET(input) {
   FUZZ_CHECK(apart.str() == inPlace.str());
   if (src.str().find('\\') == std::string_view::npos) FUZZ_CHECK(apart.str() == src.str());
 
-  const std::string original = withoutNuls(input);
+  std::string original(input);
+  std::erase(original, '\0');
   const Text encoded(escaped(original));
   Text decoded(encoded.size(), '~');
   strcvtesc(decoded.get(), encoded.get());

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// strqtoks and strtoken on any text and delimiter set.
-// Input: one byte (low 4 bits: strtoken's maxLen, high 4 bits: strqtoks'
-// capacity), then the delimiters, a NUL and the text; without a NUL the
-// delimiters are blank and comma.
+// strqtoks and strtoken on any text and delimiter set. Input: strtoken's maxLen (low 4 bits) and
+// strqtoks' capacity (high 4), the delimiters (default: blank and comma), a NUL and the text.
 #include <fskit/strings.h>
 
 #include "fuzz/support/fuzz_support.h"
@@ -10,6 +8,7 @@
 namespace {
 
 void checkAllTokens(const Text &s, std::string_view delims, int32_t capacity) {
+  auto isDelimiter = [&](char c) { return c != '\0' && delims.find(c) != std::string_view::npos; };
   const std::string before(s.str());
   std::vector<char *> starts(size_t(capacity) + 1, nullptr);
   std::vector<int32_t> lengths(size_t(capacity) + 1, -1);
@@ -19,7 +18,6 @@ void checkAllTokens(const Text &s, std::string_view delims, int32_t capacity) {
   FUZZ_CHECK(s.str() == before);  // the text is only read
   FUZZ_CHECK(starts[size_t(capacity)] == nullptr);
 
-  auto isDelimiter = [&](char c) { return c != '\0' && delims.find(c) != std::string_view::npos; };
   size_t at = 0;  // where the previous token ended
   for (int32_t k = 0; k < found; ++k) {
     FUZZ_CHECK(starts[size_t(k)] >= s.get() + at);
@@ -44,12 +42,11 @@ void checkAllTokens(const Text &s, std::string_view delims, int32_t capacity) {
 // Read one token at a time, the tokens hold every character that is not a
 // delimiter, in order, and none longer than maxLen.
 void checkEachToken(const Text &s, std::string_view delims, int32_t maxLen) {
+  auto isDelimiter = [&](char c) { return c != '\0' && delims.find(c) != std::string_view::npos; };
   const Text delimiters(delims);
   Text token(size_t(maxLen) + 1, '~');
-  auto isDelimiter = [&](char c) { return c != '\0' && delims.find(c) != std::string_view::npos; };
-  std::string kept, joined;
-  for (char c : s.str())
-    if (!isDelimiter(c)) kept += c;
+  std::string kept(s.str()), joined;
+  std::erase_if(kept, isDelimiter);
   int32_t pos = 0, calls = 0;
   while (const char *t = strtoken(s.get(), delimiters.get(), maxLen, token.get(), &pos)) {
     FUZZ_CHECK(t == token.get());

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// strwildcmp against a plain table-filling matcher.
-// Input: the any-character byte, the any-run byte, then the pattern, a NUL
-// and the text (without a NUL the text is empty).
+// strwildcmp against a plain table-filling matcher. Input: the any-character byte, the any-run
+// byte, then the pattern, a NUL and the text (without a NUL the text is empty).
 #include <fskit/strings.h>
 
 #include "fuzz/support/fuzz_support.h"

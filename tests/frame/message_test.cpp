@@ -10,11 +10,7 @@
 
 #include "tests/support/test_support.h"
 
-using fskit::test::captureStdout;
-using fskit::test::ChangeDir;
-using fskit::test::fileExists;
-using fskit::test::readText;
-using fskit::test::TempDir;
+using namespace fskit::test;
 
 namespace {
 
@@ -23,96 +19,79 @@ struct Recorded {
   int32_t count = -1;
   std::vector<int32_t> codes, auxCodes, lengths;
   std::vector<std::string> texts;
+  bool operator==(const Recorded &) const = default;
 };
 
 std::vector<Recorded> messageCalls, logCalls;
 int32_t messageResult = 0, logResult = 0;
 
-Recorded record(const char *routine, const int32_t *count, const int32_t *codes,
-                const int32_t *auxCodes, const int32_t *lengths, char **texts) {
-  Recorded r;
-  r.routine = routine;
-  r.count = *count;
+// A message or log function that keeps its arguments in `calls`.
+template <std::vector<Recorded> &calls, int32_t &result>
+int32_t recordInto(const char *routine, int32_t *count, int32_t *codes, int32_t *auxCodes,
+                   int32_t *lengths, char **texts) {
+  Recorded &r = calls.emplace_back(Recorded{routine, *count, {}, {}, {}, {}});
   for (int32_t i = 0; i < *count; ++i) {
     r.codes.push_back(codes[i]);
     r.auxCodes.push_back(auxCodes[i]);
     r.lengths.push_back(lengths[i]);
     r.texts.emplace_back(texts[i] != nullptr ? texts[i] : "<null>");
   }
-  return r;
+  return result;
 }
 
-int32_t recordMessage(const char *routine, int32_t *count, int32_t *codes,
-                      int32_t *auxCodes, int32_t *lengths, char **texts) {
-  messageCalls.push_back(record(routine, count, codes, auxCodes, lengths, texts));
-  return messageResult;
-}
+constexpr FsMsgFunction recordMessage = recordInto<messageCalls, messageResult>;
+constexpr FsMsgFunction recordLog = recordInto<logCalls, logResult>;
 
-int32_t recordLog(const char *routine, int32_t *count, int32_t *codes,
-                  int32_t *auxCodes, int32_t *lengths, char **texts) {
-  logCalls.push_back(record(routine, count, codes, auxCodes, lengths, texts));
-  return logResult;
-}
-
-const fskit::test::AfterEachTest reset{[] {
-  messageCalls.clear();
-  logCalls.clear();
-  messageResult = logResult = 0;
-  fsDefaultMessage();
-  fsRegisterMsgLog(nullptr);
-  fsRegisterStopFunction(nullptr);
-}};
+// Each test runs in a directory of its own and leaves the defaults registered.
+class Message : public ::testing::Test {
+ protected:
+  ~Message() override {
+    messageCalls.clear();
+    logCalls.clear();
+    messageResult = logResult = 0;
+    fsDefaultMessage();
+    fsRegisterMsgLog(nullptr);
+    fsRegisterStopFunction(nullptr);
+  }
+  TempDir dir;
+  ChangeDir here{dir.path()};
+};
 
 }  // namespace
 
-TEST(Message, DefaultLayoutsOnStandardOutput) {
-  TempDir dir;
-  ChangeDir here(dir.path());
-  struct {
-    int32_t code;
-    const char *expected;
-  } cases[] = {
-      {1, "fsFindElement: No element table present\n"},
-      {0, "No element table present\n"},
-      {3, "fsFindElement: No element table present\r"},
-      {5, "fsFindElement: No element table present "},
-      {-7, "fsFindElement: No element table present\n"},
-      {4, "fsFindElement: No element table present\n"},
+TEST_F(Message, DefaultLayoutsOnStandardOutput) {
+  const std::pair<int32_t, const char *> layouts[] = {
+      {1, "r: text\n"}, {0, "text\n"}, {3, "r: text\r"}, {5, "r: text "}, {-7, "r: text\n"},
+      {4, "r: text\n"},
   };
-  for (const auto &c : cases) {
-    std::string out = captureStdout(
-        [&] { fsMessage("fsFindElement", c.code, 0, "No element table present"); });
-    EXPECT_EQ(out, c.expected) << "code " << c.code;
-  }
+  for (auto [code, expected] : layouts)
+    EXPECT_EQ(captureStdout([&] { fsMessage("r", code, 0, "text"); }), expected) << code;
   EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "%d-%s-%c", 42, "x", 'y'); }),
             "r: 42-x-y\n");
   // Without fsRegisterMsgLog nothing is logged.
   EXPECT_FALSE(fileExists("fsmessage.log"));
 }
 
-TEST(Message, RegisteredFunctionsReceiveAllSixArgumentsAndCutTexts) {
+TEST_F(Message, RegisteredFunctionsReceiveAllSixArgumentsAndCutTexts) {
   fsRegisterMessage(recordMessage);
   fsRegisterMsgLog(recordLog);
   fsMessage("fsLoadElemTable", 1, 17, "Bad line %d", 12);
-  ASSERT_EQ(messageCalls.size(), 1u);
-  ASSERT_EQ(logCalls.size(), 1u);
-  for (const Recorded &r : {messageCalls[0], logCalls[0]}) {
-    EXPECT_EQ(r.routine, "fsLoadElemTable");
-    EXPECT_EQ(r.count, 1);
-    EXPECT_EQ(r.codes, std::vector<int32_t>{1});
-    EXPECT_EQ(r.auxCodes, std::vector<int32_t>{17});
-    EXPECT_EQ(r.lengths, std::vector<int32_t>{11});
-    EXPECT_EQ(r.texts, std::vector<std::string>{"Bad line 12"});
-  }
+  const Recorded expected{"fsLoadElemTable", 1, {1}, {17}, {11}, {"Bad line 12"}};
+  EXPECT_EQ(messageCalls, std::vector{expected});
+  EXPECT_EQ(logCalls, std::vector{expected});
   fsRegisterMsgLog(nullptr);
-  // An overlong text is cut at 1023 bytes.
+  // An overlong text is cut at 1023 bytes; a null format is the empty text (called through a
+  // pointer, so that the compiler sees no null format at the call).
   fsMessage("r", 0, 0, "%s", std::string(3000, 'a').c_str());
-  ASSERT_EQ(messageCalls.size(), 2u);
+  void (*const send)(const char *, int32_t, int32_t, const char *, ...) = fsMessage;
+  send("r", 1, 0, nullptr, 42, "ignored");
+  ASSERT_EQ(messageCalls.size(), 3u);
   EXPECT_EQ(messageCalls[1].lengths[0], 1023);
   EXPECT_EQ(messageCalls[1].texts[0], std::string(1023, 'a'));
+  EXPECT_EQ(messageCalls[2], (Recorded{"r", 1, {1}, {0}, {0}, {""}}));
 }
 
-TEST(Message, RegistrationAndRestore) {
+TEST_F(Message, RegistrationAndRestore) {
   EXPECT_EQ(fsMsgFunctionIs(), &fsDefaultMessageFunction);
   fsRegisterMessage(nullptr);
   EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "silent"); }), "");
@@ -120,10 +99,8 @@ TEST(Message, RegistrationAndRestore) {
   EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "back"); }), "r: back\n");
 }
 
-TEST(Message, LogFileMirrorsScreenAndStartsAfreshOnEachRegistration) {
-  TempDir dir;
-  ChangeDir here(dir.path());
-  fskit::test::writeFile("fsmessage.log", "left over from an earlier run\n");
+TEST_F(Message, LogFileMirrorsScreenAndStartsAfreshOnEachRegistration) {
+  writeFile("fsmessage.log", "left over from an earlier run\n");
   fsRegisterMsgLog(fsDefaultMsgLogFunction);
   std::string screen = captureStdout([] {
     fsMessage("fsTblParseMF", 1, 0, "first");
@@ -145,12 +122,9 @@ TEST(Message, LogFileMirrorsScreenAndStartsAfreshOnEachRegistration) {
   captureStdout([] { fsMessage("r", 1, 0, "fresh"); });
   fsDefaultMsgLogFlush();
   EXPECT_EQ(readText("fsmessage.log"), "r: fresh\n");
-  fsRegisterMsgLog(nullptr);
 }
 
-TEST(Message, UnopenableLogFileSwitchesLoggingOffAndReportsOnScreenOnly) {
-  TempDir dir;
-  ChangeDir here(dir.path());
+TEST_F(Message, UnopenableLogFileSwitchesLoggingOffAndReportsOnScreenOnly) {
   ASSERT_TRUE(std::filesystem::create_directory("fsmessage.log"));  // fopen(..., "w") fails on it
   fsRegisterMsgLog(fsDefaultMsgLogFunction);
   std::string screen = captureStdout([] { fsMessage("r", 1, 0, "hello"); });
@@ -176,20 +150,17 @@ TEST(Message, UnopenableLogFileSwitchesLoggingOffAndReportsOnScreenOnly) {
   fsMessage("r", 1, 0, "later");
   fsDefaultMsgLogFlush();
   EXPECT_EQ(readText("fsmessage.log"), "r: later\n");
-  fsDefaultMessage();
 }
 
-TEST(Message, MessagesResultRules) {
+TEST_F(Message, MessagesResultRules) {
   char first[] = "one", second[] = "three";
   char *texts[] = {first, second};
   int32_t codes[] = {0, 5}, auxCodes[] = {3, 4};
-  int32_t count = 2;
+  int32_t count = 2, none = 0, result = -1;
 
   // Defaults: the screen gets both, the result is that of the default function.
-  std::string out;
-  int32_t result = -1;
-  out = captureStdout([&] { result = fsMessages("r", &count, codes, auxCodes, texts); });
-  EXPECT_EQ(out, "one\nr: three ");
+  EXPECT_EQ(captureStdout([&] { result = fsMessages("r", &count, codes, auxCodes, texts); }),
+            "one\nr: three ");
   EXPECT_EQ(result, 0);
 
   // Nothing registered, logging off: 1.
@@ -200,15 +171,13 @@ TEST(Message, MessagesResultRules) {
   fsRegisterMessage(recordMessage);
   messageResult = 7;
   EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, texts), 7);
-  ASSERT_EQ(messageCalls.size(), 1u);
-  EXPECT_EQ(messageCalls[0].lengths, (std::vector<int32_t>{3, 5}));
-  EXPECT_EQ(messageCalls[0].auxCodes, (std::vector<int32_t>{3, 4}));
+  const Recorded both{"r", 2, {0, 5}, {3, 4}, {3, 5}, {"one", "three"}};
+  EXPECT_EQ(messageCalls, std::vector{both});
   fsRegisterMsgLog(recordLog);
   logResult = 9;
   EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, texts), 9);
 
   // A count of 0 still calls the functions, with a count of 0.
-  int32_t none = 0;
   logResult = 0;
   EXPECT_EQ(fsMessages("r", &none, codes, auxCodes, texts), 0);
   EXPECT_EQ(logCalls.back().count, 0);
@@ -231,8 +200,6 @@ TEST(Message, MessagesResultRules) {
   EXPECT_EQ(captureStdout([&] { result = fsMessages("r", &none, codes, auxCodes, texts); }), "");
   EXPECT_EQ(result, 0);
   int32_t lengths[] = {0, 5};
-  TempDir dir;
-  ChangeDir here(dir.path());
   EXPECT_EQ(captureStdout([&] {
               for (FsMsgFunction f : {fsDefaultMessageFunction, fsDefaultMsgLogFunction}) {
                 EXPECT_EQ(f("r", &count, nullptr, nullptr, nullptr, texts), 0);
@@ -246,17 +213,7 @@ TEST(Message, MessagesResultRules) {
   EXPECT_EQ(readText("fsmessage.log"), "\nr: three ");
 }
 
-TEST(Message, ANullFormatIsTheEmptyText) {
-  // Through a pointer, so that the compiler sees no null format at the call.
-  void (*const send)(const char *, int32_t, int32_t, const char *, ...) = fsMessage;
-  fsRegisterMessage(recordMessage);
-  send("r", 1, 0, nullptr);
-  send("r", 1, 0, nullptr, 42, "ignored");
-  ASSERT_EQ(messageCalls.size(), 2u);
-  EXPECT_EQ(messageCalls[0].texts[0] + messageCalls[1].texts[0], "");
-}
-
-TEST(Message, CheckStopKeepsTheLowEightBits) {
+TEST_F(Message, CheckStopKeepsTheLowEightBits) {
   EXPECT_EQ(fsCheckStop(), 0);
   static int32_t answer;
   fsRegisterStopFunction([]() -> int32_t { return answer; });

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The platform query, the empty services, fsDiskListFree, systemNoWait and
-// the platform layer's own helpers.
+// The platform query, fsDiskListFree, systemNoWait and the platform layer's own helpers.
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
@@ -22,8 +21,8 @@ TEST(Platform, QueryFillsOnlyGivenBuffersAndNoMore) {
   EXPECT_EQ(order, std::string("little\0##", 9));
 }
 
+// The leak checker of the sanitizer build proves that every block is freed.
 TEST(Platform, DiskListFreeReleasesEntriesAndList) {
-  // The leak checker of the sanitizer build proves that every block is freed.
   char **list = static_cast<char **>(malloc(3 * sizeof(char *)));
   list[0] = strmalloc("a");
   list[1] = nullptr;
@@ -50,9 +49,8 @@ TEST(Platform, SystemNoWaitWaitsAndReturnsTheStatus) {
   EXPECT_EQ(systemNoWait("exit 3"), exitThree);
 }
 
-// The library writes the asctime text itself, without the runtime's shared
-// buffer; it must be the runtime's text, also for years of five digits and
-// years before 1900.
+// The library's own asctime text (no shared buffer) is the runtime's, also for five-digit years
+// and years before 1900.
 TEST(Platform, AscTimeTextIsTheRuntimes) {
 #if defined(_WIN32)
   // The Windows runtime's local time covers 1970 to 3000 only.

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Lookups in identification tables: abbreviations, ties, case and the binary
-// search.
+// Lookups in identification tables: abbreviations, ties, case and the binary search.
 #include <fskit/util.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -33,17 +33,15 @@ TEST(Identify, UniqueNameTakesAbbreviationsAndReportsTies) {
 }
 
 TEST(Identify, NameAndConstantLookups) {
-  EXPECT_STREQ(identifyName(kCommands, 2), "load");
-  EXPECT_STREQ(identifyName(kCommands, 9), "Undefined");
-  EXPECT_STREQ(identifyName(kCommands, 99), "Undefined");  // the end entry's value
+  // 99 is the end entry's value.
+  for (auto [value, name] : {std::pair{2, "load"}, {9, "Undefined"}, {99, "Undefined"}})
+    EXPECT_STREQ(identifyName(kCommands, value), name) << value;
   EXPECT_STREQ(identifyName(kEmpty, 7), "Undefined");
-  EXPECT_EQ(identifyConst(kCommands, "LOAD"), 2);
-  EXPECT_EQ(identifyConst(kCommands, "login"), 6);
-  EXPECT_EQ(identifyConst(kCommands, "lo"), -1);
-  EXPECT_EQ(identifyConst(kCommands, ""), -1);
-  EXPECT_EQ(identifyConstC(kCommands, 3, lengthMinusKey), 3);  // first of length 3
-  EXPECT_EQ(identifyConstC(kCommands, 5, lengthMinusKey), -2);
-  EXPECT_EQ(identifyConstC(kCommands, 8, lengthMinusKey), -1);
+  for (auto [name, value] : {std::pair{"LOAD", 2}, {"login", 6}, {"lo", -1}, {"", -1}})
+    EXPECT_EQ(identifyConst(kCommands, name), value) << name;
+  // By length: the first entry of length 3; none of 8.
+  for (auto [length, value] : {std::pair{3, 3}, {5, -2}, {8, -1}})
+    EXPECT_EQ(identifyConstC(kCommands, length, lengthMinusKey), value) << length;
   EXPECT_EQ(identifyConstC(kEmpty, 0, lengthMinusKey), -1);
 }
 

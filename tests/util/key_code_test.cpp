@@ -82,7 +82,6 @@ TEST(KeyCode, ReadsKeysFromATerminalAndRestoresIt) {
   const Key keys[] = {{"a", 97},          {"\r", 13},          {"\x1b", 27},       {"\x1b[A", 274},
                       {"\x1bOB", 275},    {"\x1b[1;5D", 0},    {"\x1b[1;3C", 277}, {"\x1b[6;2~", 316},
                       {"\x1b[21;5~", 290}, {"\x1b[24;3~", 292}, {"\x1b[H", 27},     {"\x04", 4}};
-  const int count = int(sizeof keys / sizeof keys[0]);
   int results[2];
   ASSERT_EQ(pipe(results), 0);
   int master;
@@ -92,7 +91,7 @@ TEST(KeyCode, ReadsKeysFromATerminalAndRestoresIt) {
     // Reports each code and whether the terminal was left as it was found.
     termios before, after;
     tcgetattr(STDIN_FILENO, &before);
-    for (int i = 0; i < count; ++i) {
+    for (size_t i = 0; i < std::size(keys); ++i) {
       int32_t report[2] = {getKeyCode(), 0};
       tcgetattr(STDIN_FILENO, &after);
       report[1] = after.c_lflag == before.c_lflag && after.c_iflag == before.c_iflag;
