@@ -1,10 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Fixtures of the Python package's tests: the built C library through ctypes
-(the reference the package is compared with), the tool and the source tree.
-
-ctest sets FSKIT_LIBRARY, FSKIT_TOOL and FSKIT_SOURCE_DIR, and puts the built
-package first on PYTHONPATH.
-"""
+"""Fixtures: the built C library through ctypes (the reference the package is
+compared with), the tool and the source tree, as ctest's environment names them."""
 
 from __future__ import annotations
 
