@@ -113,8 +113,7 @@ def test_buffers_of_every_kind_and_offsets(tmp_path):
 
 
 @pytest.mark.parametrize("call, error, words", [
-    (lambda: fskit.decode(b"\0" * 6, "vaxf"), ValueError, "2 left over"),
-    (lambda: fskit.decode(b"\0" * 7, "novad"), ValueError, "not a whole number"),
+    (lambda: fskit.decode(b"\0" * 7, "novad"), ValueError, "not a whole number .* 7 left over"),
     (lambda: fskit.decode(b"\0" * 8, "vaxf", count=3), ValueError, "12 bytes"),
     (lambda: fskit.decode(b"\0" * 8, "vaxf", offset=9), ValueError, "outside"),
     (lambda: fskit.decode(b"\0" * 8, "vaxf", offset=-1), ValueError, "outside"),
