@@ -21,8 +21,7 @@ namespace {
 using fskit::tool::PatternPicture;
 using fskit::tool::patternSvg;
 
-// A number as the document must write it: the whole text, a point for the
-// decimal separator.
+// A number as the document must write it: the whole text, a point for the decimal separator.
 double number(const std::string &text) {
   double value = NAN;
   auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -54,8 +53,7 @@ void expectWellFormed(const std::string &svg) {
   EXPECT_EQ(svg.find_first_not_of('\n', at), std::string::npos) << "text after the root";
 }
 
-// The texts or lines in the <g class="GROUP"> of `svg`: where each starts
-// (x and y, or x1 and y1) and what it says.
+// The texts or lines in <g class="GROUP"> of `svg`: where each starts and what it says.
 struct Mark {
   double x, y;
   std::string text;
@@ -158,9 +156,8 @@ TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
   }
 }
 
-// Tick labels for windows from 0.001 Da to thousands: a 1, 2 or 5 x 10^k
-// step, three to twelve ticks, the step's decimals, within a step of the
-// peaks at either end.
+// Tick labels for windows from 0.001 Da to thousands: a 1, 2 or 5 x 10^k step, three to twelve
+// ticks, the step's decimals, within a step of the peaks at either end.
 TEST(PatternSvg, MzTicksAreOneTwoFiveStepsSpanningThePeaks) {
   for (double at : {0.5, 181.07, 4999.9, 99999.9})
     for (double span : {0.0, 0.001, 0.0123, 0.7, 3.0, 42.0, 700.0, 3000.0}) {
@@ -187,8 +184,8 @@ TEST(PatternSvg, MzTicksAreOneTwoFiveStepsSpanningThePeaks) {
     }
 }
 
-// A label goes to the largest of peaks too close for two, whichever comes
-// first; one m/z (or one peak) sits in the middle of its window.
+// A label goes to the largest of peaks too close for two, whichever comes first; one m/z (or one
+// peak) sits in the middle of its window.
 TEST(PatternSvg, TheLargestPeakGetsTheLabel) {
   for (bool tallFirst : {true, false}) {
     PatternPicture picture{"close", {100.0, 100.01, 103.0}, {98, 98, 10}};
@@ -211,8 +208,7 @@ TEST(PatternSvg, TheLargestPeakGetsTheLabel) {
   EXPECT_EQ(labels[0], "501.5000");
 }
 
-// A program that set a locale with a decimal comma (C and C++) gets the
-// same document, points and all.
+// A program that set a locale with a decimal comma (C and C++) gets the same document.
 TEST(PatternSvg, TheDocumentIsTheSameUnderADecimalCommaLocale) {
   const std::string plain = patternSvg(crowded());
   const char *chosen = nullptr;
