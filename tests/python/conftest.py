@@ -1,10 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Fixtures of the Python package's tests: the built C library through ctypes
-(the reference the package is compared with), the tool and the source tree.
-
-ctest sets FSKIT_LIBRARY, FSKIT_TOOL and FSKIT_SOURCE_DIR, and puts the built
-package first on PYTHONPATH.
-"""
+"""Fixtures: the built C library through ctypes (the reference the package is
+compared with), the tool and the source tree, as ctest's environment names them."""
 
 from __future__ import annotations
 
@@ -19,7 +15,9 @@ SOURCE_DIR = pathlib.Path(os.environ.get("FSKIT_SOURCE_DIR", pathlib.Path(__file
 ELEMENT_FILE = SOURCE_DIR / "data" / "kw_elements.tbl"
 
 
-def _library() -> ctypes.CDLL:
+@pytest.fixture(scope="session")
+def clib() -> ctypes.CDLL:
+    """libfskit.so, with the shipped element table loaded."""
     path = os.environ.get("FSKIT_LIBRARY")
     if not path:
         pytest.skip("FSKIT_LIBRARY names no built libfskit.so")
@@ -30,12 +28,6 @@ def _library() -> ctypes.CDLL:
     if lib.fsLoadElemTable(str(ELEMENT_FILE).encode()) != 1:
         pytest.fail(f"the C library cannot load {ELEMENT_FILE}")
     return lib
-
-
-@pytest.fixture(scope="session")
-def clib() -> ctypes.CDLL:
-    """libfskit.so, with the shipped element table loaded."""
-    return _library()
 
 
 @pytest.fixture(scope="session")

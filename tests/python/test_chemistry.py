@@ -52,33 +52,22 @@ def test_formula_agrees_with_the_c_parser(clib):
     assert glucose == fskit.Formula("H12 C6 O6") and str(glucose) == "C6H12O6"
 
 
-@pytest.mark.parametrize("formula, symbol, position", [
-    ("C6Xx2", "Xx", 2), ("Qq", "Qq", 0), ("C6 H12 Qq O6", "Qq", 7), ("H2O.Zz3", "Zz", 4)])
-def test_bad_formula_names_symbol_and_position(formula, symbol, position):
-    with pytest.raises(fskit.FormulaError) as caught:
+@pytest.mark.parametrize("formula, symbol, position, words", [
+    ("C6Xx2", "Xx", 2, "'Xx' at position 2"), ("C6 H12 Qq O6", "Qq", 7, "'Qq' at position 7"),
+    ("", "", -1, "empty formula"), ("C6\0H6", "", 2, "cannot hold a NUL")])
+def test_bad_formula_names_symbol_and_position(formula, symbol, position, words):
+    with pytest.raises(fskit.FormulaError, match=words) as caught:
         fskit.Formula(formula)
     error = caught.value
     assert isinstance(error, ValueError)
     assert (error.symbol, error.position, error.formula) == (symbol, position, formula)
-    assert f"'{symbol}'" in str(error) and f"position {position}" in str(error)
 
 
-@pytest.mark.parametrize("formula", ["", "C6\0H6"])
-def test_empty_or_nul_formula_is_refused(formula):
-    with pytest.raises(fskit.FormulaError):
-        fskit.Formula(formula)
-
-
-def test_bulk_masses_equal_the_one_formula_results():
+def test_bulk_masses_equal_the_c_parsers(clib):
     formulas = random_formulas(2000, seed=2)
-    good = []
-    for f in formulas:
-        try:
-            good.append(fskit.Formula(f))
-        except fskit.FormulaError:
-            good.append(None)
-    expected_mono = np.array([g.monoisotopic_mass if g else np.nan for g in good])
-    expected_nominal = np.array([g.nominal_mass if g else -1 for g in good], dtype=np.int32)
+    parsed = [c_parse(clib, f) for f in formulas]
+    expected_mono = np.array([p[3] if p[0] > 0 else np.nan for p in parsed])
+    expected_nominal = np.array([p[2] if p[0] > 0 else -1 for p in parsed], dtype=np.int32)
     for given in (formulas, tuple(formulas), np.array(formulas), np.array(formulas, dtype=object),
                   np.array([f.encode() for f in formulas]), iter(formulas)):
         result = fskit.masses(given, errors="nan")
@@ -87,7 +76,7 @@ def test_bulk_masses_equal_the_one_formula_results():
         assert result.average.dtype == np.float64 and result.rdb.shape == (len(formulas),)
 
 
-def test_bulk_masses_raise_on_the_first_bad_formula():
+def test_bulk_masses_raise_on_the_first_bad_formula_or_what_is_not_formulas():
     with pytest.raises(fskit.FormulaError, match=r"formula 2: .*'Zz' at position 2"):
         fskit.masses(["H2O", "CH4", "C2Zz", "Qq"])
     with pytest.raises(fskit.FormulaError, match="formula 1"):
@@ -95,13 +84,9 @@ def test_bulk_masses_raise_on_the_first_bad_formula():
     result = fskit.masses(["H2O", "", "Cü"], errors="nan")
     assert result.nominal.tolist() == [18, -1, -1] and np.isnan(result.average[1:]).all()
     assert len(fskit.masses([]).monoisotopic) == 0
-
-
-@pytest.mark.parametrize("given, error", [("H2O", TypeError), ([1, 2], TypeError),
-                                          (np.zeros(3), TypeError)])
-def test_bulk_masses_refuse_what_is_not_formulas(given, error):
-    with pytest.raises(error):
-        fskit.masses(given)
+    for given in ("H2O", [1, 2], np.zeros(3)):
+        with pytest.raises(TypeError):
+            fskit.masses(given)
     with pytest.raises(ValueError):
         fskit.masses(["H2O"], errors="ignore")
 
@@ -118,7 +103,6 @@ def test_elements_are_the_c_table(clib):
 def test_another_element_table_and_back(tmp_path):
     table = open(fskit.DEFAULT_ELEMENT_FILE).read().splitlines(keepends=True)
     changed = tmp_path / "no-oxygen.tbl"
-    # The same table with one line less: no oxygen.
     lines = [line for line in table if not line.startswith("O ")]
     assert len(lines) == len(table) - 1
     changed.write_text("".join(lines))

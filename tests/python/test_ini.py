@@ -5,7 +5,6 @@ Setting values in the corpus files is the C tests' (tests/ini)."""
 from __future__ import annotations
 
 import os
-import shutil
 
 import pytest
 
@@ -26,9 +25,7 @@ def ini_path(tmp_path):
 
 @pytest.mark.parametrize("source", CORPUS, ids=[p.name for p in CORPUS])
 def test_unchanged_documents_save_byte_for_byte(source, tmp_path):
-    copy = tmp_path / source.name
-    shutil.copyfile(source, copy)
-    ini = fskit.IniFile(copy)
+    ini = fskit.IniFile(source)
     assert bytes(ini) == source.read_bytes()
     ini.save(tmp_path / "again.ini")
     assert (tmp_path / "again.ini").read_bytes() == source.read_bytes()
@@ -42,10 +39,9 @@ def test_mapping_reads_in_file_order(ini_path):
         assert list(files) == ["elementFile", "x"] and files.items()[1] == ("x", "1")
         assert "x" in files and "y" not in files and 3 not in files
         assert "B" in ini and "C" not in ini and ini.get("C") is None
-        with pytest.raises(KeyError):
-            ini["C"]
-        with pytest.raises(KeyError):
-            files["none"]
+        for mapping, name in [(ini, "C"), (files, "none")]:
+            with pytest.raises(KeyError):
+                mapping[name]
 
 
 def test_changes_keep_every_other_byte_and_leaving_does_not_save(ini_path):
@@ -67,8 +63,7 @@ def test_bytes_that_are_not_utf8_survive(tmp_path):
     path = tmp_path / "latin.ini"
     path.write_bytes(b"[A]\nname = caf\xe9\n")
     ini = fskit.IniFile(path)
-    value = ini["A"]["name"]
-    ini["A"]["copy"] = value
+    ini["A"]["copy"] = ini["A"]["name"]
     ini.save()
     assert path.read_bytes() == b"[A]\nname = caf\xe9\ncopy = caf\xe9\n"
 
@@ -82,20 +77,18 @@ def test_missing_files_and_bad_names(tmp_path, ini_path):
     assert list(fresh) == []
     fresh["A"] = {"b": "c"}
     fresh.save()
-    assert (tmp_path / "new.ini").read_bytes() == b"[A]" + os.linesep.encode() + b"b = c" + \
-        os.linesep.encode()
+    assert (tmp_path / "new.ini").read_bytes() == f"[A]{os.linesep}b = c{os.linesep}".encode()
     ini = fskit.IniFile(ini_path)
+    # Refused by the library's rules, as not reading back whole, with a NUL, not a str.
     for topic, value, error in [("x", "two\nlines", ValueError), ("x", " padded", ValueError),
-                                ("#x", "v", ValueError), ("a=b", "v", ValueError),
-                                ("", "v", ValueError), ("x", 5, TypeError)]:
+                                ("x\0y", "v", ValueError), ("x", 5, TypeError)]:
         with pytest.raises(error):
             ini["B"][topic] = value
     with pytest.raises(ValueError):
         ini["bad]name"] = {"a": "b"}
-    with pytest.raises(KeyError):
-        del ini["none"]
-    with pytest.raises(KeyError):
-        del ini["B"]["none"]
+    for mapping in (ini, ini["B"]):
+        with pytest.raises(KeyError):
+            del mapping["none"]
 
 
 def test_a_failed_save_leaves_the_file(ini_path, tmp_path):

@@ -14,56 +14,42 @@ import pytest
 import fskit
 from conftest import run_threads
 
-# format: (C decoder, C encoder or None)
-C_NAMES = {
-    "vaxf": ("decodeVaxFloat", "encodeVaxFloat"), "vaxd": ("decodeVaxDouble", "encodeVaxDouble"),
-    "hpshort": ("decodeHpShort", "encodeHpShort"), "hplong": ("decodeHpLong", "encodeHpLong"),
-    "hpdouble": ("decodeHpDouble", "encodeHpDouble"), "novaf": ("decodeNovaFloat", None),
-    "novad": ("decodeNovaDouble", None), "incos": ("decodeIncosMagMass", None),
-    "quorinty": ("decodeQuorInty", "encodeQuorInty"), "novaushort": ("decodeNovaUshort", None),
-    "novaulong": ("decodeNovaUlong", None), "ieeef": ("decodeIeeeFloat", "encodeIeeeFloat"),
-    "ieeed": ("decodeIeeeDouble", "encodeIeeeDouble"),
-}
+# format: the C converters' names after "decode" and "encode"
+C_NAMES = {"vaxf": "VaxFloat", "vaxd": "VaxDouble", "hpshort": "HpShort", "hplong": "HpLong",
+           "hpdouble": "HpDouble", "novaf": "NovaFloat", "novad": "NovaDouble",
+           "incos": "IncosMagMass", "quorinty": "QuorInty", "novaushort": "NovaUshort",
+           "novaulong": "NovaUlong", "ieeef": "IeeeFloat", "ieeed": "IeeeDouble"}
 
 
 def c_decode(clib, fmt: str, data: bytes) -> np.ndarray:
     """One C call per value, as a program using the library would."""
     info = fskit.format_info(fmt)
-    size, dtype = info["size"], info["dtype"]
-    out = np.zeros(len(data) // size, dtype=dtype)
-    result = ctypes.create_string_buffer(16)
-    if fmt == "quorrec":
-        mass, intensity, flags = ctypes.c_double(), ctypes.c_float(), ctypes.c_uint8()
-        for i in range(out.size):
-            clib.decodeQuorMassInty(data[i * 6:i * 6 + 6], ctypes.byref(mass),
-                                    ctypes.byref(intensity), ctypes.byref(flags))
-            out[i] = (mass.value, intensity.value, flags.value)
-        return out
-    function = getattr(clib, C_NAMES[fmt][0])
-    width = out.itemsize
-    raw = bytearray(out.nbytes)
-    for i in range(out.size):
-        source = ctypes.create_string_buffer(data[i * size:i * size + size], 8)
-        function(source, result)
-        raw[i * width:(i + 1) * width] = result.raw[:width]
+    size, dtype = info["size"], np.dtype(info["dtype"])
+    result, raw = ctypes.create_string_buffer(16), bytearray()
+    for at in range(0, len(data), size):
+        source = ctypes.create_string_buffer(data[at:at + size], 8)
+        if fmt == "quorrec":
+            mass, intensity, flags = ctypes.c_double(), ctypes.c_float(), ctypes.c_uint8()
+            clib.decodeQuorMassInty(source, ctypes.byref(mass), ctypes.byref(intensity),
+                                    ctypes.byref(flags))
+            raw += np.array([(mass.value, intensity.value, flags.value)], dtype=dtype).tobytes()
+        else:
+            getattr(clib, "decode" + C_NAMES[fmt])(source, result)
+            raw += result.raw[:dtype.itemsize]
     return np.frombuffer(bytes(raw), dtype=dtype)
 
 
 def c_encode(clib, fmt: str, values: np.ndarray) -> bytes:
     size = fskit.format_info(fmt)["size"]
-    out = bytearray()
-    result = ctypes.create_string_buffer(16)
-    if fmt == "quorrec":
-        for record in values:
-            mass, intensity, flags = (ctypes.c_double(record["mass"]),
-                                      ctypes.c_float(record["intensity"]), ctypes.c_uint8(record["flags"]))
-            clib.encodeQuorMassInty(ctypes.byref(mass), ctypes.byref(intensity),
-                                    ctypes.byref(flags), result)
-            out += result.raw[:size]
-        return bytes(out)
-    function = getattr(clib, C_NAMES[fmt][1])
+    result, out = ctypes.create_string_buffer(16), bytearray()
     for value in values:
-        function(ctypes.create_string_buffer(value.tobytes(), 8), result)
+        if fmt == "quorrec":
+            clib.encodeQuorMassInty(ctypes.byref(ctypes.c_double(value["mass"])),
+                                    ctypes.byref(ctypes.c_float(value["intensity"])),
+                                    ctypes.byref(ctypes.c_uint8(value["flags"])), result)
+        else:
+            source = ctypes.create_string_buffer(value.tobytes(), 8)
+            getattr(clib, "encode" + C_NAMES[fmt])(source, result)
         out += result.raw[:size]
     return bytes(out)
 
@@ -127,8 +113,7 @@ def test_buffers_of_every_kind_and_offsets(tmp_path):
 
 
 @pytest.mark.parametrize("call, error, words", [
-    (lambda: fskit.decode(b"\0" * 6, "vaxf"), ValueError, "2 left over"),
-    (lambda: fskit.decode(b"\0" * 7, "novad"), ValueError, "not a whole number"),
+    (lambda: fskit.decode(b"\0" * 7, "novad"), ValueError, "not a whole number .* 7 left over"),
     (lambda: fskit.decode(b"\0" * 8, "vaxf", count=3), ValueError, "12 bytes"),
     (lambda: fskit.decode(b"\0" * 8, "vaxf", offset=9), ValueError, "outside"),
     (lambda: fskit.decode(b"\0" * 8, "vaxf", offset=-1), ValueError, "outside"),

@@ -55,14 +55,12 @@ def test_an_empty_file_is_not_a_failure(tmp_path):
     assert (tmp_path / "out.txt").read_bytes() == b""
 
 
-def test_failures_raise_the_library_reason(tmp_path, caplog, capfd):
+def test_failures_raise_the_library_reason(tmp_path, capfd):
     (tmp_path / "old.txt").write_text("kept\n")
-    with caplog.at_level(logging.INFO, logger="fskit"):
-        with pytest.raises(fskit.SortError, match="Cannot open input file") as caught:
-            fskit.sort_file(tmp_path / "missing.txt", tmp_path / "old.txt")
+    with pytest.raises(fskit.SortError, match="Cannot open input file") as caught:
+        fskit.sort_file(tmp_path / "missing.txt", tmp_path / "old.txt")
     assert isinstance(caught.value, OSError)
     assert (tmp_path / "old.txt").read_text() == "kept\n"
-    assert any("Cannot open input file" in r.getMessage() for r in caplog.records)
     with pytest.raises(fskit.SortError):
         fskit.sort_file(tmp_path, tmp_path / "out.txt")  # a directory
     with pytest.raises(ValueError):

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,31 +19,30 @@ TEST(Tool, VersionPlatformHelpAndUsageErrors) {
     EXPECT_EQ(version.out, "fskit " FSKIT_PROJECT_VERSION "\n") << spelling;
     EXPECT_EQ(version.err, "") << spelling;
   }
-  EXPECT_EQ(runTool({"--version", "x"}).status, 2);
   auto platform = runTool({"platform"});
   EXPECT_EQ(platform.status, 0);
   EXPECT_EQ(platform.out,
             "property\tvalue\nos\twinnt\nbyte order\tlittle\nfloat format\tieee\n");
-  auto help = runTool({"--help"});
-  EXPECT_EQ(help.status, 0);
-  EXPECT_NE(help.out.find("  version"), std::string::npos);
-  EXPECT_NE(help.out.find("  platform"), std::string::npos);
-
-  for (const auto &args : {std::vector<std::string>{}, {"no-such-command"}, {"version", "x"}}) {
+  const std::pair<std::vector<std::string>, std::string> usageErrors[] = {
+      {{}, "fskit: no command given (try 'fskit --help')\n"},
+      {{"no-such-command"}, "fskit: unknown command 'no-such-command' (try 'fskit --help')\n"},
+      {{"version", "x"}, "fskit version: takes no arguments\n"},
+      {{"--version", "x"}, "fskit version: takes no arguments\n"},
+  };
+  for (const auto &[args, err] : usageErrors) {
     auto bad = runTool(args);
-    EXPECT_EQ(bad.status, 2);
-    EXPECT_EQ(bad.out, "");
-    EXPECT_FALSE(bad.err.empty());
+    EXPECT_EQ(bad.status, 2) << err;
+    EXPECT_EQ(bad.out, "") << err;
+    EXPECT_EQ(bad.err, err);
   }
-  auto unknown = runTool({"no-such-command"});
-  EXPECT_EQ(unknown.err, "fskit: unknown command 'no-such-command' (try 'fskit --help')\n");
 }
 
-// Every command that `fskit --help` lists explains itself with a usage line
-// and an example, and refuses an unknown option with status 2 and one line
-// on standard error that names the command.
+// Every command that `fskit --help` lists explains itself with a usage line and an example, and
+// refuses an unknown option with status 2 and one line on standard error that names the command.
 TEST(Tool, EveryCommandHasHelpAndRefusesUnknownOptions) {
-  std::string overview = runTool({"--help"}).out;
+  auto listing = runTool({"--help"});
+  EXPECT_EQ(listing.status, 0);
+  const std::string &overview = listing.out;
   std::vector<std::string> names;
   for (size_t at = overview.find("\n  ", overview.find("commands:")); at != std::string::npos;
        at = overview.find("\n  ", at + 1)) {
@@ -87,8 +87,8 @@ std::vector<std::string> jsonKeys(const std::string &line) {
 
 }  // namespace
 
-// Every table that --json writes is one JSON object per line, each with the
-// keys of the tab-separated header, in its order.
+// Every table that --json writes is one JSON object per line, each with the keys of the
+// tab-separated header, in its order.
 TEST(Tool, JsonLinesHaveTheHeadersKeys) {
   fskit::test::TempDir dir;
   fskit::test::writeFile(dir.file("a.ini"), "[P \"q\"]\nt = a\\tb\n");
@@ -108,24 +108,17 @@ TEST(Tool, JsonLinesHaveTheHeadersKeys) {
   for (std::vector<std::string> args : tables) {
     auto text = runTool(args);
     ASSERT_EQ(text.status, 0) << args[0] << text.err;
-    std::string header = text.out.substr(0, text.out.find('\n'));
+    std::istringstream header(text.out.substr(0, text.out.find('\n')));
     std::vector<std::string> expected;
-    for (size_t at = 0; at <= header.size();) {
-      size_t end = std::min(header.find('\t', at), header.size());
-      expected.push_back(header.substr(at, end - at));
-      at = end + 1;
-    }
+    for (std::string key; std::getline(header, key, '\t');) expected.push_back(key);
     args.insert(args.begin() + 1, "--json");
     auto json = runTool(args);
     ASSERT_EQ(json.status, 0) << args[0] << json.err;
+    EXPECT_EQ(json.out.back(), '\n') << args[0];
+    std::istringstream rows(json.out);
     size_t lines = 0;
-    for (size_t at = 0; at < json.out.size(); ++lines) {
-      size_t end = json.out.find('\n', at);
-      ASSERT_NE(end, std::string::npos) << args[0];
-      EXPECT_EQ(jsonKeys(json.out.substr(at, end - at)), expected)
-          << args[0] << ": " << json.out.substr(at, end - at);
-      at = end + 1;
-    }
+    for (std::string row; std::getline(rows, row); ++lines)
+      EXPECT_EQ(jsonKeys(row), expected) << args[0] << ": " << row;
     EXPECT_EQ(lines + 1, size_t(std::count(text.out.begin(), text.out.end(), '\n'))) << args[0];
   }
 }
