@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The element-file reader on any file, loaded through fsLoadElemTable: the
-// record count is the one the line rules give, every record can be fetched,
-// and every label finds the first record that carries it.
+// The element-file reader on any file: the record count is the one the line rules give, every
+// record can be fetched, and every label finds the first record that carries it.
 #include <fskit/chemistry.h>
 #include <fskit/frame.h>
 #include <fskit/strings.h>

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The formula parsers on any text, with the shipped element table. What
-// fsTblParseMF stores agrees with the table, its masses are the sums over the
-// symbols, and its canonical text (dotted) parses again to the same result;
-// the tokens of fsTblParseMFRange, written back as a formula, parse again to
-// the same tokens.
-// Input: one byte (bit 0: separated mode, bit 1: dots between all entries,
-// the rest: maxTokens, 0 meaning 100), then the formula up to a NUL.
+// The formula parsers on any text: what fsTblParseMF stores agrees with the shipped table and
+// parses again to the same; fsTblParseMFRange's tokens, written back, parse to the same tokens.
 #include <fskit/chemistry.h>
 #include <fskit/frame.h>
 
@@ -88,11 +83,9 @@ void checkMerged(const Text &formula, uint8_t options) {
   FUZZ_CHECK(merged.nominal == int32_t(std::min<int64_t>(nominal, INT32_MAX)));
   FUZZ_CHECK(near(merged.mono, mono) && near(merged.average, average) && merged.rdb == rdb);
 
-  // The symbols with their counts, every count written out, parse to the
-  // same result. So does the canonical text (with a dot before every entry,
-  // else "CO" after an isotope would read as cobalt), unless an entry of
-  // count 1 stands before an isotope: the isotope's digits after the dot are
-  // then read as that entry's count ("H.2H" is H3).
+  // The symbols with every count written out parse to the same result; so does the dotted text
+  // (else "CO" after an isotope reads as cobalt), unless a count-1 entry stands before an
+  // isotope, whose digits then read as that entry's count ("H.2H" is H3).
   std::string explicitCounts;  // "C6 H12 O6 "
   for (int32_t i = 0; i < merged.result; ++i)
     explicitCounts += std::string(merged.symbols[size_t(i)].data()) + std::to_string(merged.counts[size_t(i)]) + " ";
@@ -158,6 +151,8 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
   return 0;
 }
 
+// Input: one byte (bit 0: separated mode, bit 1: dots between all entries, the rest: maxTokens,
+// 0 meaning 100), then the formula up to a NUL.
 FUZZ_TARGET(input) {
   const uint8_t options = takeByte(input);
   const Text formula(input);
