@@ -92,12 +92,19 @@ struct ErrorCase {
   size_t position;
 };
 
-// The reader's error as it words it: "ERROR at position N".
+bool nothingRead(const FormulaComposition &read) { return read.atoms.empty(); }
+bool nothingRead(const Adduct &read) { return read.added.empty() && read.removed.empty(); }
+
+// Each text refused as "ERROR at position N", with nothing read.
 template <typename Read>
-void expectErrorAt(const Read &read, const ErrorCase &c) {
-  EXPECT_EQ(read.error, std::string(c.error) + " at position " + std::to_string(c.position))
-      << c.text;
-  EXPECT_EQ(read.errorPosition, c.position) << c.text;
+void expectErrors(std::initializer_list<ErrorCase> cases, Read read) {
+  for (const ErrorCase &c : cases) {
+    auto result = read(c.text);
+    EXPECT_EQ(result.error, std::string(c.error) + " at position " + std::to_string(c.position))
+        << c.text;
+    EXPECT_EQ(result.errorPosition, c.position) << c.text;
+    EXPECT_TRUE(nothingRead(result)) << c.text;
+  }
 }
 
 }  // namespace
@@ -278,7 +285,7 @@ TEST_F(FormulaText, MassesAgreeWithTheClassicParser) {
 }
 
 TEST_F(FormulaText, NamesEachErrorWithItsPosition) {
-  const ErrorCase cases[] = {
+  expectErrors({
       {"", "empty formula", 0},
       {"C6H1Xx2", "unknown element 'Xx'", 4},
       {"CHabcdefghij", "unknown element 'Habcdefghij'", 1},
@@ -304,12 +311,7 @@ TEST_F(FormulaText, NamesEachErrorWithItsPosition) {
       {"[13C", "unclosed '['", 0},
       {"[13C2]", "expected ']'", 4},
       {"C.", "expected an element symbol", 2},
-  };
-  for (const ErrorCase &c : cases) {
-    FormulaComposition read = readFormulaText(c.text);
-    expectErrorAt(read, c);
-    EXPECT_TRUE(read.atoms.empty()) << c.text;
-  }
+  }, readFormulaText);
   EXPECT_EQ(readFormulaText(nullptr).error, "empty formula at position 0");
 }
 
@@ -408,7 +410,7 @@ TEST_F(Ion, ReadsMoleculesChargeAndTerms) {
 }
 
 TEST_F(Ion, NamesEachErrorWithItsPosition) {
-  const ErrorCase cases[] = {
+  expectErrors({
       {"", "expected '['", 0},
       {"[X+H]+", "expected 'M'", 1},
       {"[0M+H]+", "count 0", 1},
@@ -424,12 +426,7 @@ TEST_F(Ion, NamesEachErrorWithItsPosition) {
       {"[M+H]0+", "charge 0", 5},
       {"[M+H]1000000001+", "charge too large", 5},
       {"[M+H]++", "unexpected text after the charge", 6},
-  };
-  for (const ErrorCase &c : cases) {
-    Adduct adduct = readAdduct(c.text);
-    expectErrorAt(adduct, c);
-    EXPECT_TRUE(adduct.added.empty() && adduct.removed.empty()) << c.text;
-  }
+  }, readAdduct);
   EXPECT_EQ(readAdduct(nullptr).error, "expected '[' at position 0");
 }
 
