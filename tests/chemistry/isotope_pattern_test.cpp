@@ -9,6 +9,7 @@
 #include <cmath>
 #include <atomic>
 #include <map>
+#include <numeric>
 #include <string>
 #include <thread>
 #include <vector>
@@ -51,33 +52,30 @@ std::vector<Isotopologue> isotopesOf(const FormulaAtom &atom) {
   return isotopes;
 }
 
-// Every configuration of `count` atoms over `isotopes`, multiplied into
-// `from`: n!/prod(k!) * prod(p^k), no threshold.
+// Every configuration of `count` atoms over `isotopes` (n!/prod(k!) * prod(p^k), no threshold),
+// multiplied into `from`.
 std::vector<Isotopologue> expand(const std::vector<Isotopologue> &from,
                                  const std::vector<Isotopologue> &isotopes, long count) {
-  std::vector<Isotopologue> configurations;
+  std::vector<Isotopologue> product;
   std::vector<long> k(isotopes.size());
   auto place = [&](auto &self, size_t i, long left) -> void {
-    if (i + 1 == isotopes.size()) {
-      k[i] = left;
-      long double p = 1, m = 0;
-      long nominal = 0, placed = 0;
-      for (size_t j = 0; j < k.size(); ++j)
-        for (long a = 0; a < k[j]; ++a) {
-          p *= isotopes[j].probability * (long double)(++placed) / (long double)(a + 1);
-          m += isotopes[j].mass;
-          nominal += isotopes[j].nominal;
-        }
-      configurations.push_back({m, p, nominal});
+    if (i + 1 < isotopes.size()) {
+      for (k[i] = 0; k[i] <= left; ++k[i]) self(self, i + 1, left - k[i]);
       return;
     }
-    for (k[i] = 0; k[i] <= left; ++k[i]) self(self, i + 1, left - k[i]);
+    k[i] = left;
+    Isotopologue c{0, 1, 0};
+    long placed = 0;
+    for (size_t j = 0; j < k.size(); ++j)
+      for (long a = 0; a < k[j]; ++a) {
+        c.probability *= isotopes[j].probability * (long double)(++placed) / (long double)(a + 1);
+        c.mass += isotopes[j].mass;
+        c.nominal += isotopes[j].nominal;
+      }
+    for (const Isotopologue &f : from)
+      product.push_back({f.mass + c.mass, f.probability * c.probability, f.nominal + c.nominal});
   };
   place(place, 0, count);
-  std::vector<Isotopologue> product;
-  for (const Isotopologue &a : from)
-    for (const Isotopologue &b : configurations)
-      product.push_back({a.mass + b.mass, a.probability * b.probability, a.nominal + b.nominal});
   return product;
 }
 
@@ -135,9 +133,7 @@ IsotopePattern patternOf(const char *formula, PatternRequest request) {
 }
 
 double total(const IsotopePattern &pattern) {
-  double sum = 0;
-  for (double f : pattern.fraction) sum += f;
-  return sum;
+  return std::accumulate(pattern.fraction.begin(), pattern.fraction.end(), 0.0);
 }
 
 // Hydrogen, carbon, oxygen (three isotopes), chlorine, sulfur (four), tin
@@ -189,20 +185,17 @@ TEST_F(Pattern, ResolutionMergesBetweenNominalAndFine) {
 }
 
 TEST_F(Pattern, CoverageKeepsTheSmallestSetOfLargestPeaks) {
+  const char *insulin = "C254H377N65O75S6";
   for (PeakGrouping grouping : {PeakGrouping::kNominal, PeakGrouping::kFine}) {
     for (double coverage : {0.5, 0.99, 0.999999}) {
       SCOPED_TRACE(coverage);
-      PatternRequest request{grouping};
-      request.coverage = coverage;
-      IsotopePattern got = patternOf("C254H377N65O75S6", request);
+      IsotopePattern got = patternOf(insulin, {grouping, 0, 0.01, coverage});
       double sum = total(got);
       EXPECT_GE(sum, coverage - 1e-12);
       double smallest = *std::min_element(got.fraction.begin(), got.fraction.end());
       EXPECT_LT(sum - smallest, coverage);
       // No peak left out is larger than a kept one.
-      request.coverage = 0;
-      request.minRelative = 100 * smallest / got.largest;
-      IsotopePattern above = patternOf("C254H377N65O75S6", request);
+      IsotopePattern above = patternOf(insulin, {grouping, 0, 100 * smallest / got.largest});
       EXPECT_LE(above.mass.size(), got.mass.size() + 1);
       EXPECT_TRUE(std::is_sorted(got.mass.begin(), got.mass.end()));
     }
