@@ -139,6 +139,7 @@ double total(const IsotopePattern &pattern) {
 // Hydrogen, carbon, oxygen (three isotopes), chlorine, sulfur (four), tin
 // (ten: its nominal pattern is squared, not walked), a labelled isotope and
 // an element without natural abundance.
+const char *const kInsulin = "C254H377N65O75S6";
 const char *const kMolecules[] = {"C6H12O6", "CH2Cl2", "C3H7NO2S", "Sn2Cl4", "[13C]2C4H12O6",
                                   "TcO4", "H2O"};
 
@@ -170,9 +171,8 @@ TEST_F(Pattern, ResolutionMergesBetweenNominalAndFine) {
   }
   // Insulin at R = 10000 (peaks 0.58 Da wide) resolves its nominal masses and nothing within
   // them; its isotopologues below the fine structure's reach still count, at their nominal mass.
-  const char *insulin = "C254H377N65O75S6";
-  expectSamePeaks(patternOf(insulin, {PeakGrouping::kResolution, 1e4, 1e-6}),
-                  peaksOf(patternOf(insulin, {PeakGrouping::kNominal, 0, 1e-6})));
+  expectSamePeaks(patternOf(kInsulin, {PeakGrouping::kResolution, 1e4, 1e-6}),
+                  peaksOf(patternOf(kInsulin, {PeakGrouping::kNominal, 0, 1e-6})));
   // Glucose's M+1 at R = 100000 (width 0.0018 Da): 13C (181.06674) and 17O (181.06760) merge,
   // 2H (181.06966) stays apart.
   IsotopePattern glucose = patternOf("C6H12O6", {PeakGrouping::kResolution, 1e5});
@@ -185,17 +185,16 @@ TEST_F(Pattern, ResolutionMergesBetweenNominalAndFine) {
 }
 
 TEST_F(Pattern, CoverageKeepsTheSmallestSetOfLargestPeaks) {
-  const char *insulin = "C254H377N65O75S6";
   for (PeakGrouping grouping : {PeakGrouping::kNominal, PeakGrouping::kFine}) {
     for (double coverage : {0.5, 0.99, 0.999999}) {
       SCOPED_TRACE(coverage);
-      IsotopePattern got = patternOf(insulin, {grouping, 0, 0.01, coverage});
+      IsotopePattern got = patternOf(kInsulin, {grouping, 0, 0.01, coverage});
       double sum = total(got);
       EXPECT_GE(sum, coverage - 1e-12);
       double smallest = *std::min_element(got.fraction.begin(), got.fraction.end());
       EXPECT_LT(sum - smallest, coverage);
       // No peak left out is larger than a kept one.
-      IsotopePattern above = patternOf(insulin, {grouping, 0, 100 * smallest / got.largest});
+      IsotopePattern above = patternOf(kInsulin, {grouping, 0, 100 * smallest / got.largest});
       EXPECT_LE(above.mass.size(), got.mass.size() + 1);
       EXPECT_TRUE(std::is_sorted(got.mass.begin(), got.mass.end()));
     }
@@ -205,9 +204,8 @@ TEST_F(Pattern, CoverageKeepsTheSmallestSetOfLargestPeaks) {
 TEST_F(Pattern, FineStructureOfAProteinAddsUpToItsNominalPattern) {
   // Nominal bins from the fine structure (to all but 1e-12) against the squared and walked
   // nominal distribution of the same molecule.
-  const char *insulin = "C254H377N65O75S6";
-  IsotopePattern fine = patternOf(insulin, {PeakGrouping::kFine, 0, 0, 1 - 1e-12});
-  IsotopePattern nominal = patternOf(insulin, {PeakGrouping::kNominal, 0, 1e-7});
+  IsotopePattern fine = patternOf(kInsulin, {PeakGrouping::kFine, 0, 0, 1 - 1e-12});
+  IsotopePattern nominal = patternOf(kInsulin, {PeakGrouping::kNominal, 0, 1e-7});
   std::vector<double> binned(nominal.mass.size()), weighted(nominal.mass.size());
   for (size_t i = 0; i < fine.mass.size(); ++i) {
     auto at = std::min_element(nominal.mass.begin(), nominal.mass.end(), [&](double a, double b) {
