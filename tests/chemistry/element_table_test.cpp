@@ -20,10 +20,6 @@ using namespace fskit::test;
 
 namespace {
 
-std::string label(const FsElementRecord &record) {
-  return std::string(record.label, strnlen(record.label, sizeof record.label));
-}
-
 // Elements E0 to E99, then E0 again; each with one isotope.
 std::string elementLines(int elements) {
   std::string text;
@@ -58,13 +54,14 @@ TEST(ElementTable, ExampleFileGivesRecordsInFileOrder) {
   for (int i = 0; i < 10; ++i) {
     FsElementRecord record;
     ASSERT_EQ(fsGetElementInfo(i, &record), 1);
+    const std::string label(record.label, strnlen(record.label, sizeof record.label));
     char text[160];
-    std::snprintf(text, sizeof text, "%s %s %.15g %.15g %.15g %d %d %d %d %d", label(record).c_str(),
+    std::snprintf(text, sizeof text, "%s %s %.15g %.15g %.15g %d %d %d %d %d", label.c_str(),
                   record.symbol, record.monoMass, record.averageMass, record.abundance,
                   record.nominalMass, record.atomicNumber, record.auxValue, record.rdbFactor,
                   record.isotopeShift);
     EXPECT_EQ(text, std::string(rows[i]));
-    EXPECT_EQ(fsFindElemInTbl(label(record).c_str()), i);
+    EXPECT_EQ(fsFindElemInTbl(label.c_str()), i);
   }
   for (const char *absent : {"o", "C ", ""}) EXPECT_EQ(fsFindElemInTbl(absent), -1) << absent;
 
@@ -91,7 +88,7 @@ TEST(ElementTable, LoadsByNameOnceAndReportsFailures) {
   for (char &c : upper) c = char(std::toupper(static_cast<unsigned char>(c)));
   EXPECT_EQ(fsLoadElemTable(upper.c_str()), 1);
   EXPECT_EQ(fsElementTableCount(), 10);
-  std::string other = loadTable(dir, elementLines(2), "other.tbl");
+  loadTable(dir, elementLines(2), "other.tbl");
   EXPECT_EQ(fsElementTableCount(), 4);
   // fsInitElemTable forgets the recorded name: the next load reads again.
   EXPECT_EQ(fsInitElemTable(0, 0), 1);
