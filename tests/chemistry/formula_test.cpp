@@ -229,9 +229,6 @@ TEST_F(Formula, BadInputStaysWithinItsBounds) {
   });
   EXPECT_STREQ(symbols[1], "(((((((((");
   EXPECT_EQ(parse("H ((((((((((((C2").result, -16);
-  EXPECT_EQ(fsTblParseMF("C", 0, 0, nullptr, nullptr, nullptr, nullptr, nullptr, 0, nullptr,
-                         nullptr, nullptr, nullptr),
-            1);
 }
 
 TEST_F(FormulaText, ReadsCompositionsInFirstAppearanceOrder) {
