@@ -11,9 +11,8 @@
 
 namespace {
 
-// The number of records the reading gives: each piece of at most 131
-// characters is a line; an element line (first field in column 0 or 1) adds
-// two records, an isotope line after an element one; 500 records give -1.
+// The record count: a line is at most 131 characters; an element line (first field in column 0
+// or 1) adds two records, an isotope line after an element one; 500 records give -1.
 int32_t expectedCount(std::string_view file) {
   int32_t count = 0;
   bool element = false;

@@ -76,9 +76,8 @@ void checkMerged(const Text &formula, uint8_t options) {
   FUZZ_CHECK(merged.nominal == int32_t(std::min<int64_t>(nominal, INT32_MAX)));
   FUZZ_CHECK(near(merged.mono, mono) && near(merged.average, average) && merged.rdb == rdb);
 
-  // The symbols with every count written out parse to the same result; so does the dotted text
-  // (else "CO" after an isotope reads as cobalt), unless a count-1 entry stands before an
-  // isotope, whose digits then read as that entry's count ("H.2H" is H3).
+  // With every count written out, and dotted (else "CO" after an isotope is cobalt), the formula
+  // parses the same, unless an isotope's digits read as the count before the dot ("H.2H" is H3).
   std::string explicitCounts;  // "C6 H12 O6 "
   for (int32_t i = 0; i < merged.result; ++i)
     explicitCounts += std::string(merged.symbols[size_t(i)].data()) + std::to_string(merged.counts[size_t(i)]) + " ";
@@ -145,8 +144,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
   return 0;
 }
 
-// Input: one byte (bit 0: separated mode, bit 1: dots between all entries, the rest: maxTokens,
-// 0 meaning 100), then the formula up to a NUL.
+// Input: one byte (bit 0: separated, bit 1: dotAll, the rest: maxTokens), then the formula.
 FUZZ_TARGET(input) {
   const uint8_t options = takeByte(input);
   const Text formula(input);

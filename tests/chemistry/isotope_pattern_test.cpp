@@ -31,8 +31,7 @@ struct Isotopologue {
   long nominal;
 };
 
-// The natural isotopes of `symbol` (or the labelled isotope) through the C
-// interface: the records after the element's own that have an abundance.
+// An atom's natural isotopes (or its labelled one) through the C interface, as fractions.
 std::vector<Isotopologue> isotopesOf(const FormulaAtom &atom) {
   std::string label = (atom.massNumber > 0 ? std::to_string(atom.massNumber) : "") + atom.symbol;
   FsElementRecord record;
@@ -52,8 +51,7 @@ std::vector<Isotopologue> isotopesOf(const FormulaAtom &atom) {
   return isotopes;
 }
 
-// Every configuration of `count` atoms over `isotopes` (n!/prod(k!) * prod(p^k), no threshold),
-// multiplied into `from`.
+// `from` times every configuration of `count` atoms over `isotopes`: n!/prod(k!) * prod(p^k).
 std::vector<Isotopologue> expand(const std::vector<Isotopologue> &from,
                                  const std::vector<Isotopologue> &isotopes, long count) {
   std::vector<Isotopologue> product;
@@ -136,9 +134,8 @@ double total(const IsotopePattern &pattern) {
   return std::accumulate(pattern.fraction.begin(), pattern.fraction.end(), 0.0);
 }
 
-// Hydrogen, carbon, oxygen (three isotopes), chlorine, sulfur (four), tin
-// (ten: its nominal pattern is squared, not walked), a labelled isotope and
-// an element without natural abundance.
+// Oxygen (three isotopes), sulfur (four), tin (ten: its nominal pattern is squared, not walked),
+// a labelled isotope and an element without natural abundance.
 const char *const kInsulin = "C254H377N65O75S6";
 const char *const kMolecules[] = {"C6H12O6", "CH2Cl2", "C3H7NO2S", "Sn2Cl4", "[13C]2C4H12O6",
                                   "TcO4", "H2O"};
@@ -169,12 +166,10 @@ TEST_F(Pattern, ResolutionMergesBetweenNominalAndFine) {
     expectSamePeaks(patternOf(formula, {PeakGrouping::kResolution, 1e9}),
                     peaksOf(patternOf(formula, {PeakGrouping::kFine})));
   }
-  // Insulin at R = 10000 (peaks 0.58 Da wide) resolves its nominal masses and nothing within
-  // them; its isotopologues below the fine structure's reach still count, at their nominal mass.
+  // Insulin at R = 1e4: its nominal masses only, with what the fine structure leaves out.
   expectSamePeaks(patternOf(kInsulin, {PeakGrouping::kResolution, 1e4, 1e-6}),
                   peaksOf(patternOf(kInsulin, {PeakGrouping::kNominal, 0, 1e-6})));
-  // Glucose's M+1 at R = 100000 (width 0.0018 Da): 13C (181.06674) and 17O (181.06760) merge,
-  // 2H (181.06966) stays apart.
+  // Glucose's M+1 at R = 1e5: 13C (181.06674) and 17O (181.06760) merge, 2H (181.06966) not.
   IsotopePattern glucose = patternOf("C6H12O6", {PeakGrouping::kResolution, 1e5});
   std::vector<double> near181;
   for (double m : glucose.mass)
@@ -202,8 +197,7 @@ TEST_F(Pattern, CoverageKeepsTheSmallestSetOfLargestPeaks) {
 }
 
 TEST_F(Pattern, FineStructureOfAProteinAddsUpToItsNominalPattern) {
-  // Nominal bins from the fine structure (to all but 1e-12) against the squared and walked
-  // nominal distribution of the same molecule.
+  // Nominal bins of the fine structure (to all but 1e-12) against the nominal pattern.
   IsotopePattern fine = patternOf(kInsulin, {PeakGrouping::kFine, 0, 0, 1 - 1e-12});
   IsotopePattern nominal = patternOf(kInsulin, {PeakGrouping::kNominal, 0, 1e-7});
   std::vector<double> binned(nominal.mass.size()), weighted(nominal.mass.size());
