@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The element-file reader on any file, loaded through fsLoadElemTable: the
-// record count is the one the line rules give, every record can be fetched,
-// and every label finds the first record that carries it.
+// The element-file reader on any file: the record count is the one the line rules give, every
+// record can be fetched, and every label finds the first record that carries it.
 #include <fskit/chemistry.h>
 #include <fskit/frame.h>
 #include <fskit/strings.h>
@@ -12,9 +11,8 @@
 
 namespace {
 
-// The number of records the reading gives: each piece of at most 131
-// characters is a line; an element line (first field in column 0 or 1) adds
-// two records, an isotope line after an element one; 500 records give -1.
+// The record count: a line is at most 131 characters; an element line (first field in column 0
+// or 1) adds two records, an isotope line after an element one; 500 records give -1.
 int32_t expectedCount(std::string_view file) {
   int32_t count = 0;
   bool element = false;

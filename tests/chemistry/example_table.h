@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The small element file the table and formula tests share: three elements,
-// seven isotopes, ten records (C 12C 13C H 1H 2H O 16O 17O 18O).
+// What the chemistry tests share: a small element file (C 12C 13C H 1H 2H O 16O 17O 18O) and a
+// fixture that loads the shipped one.
 #pragma once
 
 #include <fskit/chemistry.h>
+#include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
+#include "chemistry/formula_text_internal.h"
 #include "tests/support/test_support.h"
 
 namespace fskit::test {
@@ -27,6 +30,18 @@ inline std::string loadTable(const TempDir &dir, const std::string &content,
   writeFile(path, content);
   fsLoadElemTable(path.c_str());
   return path;
+}
+
+class ShippedTableTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_EQ(fsLoadElemTable(FSKIT_SOURCE_DIR "/data/kw_elements.tbl"), 1); }
+};
+
+// The atoms of a formula that must read.
+inline std::vector<chemistry::FormulaAtom> atomsOf(const char *formula) {
+  chemistry::FormulaComposition read = chemistry::readFormulaText(formula);
+  EXPECT_TRUE(read.ok()) << formula << ": " << read.error;
+  return read.atoms;
 }
 
 }  // namespace fskit::test

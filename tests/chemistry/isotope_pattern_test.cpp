@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Isotope patterns against an exact expansion of every element's multinomial
-// (all configurations, long double), and ions against adductMz.
+// Isotope patterns against an exact expansion of every element's multinomial (all configurations,
+// long double), ions against adductMz; fskit pattern.
 #include "chemistry/isotope_pattern_internal.h"
 
 #include <gtest/gtest.h>
@@ -9,26 +9,29 @@
 #include <cmath>
 #include <atomic>
 #include <map>
+#include <numeric>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "tests/chemistry/formula_text_support.h"
+#include "tests/chemistry/example_table.h"
 
 using namespace fskit::chemistry;
 
 namespace {
 
-using Pattern = fskit::chemistry::test::ShippedTableTest;
-using fskit::chemistry::test::atomsOf;
+using Pattern = fskit::test::ShippedTableTest;
+using fskit::test::atomsOf;
+using fskit::test::readText;
+using fskit::test::runTool;
+using fskit::test::TempDir;
 
 struct Isotopologue {
   long double mass, probability;
   long nominal;
 };
 
-// The natural isotopes of `symbol` (or the labelled isotope) through the C
-// interface: the records after the element's own that have an abundance.
+// An atom's natural isotopes (or its labelled one) through the C interface, as fractions.
 std::vector<Isotopologue> isotopesOf(const FormulaAtom &atom) {
   std::string label = (atom.massNumber > 0 ? std::to_string(atom.massNumber) : "") + atom.symbol;
   FsElementRecord record;
@@ -48,33 +51,29 @@ std::vector<Isotopologue> isotopesOf(const FormulaAtom &atom) {
   return isotopes;
 }
 
-// Every configuration of `count` atoms over `isotopes`, multiplied into
-// `from`: n!/prod(k!) * prod(p^k), no threshold.
+// `from` times every configuration of `count` atoms over `isotopes`: n!/prod(k!) * prod(p^k).
 std::vector<Isotopologue> expand(const std::vector<Isotopologue> &from,
                                  const std::vector<Isotopologue> &isotopes, long count) {
-  std::vector<Isotopologue> configurations;
+  std::vector<Isotopologue> product;
   std::vector<long> k(isotopes.size());
   auto place = [&](auto &self, size_t i, long left) -> void {
-    if (i + 1 == isotopes.size()) {
-      k[i] = left;
-      long double p = 1, m = 0;
-      long nominal = 0, placed = 0;
-      for (size_t j = 0; j < k.size(); ++j)
-        for (long a = 0; a < k[j]; ++a) {
-          p *= isotopes[j].probability * (long double)(++placed) / (long double)(a + 1);
-          m += isotopes[j].mass;
-          nominal += isotopes[j].nominal;
-        }
-      configurations.push_back({m, p, nominal});
+    if (i + 1 < isotopes.size()) {
+      for (k[i] = 0; k[i] <= left; ++k[i]) self(self, i + 1, left - k[i]);
       return;
     }
-    for (k[i] = 0; k[i] <= left; ++k[i]) self(self, i + 1, left - k[i]);
+    k[i] = left;
+    Isotopologue c{0, 1, 0};
+    long placed = 0;
+    for (size_t j = 0; j < k.size(); ++j)
+      for (long a = 0; a < k[j]; ++a) {
+        c.probability *= isotopes[j].probability * (long double)(++placed) / (long double)(a + 1);
+        c.mass += isotopes[j].mass;
+        c.nominal += isotopes[j].nominal;
+      }
+    for (const Isotopologue &f : from)
+      product.push_back({f.mass + c.mass, f.probability * c.probability, f.nominal + c.nominal});
   };
   place(place, 0, count);
-  std::vector<Isotopologue> product;
-  for (const Isotopologue &a : from)
-    for (const Isotopologue &b : configurations)
-      product.push_back({a.mass + b.mass, a.probability * b.probability, a.nominal + b.nominal});
   return product;
 }
 
@@ -84,16 +83,45 @@ std::vector<Isotopologue> exactIsotopologues(const char *formula) {
   return all;
 }
 
-// The exact nominal pattern: probability and weighted mean mass per mass number.
-std::map<long, Isotopologue> exactNominal(const char *formula) {
+// The exact nominal pattern: probability and weighted mean mass per mass number, by mass.
+std::vector<Isotopologue> exactNominal(const char *formula) {
   std::map<long, Isotopologue> bins;
   for (const Isotopologue &i : exactIsotopologues(formula)) {
     Isotopologue &bin = bins[i.nominal];
     bin.mass += i.mass * i.probability;
     bin.probability += i.probability;
   }
-  for (auto &[nominal, bin] : bins) bin.mass /= bin.probability;
-  return bins;
+  std::vector<Isotopologue> nominal;
+  for (auto &[n, bin] : bins) nominal.push_back({bin.mass / bin.probability, bin.probability, n});
+  return nominal;
+}
+
+// Drops the isotopologues below `relative` of the largest; returns the largest and the dropped sum.
+std::pair<long double, long double> keepAbove(std::vector<Isotopologue> &peaks,
+                                              long double relative) {
+  long double largest = 0, dropped = 0;
+  for (const Isotopologue &i : peaks) largest = std::max(largest, i.probability);
+  std::erase_if(peaks, [&](const Isotopologue &i) {
+    if (i.probability >= largest * relative) return false;
+    dropped += i.probability;
+    return true;
+  });
+  return {largest, dropped};
+}
+
+std::vector<Isotopologue> peaksOf(const IsotopePattern &pattern) {
+  std::vector<Isotopologue> peaks;
+  for (size_t i = 0; i < pattern.mass.size(); ++i)
+    peaks.push_back({pattern.mass[i], pattern.fraction[i], 0});
+  return peaks;
+}
+
+void expectSamePeaks(const IsotopePattern &got, const std::vector<Isotopologue> &want) {
+  ASSERT_EQ(got.mass.size(), want.size());
+  for (size_t i = 0; i < want.size(); ++i) {
+    EXPECT_NEAR(got.mass[i], double(want[i].mass), 1e-6) << i;
+    EXPECT_NEAR(got.fraction[i], double(want[i].probability), 1e-9) << i;
+  }
 }
 
 IsotopePattern patternOf(const char *formula, PatternRequest request) {
@@ -103,83 +131,45 @@ IsotopePattern patternOf(const char *formula, PatternRequest request) {
 }
 
 double total(const IsotopePattern &pattern) {
-  double sum = 0;
-  for (double f : pattern.fraction) sum += f;
-  return sum;
+  return std::accumulate(pattern.fraction.begin(), pattern.fraction.end(), 0.0);
 }
 
-// Hydrogen, carbon, oxygen (three isotopes), chlorine, sulfur (four), tin
-// (ten: its nominal pattern is squared, not walked), a labelled isotope and
-// an element without natural abundance.
+// Oxygen (three isotopes), sulfur (four), tin (ten: its nominal pattern is squared, not walked),
+// a labelled isotope and an element without natural abundance.
+const char *const kInsulin = "C254H377N65O75S6";
 const char *const kMolecules[] = {"C6H12O6", "CH2Cl2", "C3H7NO2S", "Sn2Cl4", "[13C]2C4H12O6",
                                   "TcO4", "H2O"};
 
 TEST_F(Pattern, NominalAndFineAgreeWithTheExactExpansion) {
   for (const char *formula : kMolecules) {
     SCOPED_TRACE(formula);
-    std::map<long, Isotopologue> nominal = exactNominal(formula);
-    long double largest = 0;
-    for (auto &[n, bin] : nominal) largest = std::max(largest, bin.probability);
+    std::vector<Isotopologue> nominal = exactNominal(formula);
+    auto [largest, leftOut] = keepAbove(nominal, 1e-4L);
     IsotopePattern got = patternOf(formula, {});
-    std::vector<Isotopologue> kept;
-    long double leftOut = 0;
-    for (auto &[n, bin] : nominal) {
-      if (bin.probability >= largest * 1e-4L) kept.push_back(bin);
-      else leftOut += bin.probability;
-    }
-    ASSERT_EQ(got.mass.size(), kept.size());
-    for (size_t i = 0; i < kept.size(); ++i) {
-      EXPECT_NEAR(got.mass[i], double(kept[i].mass), 1e-6) << i;
-      EXPECT_NEAR(got.fraction[i], double(kept[i].probability), 1e-9) << i;
-    }
+    expectSamePeaks(got, nominal);
     EXPECT_NEAR(total(got) + double(leftOut), 1.0, 1e-9);
     EXPECT_NEAR(got.largest, double(largest), 1e-12);  // valgrind runs long double as double
-
     // Every isotopologue down to 1e-10 of the largest, one peak each.
     std::vector<Isotopologue> fine = exactIsotopologues(formula);
-    long double top = 0;
-    for (const Isotopologue &i : fine) top = std::max(top, i.probability);
-    std::erase_if(fine, [&](const Isotopologue &i) { return i.probability < top * 1e-10L; });
+    keepAbove(fine, 1e-10L);
     std::sort(fine.begin(), fine.end(),
               [](const Isotopologue &a, const Isotopologue &b) { return a.mass < b.mass; });
-    IsotopePattern all = patternOf(formula, {PeakGrouping::kFine, 0, 1e-8});
-    ASSERT_EQ(all.mass.size(), fine.size());
-    for (size_t i = 0; i < fine.size(); ++i) {
-      EXPECT_NEAR(all.mass[i], double(fine[i].mass), 1e-6) << i;
-      EXPECT_NEAR(all.fraction[i], double(fine[i].probability), 1e-9) << i;
-    }
+    expectSamePeaks(patternOf(formula, {PeakGrouping::kFine, 0, 1e-8}), fine);
   }
 }
 
 TEST_F(Pattern, ResolutionMergesBetweenNominalAndFine) {
   for (const char *formula : kMolecules) {
     SCOPED_TRACE(formula);
-    IsotopePattern nominal = patternOf(formula, {});
-    IsotopePattern low = patternOf(formula, {PeakGrouping::kResolution, 1000});
-    ASSERT_EQ(low.mass.size(), nominal.mass.size());
-    for (size_t i = 0; i < low.mass.size(); ++i) {
-      EXPECT_NEAR(low.mass[i], nominal.mass[i], 1e-6);
-      EXPECT_NEAR(low.fraction[i], nominal.fraction[i], 1e-9);
-    }
-    IsotopePattern fine = patternOf(formula, {PeakGrouping::kFine});
-    IsotopePattern high = patternOf(formula, {PeakGrouping::kResolution, 1e9});
-    ASSERT_EQ(high.mass.size(), fine.mass.size());
-    for (size_t i = 0; i < high.mass.size(); ++i) EXPECT_NEAR(high.fraction[i], fine.fraction[i], 1e-9);
+    expectSamePeaks(patternOf(formula, {PeakGrouping::kResolution, 1000}),
+                    peaksOf(patternOf(formula, {})));
+    expectSamePeaks(patternOf(formula, {PeakGrouping::kResolution, 1e9}),
+                    peaksOf(patternOf(formula, {PeakGrouping::kFine})));
   }
-  // Insulin at R = 10000 (peaks 0.58 Da wide) resolves its nominal masses
-  // and nothing within them; its isotopologues below the fine structure's
-  // reach still count, at their nominal mass.
-  const char *insulin = "C254H377N65O75S6";
-  IsotopePattern nominal = patternOf(insulin, {PeakGrouping::kNominal, 0, 1e-6});
-  IsotopePattern merged = patternOf(insulin, {PeakGrouping::kResolution, 1e4, 1e-6});
-  ASSERT_EQ(merged.mass.size(), nominal.mass.size());
-  for (size_t i = 0; i < merged.mass.size(); ++i) {
-    EXPECT_NEAR(merged.mass[i], nominal.mass[i], 1e-6);
-    EXPECT_NEAR(merged.fraction[i], nominal.fraction[i], 1e-9);
-  }
-  // Glucose's M+1 at R = 100000 (width 0.0018 Da): 13C (181.06674) and 17O
-  // (181.06760) merge, 2H (181.06966) stays apart; M+2 puts 18O (182.06763)
-  // and 13C2 (182.07010) apart too.
+  // Insulin at R = 1e4: its nominal masses only, with what the fine structure leaves out.
+  expectSamePeaks(patternOf(kInsulin, {PeakGrouping::kResolution, 1e4, 1e-6}),
+                  peaksOf(patternOf(kInsulin, {PeakGrouping::kNominal, 0, 1e-6})));
+  // Glucose's M+1 at R = 1e5: 13C (181.06674) and 17O (181.06760) merge, 2H (181.06966) not.
   IsotopePattern glucose = patternOf("C6H12O6", {PeakGrouping::kResolution, 1e5});
   std::vector<double> near181;
   for (double m : glucose.mass)
@@ -193,17 +183,13 @@ TEST_F(Pattern, CoverageKeepsTheSmallestSetOfLargestPeaks) {
   for (PeakGrouping grouping : {PeakGrouping::kNominal, PeakGrouping::kFine}) {
     for (double coverage : {0.5, 0.99, 0.999999}) {
       SCOPED_TRACE(coverage);
-      PatternRequest request{grouping};
-      request.coverage = coverage;
-      IsotopePattern got = patternOf("C254H377N65O75S6", request);
+      IsotopePattern got = patternOf(kInsulin, {grouping, 0, 0.01, coverage});
       double sum = total(got);
       EXPECT_GE(sum, coverage - 1e-12);
       double smallest = *std::min_element(got.fraction.begin(), got.fraction.end());
       EXPECT_LT(sum - smallest, coverage);
       // No peak left out is larger than a kept one.
-      request.coverage = 0;
-      request.minRelative = 100 * smallest / got.largest;
-      IsotopePattern above = patternOf("C254H377N65O75S6", request);
+      IsotopePattern above = patternOf(kInsulin, {grouping, 0, 100 * smallest / got.largest});
       EXPECT_LE(above.mass.size(), got.mass.size() + 1);
       EXPECT_TRUE(std::is_sorted(got.mass.begin(), got.mass.end()));
     }
@@ -211,13 +197,9 @@ TEST_F(Pattern, CoverageKeepsTheSmallestSetOfLargestPeaks) {
 }
 
 TEST_F(Pattern, FineStructureOfAProteinAddsUpToItsNominalPattern) {
-  // Nominal bins from the fine structure (to all but 1e-12) against the
-  // squared and walked nominal distribution of the same molecule.
-  const char *insulin = "C254H377N65O75S6";
-  PatternRequest fineRequest{PeakGrouping::kFine};
-  fineRequest.coverage = 1 - 1e-12;
-  IsotopePattern fine = patternOf(insulin, fineRequest);
-  IsotopePattern nominal = patternOf(insulin, {PeakGrouping::kNominal, 0, 1e-7});
+  // Nominal bins of the fine structure (to all but 1e-12) against the nominal pattern.
+  IsotopePattern fine = patternOf(kInsulin, {PeakGrouping::kFine, 0, 0, 1 - 1e-12});
+  IsotopePattern nominal = patternOf(kInsulin, {PeakGrouping::kNominal, 0, 1e-7});
   std::vector<double> binned(nominal.mass.size()), weighted(nominal.mass.size());
   for (size_t i = 0; i < fine.mass.size(); ++i) {
     auto at = std::min_element(nominal.mass.begin(), nominal.mass.end(), [&](double a, double b) {
@@ -253,8 +235,7 @@ TEST_F(Pattern, IonsAreTheAdductsAtomsAtTheirMz) {
   EXPECT_TRUE(ionAtoms(atomsOf("C6H12O6"), readAdduct("[M-6H2O+H]+")).ok());
 }
 
-// Patterns share only the element table and the built-once factorials:
-// threads computing at once get what one thread gets.
+// Caught a race in the factorials (std::lgamma under tsan): threads get what one thread gets.
 TEST_F(Pattern, ThreadsAtOnceGetWhatOneThreadGets) {
   const char *formulas[] = {"C254H377N65O75S6", "Sn2Cl4", "C6H12O6", "CH2Cl2"};
   PatternRequest requests[] = {{}, {PeakGrouping::kFine}, {PeakGrouping::kResolution, 1e5}};
@@ -291,9 +272,72 @@ TEST_F(Pattern, RefusesWhatItCannotCompute) {
   };
   for (const Case &c : cases) EXPECT_EQ(isotopePattern(atomsOf("C100H200Sn10"), c.request).error, c.error);
   EXPECT_EQ(isotopePattern({{"C", 99, 1}}, {}).error, "'99C' is not in the element table");
-  // Ten thousand tin atoms spread over thousands of mass numbers: refused
-  // rather than computed for minutes.
+  // Ten thousand tin atoms spread over thousands of mass numbers: refused, not computed for minutes.
   EXPECT_EQ(isotopePattern(atomsOf("Sn10000"), {}).error, "too many Sn atoms for a nominal pattern");
+}
+
+TEST(PatternTool, WaterByHandAndItsIons) {
+  TempDir empty;
+  // By hand from the NIST abundances (1H 99.9885, 2H 0.0115; 16O 99.757, 17O 0.038, 18O 0.205 %):
+  // M 0.999885^2 * 0.99757; M+3 (4.7e-7) is below 0.01 % of M.
+  auto table = runTool({"pattern", "H2O"}, "", empty.path());
+  EXPECT_EQ(table.status, 0) << table.err;
+  EXPECT_EQ(table.out,
+            "formula\tmz\tfraction\trelative\n"
+            "H2O\t18.010565\t0.997340572\t100.0000\n"
+            "H2O\t19.015557\t0.000609327319\t0.0611\n"
+            "H2O\t20.014810\t0.00204962911\t0.2055\n");
+  // From standard input, as JSON, as [M+H]+ (M 0.999885^3 * 0.99757) and as a 2- ion.
+  auto json = runTool({"pattern", "--json", "--adduct", "[M+H]+", "--min-relative", "1", "-"},
+                      "H2O\n\n", empty.path());
+  EXPECT_EQ(json.out, "{\"formula\":\"H2O\",\"mz\":19.017841,\"fraction\":0.997225878,"
+                      "\"relative\":100.0000}\n");
+  auto charged = runTool({"pattern", "--charge", "-2", "--coverage", "0.5", "H2O"}, "", empty.path());
+  EXPECT_EQ(charged.out, "formula\tmz\tfraction\trelative\nH2O\t9.005831\t0.997340572\t100.0000\n");
+
+  // --svg draws the peaks under the formula and its ion, beside the table.
+  auto drawn = runTool({"pattern", "--charge", "-2", "--svg", "w.svg", "H2O"}, "", empty.path());
+  EXPECT_EQ(drawn.status, 0) << drawn.err;
+  std::string svg = readText(empty.path() + "/w.svg");
+  EXPECT_NE(svg.find("<svg"), std::string::npos);
+  EXPECT_NE(svg.find(">H2O 2-</text>"), std::string::npos);
+  EXPECT_NE(svg.find(">9.0058</text>"), std::string::npos);
+  auto unwritable = runTool({"pattern", "--svg", "no/such/dir/w.svg", "H2O"}, "", empty.path());
+  EXPECT_EQ(unwritable.status, 1);
+  EXPECT_EQ(unwritable.err, "fskit pattern: cannot write no/such/dir/w.svg: No such file or directory\n");
+}
+
+TEST(PatternTool, RefusesWhatItCannotDo) {
+  TempDir empty;
+  struct Case {
+    std::vector<std::string> args;
+    int status;
+    std::string err;
+  } cases[] = {
+      {{"--adduct", "[M+H]+", "--charge", "1", "C"}, 2, "give --adduct or --charge, not both"},
+      {{"--resolution", "1000", "--fine", "C"}, 2, "give --resolution or --fine, not both"},
+      {{"--coverage", "0.9", "--min-relative", "1", "C"}, 2,
+       "give --min-relative or --coverage, not both"},
+      {{"--charge", "0", "C"}, 2, "--charge needs a signed integer other than 0"},
+      {{"--charge", "2x", "C"}, 2, "--charge needs a signed integer other than 0"},
+      {{"--resolution", "-5", "C"}, 2, "--resolution needs a number above 0"},
+      {{"--min-relative", "0", "C"}, 2, "--min-relative needs a percent above 0 and at most 100"},
+      {{"--coverage", "99.9", "C"}, 2,
+       "--coverage needs a fraction above 0 and at most 1 (e.g. 0.999)"},
+      {{"--svg", "a.svg", "C", "H2"}, 2, "--svg draws one formula"},
+      {{"--resolution"}, 2, "an option is missing its value"},
+      {{"--wide", "C"}, 2, "unknown option --wide"},
+      {{"C6(H2O"}, 1, "unclosed '(' at position 2 of 'C6(H2O'"},
+      {{"--adduct", "[M+H", "C"}, 1, "unclosed '[' at position 0 of adduct '[M+H'"},
+      {{"--adduct", "[M-H2O+H]+", "CH4"}, 1,
+       "the adduct removes more O than the molecule has in [M-H2O+H]+ of 'CH4'"},
+  };
+  for (Case &c : cases) {
+    c.args.insert(c.args.begin(), "pattern");
+    auto result = runTool(c.args, "", empty.path());
+    EXPECT_EQ(result.status, c.status) << c.err;
+    EXPECT_EQ(result.err, "fskit pattern: " + c.err + "\n");
+  }
 }
 
 }  // namespace
