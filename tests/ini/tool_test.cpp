@@ -9,10 +9,7 @@
 
 #include "tests/support/test_support.h"
 
-using fskit::test::readText;
-using fskit::test::runTool;
-using fskit::test::TempDir;
-using fskit::test::writeFile;
+using namespace fskit::test;
 
 TEST(IniTool, GetSetList) {
   TempDir dir;
@@ -52,11 +49,9 @@ TEST(IniTool, GetSetList) {
   EXPECT_EQ(notFound.out, "");
   EXPECT_EQ(notFound.err, "Cannot find value for paragraph \"P\" topic \"T\"\n");
 
-  for (const auto &args : std::vector<std::vector<std::string>>{{"ini"},
-                                                                {"ini", "drop", fresh},
-                                                                {"ini", "get", fresh, "P"},
-                                                                {"ini", "set", fresh, "P", "t"},
-                                                                {"ini", "list"}}) {
+  for (const auto &args : std::vector<std::vector<std::string>>{
+           {"ini"}, {"ini", "drop", fresh}, {"ini", "get", fresh, "P"}, {"ini", "set", fresh, "P", "t"},
+           {"ini", "list"}}) {
     auto bad = runTool(args);
     EXPECT_EQ(bad.status, 2);
     EXPECT_EQ(bad.out, "");
@@ -71,27 +66,18 @@ TEST(IniTool, SetRefusesBreakingNamesAndWarnsOfValuesThatDoNotReadBack) {
   std::string file = dir.file("app.ini");
   const std::string before = "; settings\n[A]\nx=1\n";
   writeFile(file, before);
-  for (const auto &[paragraph, topic, value] :
-       std::vector<std::array<std::string, 3>>{{"A\nB", "t", "v"},
-                                               {"A", "t\r", "v"},
-                                               {"A", "t", "v\nw"},
-                                               {"", "t", "v"},
-                                               {"A]", "t", "v"},
-                                               {"A", "", "v"},
-                                               {"A", "a=b", "v"},
-                                               {"A", "[t", "v"},
-                                               {"A", ";t", "v"},
-                                               {"A", "#t", "v"},
-                                               {"A", " t", "v"},
-                                               {"A", "t ", "v"}}) {
+  for (const auto &[paragraph, topic, value] : std::vector<std::array<std::string, 3>>{
+           {"A\nB", "t", "v"}, {"A", "t\r", "v"}, {"A", "t", "v\nw"}, {"", "t", "v"},
+           {"A]", "t", "v"}, {"A", "", "v"}, {"A", "a=b", "v"}, {"A", "[t", "v"}, {"A", ";t", "v"},
+           {"A", "#t", "v"}, {"A", " t", "v"}, {"A", "t ", "v"}}) {
     auto refused = runTool({"ini", "set", file, paragraph, topic, value});
     EXPECT_EQ(refused.status, 2) << topic;
     EXPECT_EQ(refused.err.find("fskit ini: "), 0u) << refused.err;
-    EXPECT_EQ(fskit::test::readFile(file), before);
+    EXPECT_EQ(readFile(file), before);
   }
   auto comment = runTool({"ini", "set", file, "A", "t", "v", "two\nlines"});
   EXPECT_EQ(comment.status, 2);
-  EXPECT_EQ(fskit::test::readFile(file), before);
+  EXPECT_EQ(readFile(file), before);
 
   // Warned of: the C functions read something else back. Not warned of: the
   // C functions read the value back whole.
@@ -109,5 +95,5 @@ TEST(IniTool, SetRefusesBreakingNamesAndWarnsOfValuesThatDoNotReadBack) {
     bool warned = result.err.find("fskit ini: warning: ") == 0;
     EXPECT_EQ(warned, std::string(back) != value) << value << " read back as " << back;
   }
-  EXPECT_EQ(fskit::test::readFile(file), readable + "t = \n");
+  EXPECT_EQ(readFile(file), readable + "t = \n");
 }
