@@ -1,12 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The INI readers on any text. The classic reader: lookups find the first
-// paragraph and line of each name, and a document that is written, read
-// again and written again gives the same bytes. With the first input byte
-// odd, memory runs out after (byte / 2) allocations of the first reading:
-// what was read must still hold. The lossless document: written back, the
-// same bytes; a value set changes one line of the old text (or none, adding
-// lines) and reads back; where the classic reader takes in the whole text,
-// each line in one piece, both find the same values.
+// The INI readers on any text (an odd first byte: memory runs out after byte / 2 allocations):
+// classic lookups and round trips; the lossless document's bytes, one-line sets and agreement.
 #include <unordered_map>
 
 #include "fuzz/support/fuzz_support.h"
