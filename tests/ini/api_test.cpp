@@ -117,14 +117,6 @@ TEST(IniApi, GetSetAndWriteBack) {
   // A successful write releases the handle.
   EXPECT_EQ(captureStderr([&] { EXPECT_EQ(valueOf(handle, "Other", "k"), "<none:>"); }), "");
   EXPECT_EQ(fsIniWriteFile(handle), 0);
-
-  // A new document replaces an existing file.
-  handle = fsIniNewFile(path.c_str());
-  ASSERT_EQ(handle, 1000);
-  EXPECT_EQ(iniWalk(handle), "");
-  fsIniSetValue(handle, "P", "x", "1", "");
-  EXPECT_EQ(fsIniWriteFile(handle), 1);
-  EXPECT_EQ(readText(path), "[P]\nx = 1\n");
 }
 
 TEST(IniApi, WalkQuirks) {

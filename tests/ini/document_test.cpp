@@ -10,10 +10,7 @@
 #include "ini/document.h"
 #include "tests/support/test_support.h"
 
-using fskit::ini::FsIniFile;
-using fskit::ini::FsIniLine;
-using fskit::ini::kFailed;
-using fskit::ini::kOk;
+using namespace fskit::ini;
 
 namespace {
 
@@ -100,7 +97,7 @@ TEST(IniLine, SettersTrimAsTheirRulesSay) {
     EXPECT_EQ(other.comment(), nullptr);
     EXPECT_EQ(written(other), "t = \n");
   }
-  fskit::ini::FsIniParagraph paragraph(" keeps\n everything ");
+  FsIniParagraph paragraph(" keeps\n everything ");
   EXPECT_STREQ(paragraph.name(), " keeps\n everything ");
   paragraph.setName("");
   EXPECT_EQ(paragraph.name(), nullptr);
