@@ -1,12 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The INI readers on any text. The classic reader: lookups find the first
-// paragraph and line of each name, and a document that is written, read
-// again and written again gives the same bytes. With the first input byte
-// odd, memory runs out after (byte / 2) allocations of the first reading:
-// what was read must still hold. The lossless document: written back, the
-// same bytes; a value set changes one line of the old text (or none, adding
-// lines) and reads back; where the classic reader takes in the whole text,
-// each line in one piece, both find the same values.
+// The INI readers on any text (an odd first byte: memory runs out after byte / 2 allocations):
+// classic lookups and round trips; the lossless document's bytes, one-line sets and agreement.
 #include <unordered_map>
 
 #include "fuzz/support/fuzz_support.h"
@@ -14,10 +8,8 @@
 #include "ini/lossless.h"
 #include "tests/support/alloc_fault.h"
 
-using fskit::ini::FsIniFile;
-using fskit::ini::FsIniLine;
-using fskit::ini::FsIniParagraph;
-using fskit::ini::lossless::Document;
+using namespace fskit::ini;
+using lossless::Document;
 
 namespace {
 
@@ -37,15 +29,14 @@ bool read(FsIniFile &document, const std::string &text, long allocations = -1) {
   if (allocations >= 0) fskit::test::failAllocationFrom(allocations + 1);
   const int result = document.read(stream);
   fskit::test::failAllocationFrom(0);
-  FUZZ_CHECK(result == fskit::ini::kOk);
+  FUZZ_CHECK(result == kOk);
   const bool all = std::ftell(stream) == long(text.size());
   std::fclose(stream);
   return all;
 }
 
 std::string written(const FsIniFile &document) {
-  return writtenTo(
-      [&](std::FILE *stream) { FUZZ_CHECK(document.write(stream) == fskit::ini::kOk); });
+  return writtenTo([&](std::FILE *stream) { FUZZ_CHECK(document.write(stream) == kOk); });
 }
 
 // The lookups give the first item of each name, as a scan in order would.
@@ -92,7 +83,7 @@ bool writtenBackAsRead(const FsIniFile &document, const std::string &text) {
         return false;
     }
   }
-  return !hasLongLine(text.substr(0, text.rfind('\n') + 1), size_t(fskit::ini::kLineBuffer - 1));
+  return !hasLongLine(text.substr(0, text.rfind('\n') + 1), size_t(kLineBuffer - 1));
 }
 
 // True when `after` differs from `before` within one line of `before` only:
@@ -148,7 +139,7 @@ FUZZ_TARGET(input) {
   Classic first;
   const bool all = read(*first.file, text, faults ? budget / 2 : -1);
   checkLookups(*first.file);
-  const bool whole = all && !faults && !hasLongLine(text, size_t(fskit::ini::kLineBuffer - 1));
+  const bool whole = all && !faults && !hasLongLine(text, size_t(kLineBuffer - 1));
   checkLossless(text, whole ? first.file : nullptr);
 
   const std::string once = written(*first.file);

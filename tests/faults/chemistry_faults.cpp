@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The element table and the formula parser under allocation failure: a load
-// that gets no memory leaves no table and says so; a parser asked for more
-// than 100 symbols falls back to 100 or leaves its text empty.
+// The element table and the formula parser under allocation failure: a load without memory
+// leaves no table and says so; a parser past 100 symbols falls back to 100 or leaves no text.
 #include <fskit/chemistry.h>
 #include <fskit/frame.h>
 #include <fskit/ini.h>
@@ -14,7 +13,7 @@
 #include "tests/chemistry/example_table.h"
 #include "tests/support/alloc_fault.h"
 
-using fskit::test::forEachAllocationFailure;
+using namespace fskit::test;
 
 namespace {
 
@@ -28,10 +27,10 @@ int32_t keepMessage(const char *, int32_t *, int32_t *, int32_t *, int32_t *, ch
 }  // namespace
 
 TEST(ChemistryFaults, LoadsGiveATableOrNoneWithAMessage) {
-  fskit::test::TempDir dir;
-  fskit::test::ChangeDir into(dir.path());  // no default element file here
+  TempDir dir;
+  ChangeDir into(dir.path());  // no default element file here
   const std::string path = dir.file("elements.tbl");
-  fskit::test::writeFile(path, fskit::test::kExampleTable);
+  writeFile(path, kExampleTable);
   fsRegisterMessage(keepMessage);
   const int32_t ini = fsIniNewFile("f.ini");
   fsIniSetValue(ini, "Formula Files", "elementFile", path.c_str(), "");

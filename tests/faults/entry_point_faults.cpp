@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The allocating functions of the frame, strings, command-line and files
-// families under allocation failure: each gives its whole result, or its
-// documented failure with nothing half done and nothing leaked (the leak
-// checker of the sanitizer build would report a lost block).
+// The frame, strings, command-line and files functions under allocation failure: each gives
+// its whole result, or its documented failure with nothing half done and nothing leaked.
 #include <fskit/cmdline.h>
 #include <fskit/files.h>
 #include <fskit/frame.h>
@@ -15,13 +13,11 @@
 #include <cstring>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "tests/support/alloc_fault.h"
 #include "tests/support/test_support.h"
 
-using fskit::test::failAllocationFrom;
-using fskit::test::forEachAllocationFailure;
+using namespace fskit::test;
 
 namespace {
 
@@ -43,7 +39,7 @@ std::string taken(char *&copy) {
 // Each function is called armed, then (unarmed) its result is told as text:
 // the whole result when nothing was refused, the failure otherwise.
 TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
-  fskit::test::TempDir dir;
+  TempDir dir;
   const std::string path = dir.file("f");
   char *copy = nullptr, *filled = nullptr, *old = strmalloc("keep"), field[8], error[128];
   char prog[] = "prog", text[] = "x";
@@ -122,11 +118,11 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
 TEST(EntryPointFaults, AShortTextInAHugeFieldNeedsLittleMemory) {
   // The work copy was as large as the field said, 4 GiB here (and calloc'ed
   // and filled); where that much cannot be had the copy failed.
-  fskit::test::refuseAllocationsAbove(1 << 20);
+  refuseAllocationsAbove(1 << 20);
   char dst[16];
   std::memset(dst, '~', sizeof dst);
   EXPECT_EQ(strfcpy(dst, sizeof dst, "  ab   cd", UINT32_MAX), dst);
-  fskit::test::refuseAllocationsAbove(0);
+  refuseAllocationsAbove(0);
   EXPECT_EQ(std::string(dst, sizeof dst), std::string("ab cd\0\0\0\0\0\0\0\0\0\0\0", 16));
 }
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The sorts under allocation failure: the typed sorts fall back to sorting
-// in place, fsSortArrays either sorts or reports and moves nothing, and
-// fsStrSort writes the whole output or fails with its text, never leaving a
-// work file; a refused buffer is halved.
+// The sorts under allocation failure: typed sorts fall back to in place, fsSortArrays sorts or
+// moves nothing, fsStrSort writes all or fails, leaving no work file; a refused buffer is halved.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>
 
@@ -17,23 +15,21 @@
 #include "tests/support/alloc_fault.h"
 #include "tests/support/test_support.h"
 
-using fskit::test::StreamCatcher;
+using namespace fskit::test;
 
 namespace {
 
 using Bytes = std::vector<unsigned char>;
 using Loop = long (*)(const std::function<void()> &, const std::function<void(long, bool)> &);
 // Memory that runs out for good, and memory refused once.
-constexpr Loop kLoops[] = {fskit::test::forEachAllocationFailure,
-                           fskit::test::forEachSingleAllocationFailure};
+constexpr Loop kLoops[] = {forEachAllocationFailure, forEachSingleAllocationFailure};
 
 struct Layout {
   int type, offset, size;
   size_t keyWidth;  // 0: to the NUL (strings) or to the element's end (bytes)
 };
 
-// Each element's key in turn: what a sort must order, whatever it does with
-// equal keys.
+// Each element's key in turn: what a sort must order, whatever it does with equal keys.
 std::vector<Bytes> keysOf(const Layout &layout, const Bytes &data, const int32_t *index = nullptr) {
   std::vector<Bytes> keys;
   for (size_t i = 0; i < data.size() / size_t(layout.size); ++i) {
@@ -55,7 +51,7 @@ std::vector<Bytes> elementsOf(const Layout &layout, const Bytes &data) {
   return elements;
 }
 
-int workFilesLeft(const fskit::test::TempDir &dir) {
+int workFilesLeft(const TempDir &dir) {
   int left = 0;
   for (const auto &entry : std::filesystem::directory_iterator(dir.path()))
     left += entry.path().filename().string().rfind("sort_", 0) == 0;
@@ -65,8 +61,7 @@ int workFilesLeft(const fskit::test::TempDir &dir) {
 }  // namespace
 
 TEST(SortFaults, TypedSortsOrderWithoutMemory) {
-  // Bare keys, records of a size sorted whole, records moved through an
-  // order, text and byte keys; 100 elements take the paths that need memory.
+  // Bare keys, whole records, records moved through an order, text and byte keys; 100 each.
   const Layout layouts[] = {{FS_SORT_LONG, 0, 4, 4},   {FS_SORT_DOUBLE_DESC, 4, 12, 8},
                             {FS_SORT_SHORT, 2, 10, 2}, {FS_SORT_STRING, 1, 9, 0},
                             {FS_SORT_BYTES, 0, 3, 0}};
@@ -136,18 +131,18 @@ TEST(SortFaults, ParallelArraysSortOrStayWithAMessage) {
 }
 
 TEST(SortFaults, FileSortWritesAllOrFailsAndHalvesItsBuffer) {
-  fskit::test::TempDir dir;
+  TempDir dir;
   const std::string input = dir.file("in.txt"), output = dir.file("out.txt"), prefix = dir.path() + "/";
   std::string lines;
   std::mt19937 random(8);
   for (int i = 0; i < 300; ++i) lines += std::to_string(random() % 1000) + "\n";
-  fskit::test::writeFile(input, lines);
+  writeFile(input, lines);
   const long size = long(lines.size());
   StreamCatcher out(stdout);
   out.start();  // with memory, as the file sort tests check it
   ASSERT_EQ(fsStrSort(input.c_str(), output.c_str(), prefix.c_str(), 0, 1, 0), 300);
   out.stop();
-  const std::string expected = fskit::test::readFile(output);
+  const std::string expected = readFile(output);
   for (long buffer : {0L, size / 12}) {  // in memory; in 12 or more chunks
     for (Loop loop : kLoops) {
       bool halved = false;
@@ -165,14 +160,14 @@ TEST(SortFaults, FileSortWritesAllOrFailsAndHalvesItsBuffer) {
               EXPECT_TRUE(refused);
             } else {
               EXPECT_EQ(result, 300);
-              EXPECT_EQ(fskit::test::readFile(output), expected);
+              EXPECT_EQ(readFile(output), expected);
             }
             halved |= result == 300 && printed.find(" with " + std::to_string(size) + " bytes, " +
                                                     std::to_string((buffer ? buffer : size) / 2) +
                                                     " bytes at a time") != std::string::npos;
             std::filesystem::remove(output);
           });
-      if (loop == fskit::test::forEachSingleAllocationFailure) {
+      if (loop == forEachSingleAllocationFailure) {
         EXPECT_TRUE(halved);  // the first buffer refused, half of it taken
       }
     }

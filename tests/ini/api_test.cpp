@@ -12,25 +12,16 @@
 #include <unistd.h>
 #endif
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "ini/state.h"
-#include "ini/storage.h"
+#include "ini/ini_internal.h"
 #include "tests/support/ini_walk.h"
 #include "tests/support/test_support.h"
 
-using fskit::test::captureStderr;
-using fskit::test::ChangeDir;
-using fskit::test::iniWalk;
-using fskit::test::fileExists;
-using fskit::test::readFile;
-using fskit::test::readText;
-using fskit::test::TempDir;
-using fskit::test::writeFile;
+using namespace fskit::test;
 
 namespace {
 
@@ -41,7 +32,14 @@ std::string valueOf(int32_t handle, const char *paragraph, const char *topic) {
   return found == 1 ? value : "<none:" + std::string(value) + ">";
 }
 
-const fskit::test::AfterEachTest reset{[] {
+// Reads `path`, sets [A] x to `value` and writes the file: fsIniWriteFile's result.
+int32_t setAndWrite(const std::string &path, const char *value) {
+  int32_t handle = fsIniReadFile(path.c_str());
+  fsIniSetValue(handle, "A", "x", value, "");
+  return fsIniWriteFile(handle);
+}
+
+const AfterEachTest reset{[] {
   for (int32_t handle = 1000; handle < 1010; ++handle) fsIniReleaseFile(handle);
 }};
 
@@ -119,14 +117,6 @@ TEST(IniApi, GetSetAndWriteBack) {
   // A successful write releases the handle.
   EXPECT_EQ(captureStderr([&] { EXPECT_EQ(valueOf(handle, "Other", "k"), "<none:>"); }), "");
   EXPECT_EQ(fsIniWriteFile(handle), 0);
-
-  // A new document replaces an existing file.
-  handle = fsIniNewFile(path.c_str());
-  ASSERT_EQ(handle, 1000);
-  EXPECT_EQ(iniWalk(handle), "");
-  fsIniSetValue(handle, "P", "x", "1", "");
-  EXPECT_EQ(fsIniWriteFile(handle), 1);
-  EXPECT_EQ(readText(path), "[P]\nx = 1\n");
 }
 
 TEST(IniApi, WalkQuirks) {
@@ -196,9 +186,7 @@ TEST(IniApi, WriteReplacesTheFileWithAPlatformTextFile) {
   ChangeDir here(dir.path());
   for (const std::string &path : {std::string("t.ini"), dir.file("t.ini")}) {
     writeFile(path, "[A]\nx = 1\n");
-    int32_t handle = fsIniReadFile(path.c_str());
-    fsIniSetValue(handle, "A", "x", "2", "");
-    EXPECT_EQ(fsIniWriteFile(handle), 1);
+    EXPECT_EQ(setAndWrite(path, "2"), 1);
     EXPECT_EQ(readFile(path), "[A]\r\nx = 2\r\n") << path;
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);
   }
@@ -212,11 +200,8 @@ TEST(IniApi, WriteTargetsLinksAndDevices) {
   std::string link = dir.file("link.ini");
   ASSERT_EQ(symlink("t.ini", link.c_str()), 0);
 
-  // Through a symbolic link: the file it points to is replaced, with its
-  // permission bits, and the link stays a link.
-  int32_t handle = fsIniReadFile(link.c_str());
-  fsIniSetValue(handle, "A", "x", "2", "");
-  EXPECT_EQ(fsIniWriteFile(handle), 1);
+  // Through a symbolic link: the file it points to is replaced, with its mode; the link stays.
+  EXPECT_EQ(setAndWrite(link, "2"), 1);
   EXPECT_TRUE(std::filesystem::is_symlink(link));
   EXPECT_EQ(readFile(path), "[A]\nx = 2\n");
   struct stat status;
@@ -225,7 +210,7 @@ TEST(IniApi, WriteTargetsLinksAndDevices) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2);
 
   // A device: written in place, the error found at the close keeps the handle.
-  handle = fsIniNewFile("/dev/full");
+  int32_t handle = fsIniNewFile("/dev/full");
   fsIniSetValue(handle, "A", "x", "1", "");
   EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 0); }), "");
   EXPECT_EQ(valueOf(handle, "A", "x"), "1");
@@ -243,25 +228,20 @@ TEST(IniApi, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
     bool onFirst;          // the walk goes on with the first handle, not the second
     const char *expected;  // what it delivers
   } cases[] = {
-      // Used to take the second document's paragraph at the same position
-      // (Z) instead of its paragraph named X, at the line the walk stood on.
+      // Used to take the second document's paragraph at the same position (Z), not the X.
       {First::kKept, false, "X|b|20;X|c|30;X|a|10;X|b|20;X|c|30;"},
-      // Right before, and kept so: with the first document gone its paragraph
-      // has no name any more, and the walk goes on with the next paragraph,
-      // reading nothing released.
+      // The first document's paragraph has no name any more: the walk takes the next one.
       {First::kReleased, false, "X|a|10;X|b|20;X|c|30;"},
       // The same when a new document has taken the released one's slot.
       {First::kReopened, false, "X|a|10;X|b|20;X|c|30;"},
-      // Read again into the walk's own slot: another document, whose
-      // paragraph is looked up anew (the old one has no name any more).
+      // Read again into the walk's own slot: another document, its paragraph looked up anew.
       {First::kReopened, true, "Y|q|5;"},
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(c.expected);
     int32_t a = fsIniReadFile(dir.file("a.ini").c_str());
     int32_t b = fsIniReadFile(dir.file("b.ini").c_str());
-    ASSERT_NE(a, 0);
-    ASSERT_NE(b, 0);
+    ASSERT_TRUE(a != 0 && b != 0);
     char paragraph[64], topic[64], value[64];
     ASSERT_EQ(fsIniNext(1, a, paragraph, topic, value), 1);
     EXPECT_EQ(std::string(paragraph) + "|" + topic + "|" + value, "X|a|1");
@@ -283,17 +263,13 @@ TEST(IniApi, WriteKeepsTheFileItselfWhereANewOneWouldDiffer) {
   std::string path = dir.file("t.ini"), other = dir.file("other.ini");
   writeFile(path, "[A]\nx = 1\n");
   std::filesystem::create_hard_link(path, other);
-  // Used to rename a new file over the name written, so the file's other
-  // name went on holding the old text.
-  int32_t handle = fsIniReadFile(path.c_str());
-  fsIniSetValue(handle, "A", "x", "2", "");
-  ASSERT_EQ(fsIniWriteFile(handle), 1);
+  // Used to rename a new file over the name written: the file's other name kept the old text.
+  ASSERT_EQ(setAndWrite(path, "2"), 1);
   EXPECT_EQ(readFile(path), "[A]\nx = 2\n");
   EXPECT_EQ(readFile(other), "[A]\nx = 2\n");
   EXPECT_TRUE(std::filesystem::equivalent(path, other));
 
-  // Used to give another's file (here root's, shared for writing) to the
-  // process that wrote it, whose new file could not be given its owner back.
+  // Used to give another's file (root's, shared for writing) to the process that wrote it.
   if (getuid() != 0) GTEST_SKIP() << "needs root to write as another user";
   std::string shared = dir.file("shared.ini");
   writeFile(shared, "[A]\nx = 1\n");
@@ -303,9 +279,7 @@ TEST(IniApi, WriteKeepsTheFileItselfWhereANewOneWouldDiffer) {
   ASSERT_NE(child, -1);
   if (child == 0) {
     if (setgid(65534) != 0 || setuid(65534) != 0) _exit(2);
-    int32_t mine = fsIniReadFile(shared.c_str());
-    fsIniSetValue(mine, "A", "x", "3", "");
-    _exit(fsIniWriteFile(mine) == 1 ? 0 : 1);
+    _exit(setAndWrite(shared, "3") == 1 ? 0 : 1);
   }
   int status = 0;
   ASSERT_EQ(waitpid(child, &status, 0), child);
@@ -328,15 +302,11 @@ TEST(IniApi, WriteGoesIntoAFileMountedInItsPlace) {
   writeFile(source, "[A]\nx = 1\n");
   if (mount(source.c_str(), path.c_str(), "none", MS_BIND, nullptr) != 0)
     GTEST_SKIP() << "needs the right to mount a file";
-  // Used to give 0 without a message, the file unwritten: a new file cannot
-  // be renamed over a mount point, though the file itself can be written.
-  int32_t handle = fsIniReadFile(path.c_str());
-  fsIniSetValue(handle, "A", "x", "2", "");
-  EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniWriteFile(handle), 1); }), "");
+  // Used to give 0 without a message, the file unwritten: nothing renames over a mount point.
+  EXPECT_EQ(captureStderr([&] { EXPECT_EQ(setAndWrite(path, "2"), 1); }), "");
   EXPECT_EQ(readFile(path), "[A]\nx = 2\n");
   EXPECT_EQ(umount2(path.c_str(), 0), 0);
   EXPECT_EQ(readFile(source), "[A]\nx = 2\n");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2);
-  fsIniReleaseFile(handle);
 }
 #endif

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The lossless document: files written back byte for byte, values set where
-// the classic writer puts them, lookups that agree with the C functions,
-// `fskit ini set` on a corpus of real-world and awkward INI files; its
-// listing and removal, and its quiet reading and writing: the messages come
-// back to the caller instead of standard error.
+// The lossless document: byte-exact files, values set where the classic writer puts them, on a
+// corpus also through `fskit ini set`; its listing, removal, and quiet reading and writing.
 #include "ini/lossless.h"
 
 #include <fskit/ini.h>
@@ -24,11 +21,7 @@
 using fskit::ini::FsIniFile;
 using fskit::ini::FsIniLine;
 using fskit::ini::lossless::Document;
-using fskit::test::captureStderr;
-using fskit::test::readFile;
-using fskit::test::runTool;
-using fskit::test::TempDir;
-using fskit::test::writeFile;
+using namespace fskit::test;
 
 using namespace std::string_literals;
 
@@ -54,7 +47,7 @@ std::string classic(const TempDir &dir, const std::string &text, const std::stri
   writeFile(dir.file("classic.ini"), text);
   int32_t handle = fsIniReadFile(dir.file("classic.ini").c_str());
   char value[1100], comment[1];
-  std::string found = topic.empty() ? fskit::test::iniWalk(handle) : "<none>";
+  std::string found = topic.empty() ? iniWalk(handle) : "<none>";
   if (!topic.empty() && fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, comment) == 1)
     found = value;
   fsIniReleaseFile(handle);
@@ -71,7 +64,7 @@ std::string losslessWalk(const Document &document) {
 // How many bytes of `text` the C functions' reader takes in before it stops.
 long classicReach(const std::string &text) {
   std::unique_ptr<FsIniFile> document(FsIniFile::create("reach.ini"));
-  std::FILE *stream = fskit::test::streamOf(text);
+  std::FILE *stream = streamOf(text);
   document->read(stream);
   long reach = std::ftell(stream);
   std::fclose(stream);
@@ -86,6 +79,12 @@ std::vector<std::string> linesOf(const std::string &text) {
     lines.push_back(text.substr(start, end - start));
   }
   return lines;
+}
+
+bool hasLongLine(const std::string &text) {
+  return std::ranges::any_of(linesOf(text), [](const std::string &line) {
+    return line.size() >= size_t(fskit::ini::kLineBuffer);
+  });
 }
 
 std::string lineEndOf(const std::string &line) {
@@ -144,11 +143,7 @@ void checkFile(const std::string &name, const std::string &text, const TempDir &
   SCOPED_TRACE(name);
   Document document(text);
   EXPECT_EQ(document.text(), text);
-  bool classicReadsWhole = classicReach(text) == long(text.size()) &&
-                           std::ranges::all_of(linesOf(text), [](const std::string &line) {
-                             return line.size() < size_t(fskit::ini::kLineBuffer);
-                           });
-  if (classicReadsWhole) {
+  if (classicReach(text) == long(text.size()) && !hasLongLine(text)) {
     EXPECT_EQ(losslessWalk(document), classic(dir, text));
   }
 
@@ -177,10 +172,7 @@ void checkFile(const std::string &name, const std::string &text, const TempDir &
     EXPECT_EQ(change, "");
     EXPECT_EQ(Document(after).value(target.paragraph, target.topic), value);
     // The C functions find the value wherever they read its line.
-    bool longLines = std::ranges::any_of(linesOf(after), [](const std::string &line) {
-      return line.size() >= size_t(fskit::ini::kLineBuffer);
-    });
-    if (!longLines && classicReach(after) >= long(lineEnd)) {
+    if (!hasLongLine(after) && classicReach(after) >= long(lineEnd)) {
       EXPECT_EQ(classic(dir, after, target.paragraph, target.topic), value);
     }
 

@@ -9,54 +9,47 @@
 
 #include "tests/support/test_support.h"
 
-using fskit::test::readText;
-using fskit::test::runTool;
-using fskit::test::TempDir;
-using fskit::test::writeFile;
+using namespace fskit::test;
 
 TEST(IniTool, GetSetList) {
   TempDir dir;
-  std::string file = dir.file("app.ini"), fresh = dir.file("fresh.ini");
+  std::string file = dir.file("app.ini"), fresh = dir.file("fresh.ini"), none = dir.file("none.ini");
   writeFile(file, "[A]\nx = 1\n");
-  auto set = runTool({"ini", "set", file, "Formula Files", "elementFile", "new.tbl", "why"});
-  EXPECT_EQ(set.status, 0);
-  EXPECT_EQ(set.out + set.err, "");
+  const std::string table = "paragraph\ttopic\tvalue\nA\tx\t1\n";
+  const struct {
+    std::vector<std::string> args;
+    int status;
+    std::string input, out, err;
+  } runs[] = {
+      {{"ini", "set", file, "Formula Files", "elementFile", "new.tbl", "why"}, 0, "", "", ""},
+      {{"ini", "list", file}, 0, "", table + "Formula Files\telementFile\tnew.tbl\n", ""},
+      {{"ini", "list", "--json", file}, 0, "",
+       "{\"paragraph\":\"A\",\"topic\":\"x\",\"value\":\"1\"}\n"
+       "{\"paragraph\":\"Formula Files\",\"topic\":\"elementFile\",\"value\":\"new.tbl\"}\n",
+       ""},
+      {{"ini", "set", fresh, "P", "t", "a;b"}, 0, "", "", ""},  // creates a missing file
+      {{"ini", "get", fresh, "P", "t"}, 0, "", "a;b\n", ""},
+      // FILE - reads standard input for get and list.
+      {{"ini", "get", "-", "A", "x"}, 0, "[A]\nx = 1\n", "1\n", ""},
+      {{"ini", "list", "-"}, 0, "[A]\nx = 1\ny=2\n", table + "A\ty\t2\n", ""},
+      // `get` and `list` fail with the library's message.
+      {{"ini", "list", none}, 1, "", "", "Error opening ini file " + none + "\n"},
+      {{"ini", "get", fresh, "P", "T"}, 1, "", "", "Cannot find value for paragraph \"P\" topic \"T\"\n"},
+  };
+  for (const auto &run : runs) {
+    auto result = runTool(run.args, run.input);
+    SCOPED_TRACE(run.args[1] + " " + run.args.back());
+    EXPECT_EQ(result.status, run.status);
+    EXPECT_EQ(result.out, run.out);
+    EXPECT_EQ(result.err, run.err);
+  }
   EXPECT_EQ(readText(file), "[A]\nx = 1\n[Formula Files]\nelementFile = new.tbl\t; why\n");
-  EXPECT_EQ(runTool({"ini", "list", file}).out,
-            "paragraph\ttopic\tvalue\nA\tx\t1\nFormula Files\telementFile\tnew.tbl\n");
-  EXPECT_EQ(runTool({"ini", "list", "--json", file}).out,
-            "{\"paragraph\":\"A\",\"topic\":\"x\",\"value\":\"1\"}\n"
-            "{\"paragraph\":\"Formula Files\",\"topic\":\"elementFile\",\"value\":\"new.tbl\"}\n");
-  EXPECT_EQ(runTool({"ini", "get", "--json", file, "A", "x"}).status, 2);
-  // `set` creates a missing file.
-  EXPECT_EQ(runTool({"ini", "set", fresh, "P", "t", "a;b"}).status, 0);
   EXPECT_EQ(readText(fresh), "[P]\nt = \"a;b\"\n");
-  auto get = runTool({"ini", "get", fresh, "P", "t"});
-  EXPECT_EQ(get.status, 0);
-  EXPECT_EQ(get.out, "a;b\n");
 
-  // FILE - reads standard input for get and list; set refuses it.
-  EXPECT_EQ(runTool({"ini", "get", "-", "A", "x"}, "[A]\nx = 1\n").out, "1\n");
-  EXPECT_EQ(runTool({"ini", "list", "-"}, "[A]\nx = 1\ny=2\n").out,
-            "paragraph\ttopic\tvalue\nA\tx\t1\nA\ty\t2\n");
-  auto setStdin = runTool({"ini", "set", "-", "A", "x", "2"}, "[A]\nx = 1\n");
-  EXPECT_EQ(setStdin.status, 2);
-  EXPECT_EQ(setStdin.out, "");
-
-  // `get` and `list` fail with the library's message.
-  auto missing = runTool({"ini", "list", dir.file("none.ini")});
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, "Error opening ini file " + dir.file("none.ini") + "\n");
-  auto notFound = runTool({"ini", "get", fresh, "P", "T"});
-  EXPECT_EQ(notFound.status, 1);
-  EXPECT_EQ(notFound.out, "");
-  EXPECT_EQ(notFound.err, "Cannot find value for paragraph \"P\" topic \"T\"\n");
-
-  for (const auto &args : std::vector<std::vector<std::string>>{{"ini"},
-                                                                {"ini", "drop", fresh},
-                                                                {"ini", "get", fresh, "P"},
-                                                                {"ini", "set", fresh, "P", "t"},
-                                                                {"ini", "list"}}) {
+  // Usage errors, and set refusing standard input.
+  for (const auto &args : std::vector<std::vector<std::string>>{
+           {"ini"}, {"ini", "drop", fresh}, {"ini", "get", fresh, "P"}, {"ini", "set", fresh, "P", "t"},
+           {"ini", "list"}, {"ini", "get", "--json", file, "A", "x"}, {"ini", "set", "-", "A", "x", "2"}}) {
     auto bad = runTool(args);
     EXPECT_EQ(bad.status, 2);
     EXPECT_EQ(bad.out, "");
@@ -71,27 +64,18 @@ TEST(IniTool, SetRefusesBreakingNamesAndWarnsOfValuesThatDoNotReadBack) {
   std::string file = dir.file("app.ini");
   const std::string before = "; settings\n[A]\nx=1\n";
   writeFile(file, before);
-  for (const auto &[paragraph, topic, value] :
-       std::vector<std::array<std::string, 3>>{{"A\nB", "t", "v"},
-                                               {"A", "t\r", "v"},
-                                               {"A", "t", "v\nw"},
-                                               {"", "t", "v"},
-                                               {"A]", "t", "v"},
-                                               {"A", "", "v"},
-                                               {"A", "a=b", "v"},
-                                               {"A", "[t", "v"},
-                                               {"A", ";t", "v"},
-                                               {"A", "#t", "v"},
-                                               {"A", " t", "v"},
-                                               {"A", "t ", "v"}}) {
+  for (const auto &[paragraph, topic, value] : std::vector<std::array<std::string, 3>>{
+           {"A\nB", "t", "v"}, {"A", "t\r", "v"}, {"A", "t", "v\nw"}, {"", "t", "v"},
+           {"A]", "t", "v"}, {"A", "", "v"}, {"A", "a=b", "v"}, {"A", "[t", "v"}, {"A", ";t", "v"},
+           {"A", "#t", "v"}, {"A", " t", "v"}, {"A", "t ", "v"}}) {
     auto refused = runTool({"ini", "set", file, paragraph, topic, value});
     EXPECT_EQ(refused.status, 2) << topic;
     EXPECT_EQ(refused.err.find("fskit ini: "), 0u) << refused.err;
-    EXPECT_EQ(fskit::test::readFile(file), before);
+    EXPECT_EQ(readFile(file), before);
   }
   auto comment = runTool({"ini", "set", file, "A", "t", "v", "two\nlines"});
   EXPECT_EQ(comment.status, 2);
-  EXPECT_EQ(fskit::test::readFile(file), before);
+  EXPECT_EQ(readFile(file), before);
 
   // Warned of: the C functions read something else back. Not warned of: the
   // C functions read the value back whole.
@@ -109,5 +93,5 @@ TEST(IniTool, SetRefusesBreakingNamesAndWarnsOfValuesThatDoNotReadBack) {
     bool warned = result.err.find("fskit ini: warning: ") == 0;
     EXPECT_EQ(warned, std::string(back) != value) << value << " read back as " << back;
   }
-  EXPECT_EQ(fskit::test::readFile(file), readable + "t = \n");
+  EXPECT_EQ(readFile(file), readable + "t = \n");
 }
