@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The element table from many threads: formulas parsed while another thread
-// reloads the table see the old table or the new one, whole.
+// Formulas parsed while another thread reloads the element table see the old or the new one.
+#include <fskit/chemistry.h>
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <iterator>
 #include <string>
 #include <vector>
-
-#include <fskit/chemistry.h>
 
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
@@ -16,7 +15,7 @@ namespace {
 
 const char *const kFormulas[] = {"C6H12O6", "C8H10N4O2", "CH3CH2OH", "C254H377N65O75S6",
                                  "Na.Cl",   "13C C5H12O6", "C2H5Xx", "c6h6"};
-constexpr int kFormulaCount = int(sizeof kFormulas / sizeof kFormulas[0]);
+constexpr int kFormulaCount = int(std::size(kFormulas));
 
 std::string shippedTable() { return std::string(FSKIT_SOURCE_DIR) + "/data/kw_elements.tbl"; }
 // The same table with another average mass for carbon.
@@ -65,9 +64,9 @@ void prepareTables() {
   ASSERT_NE(underShipped[0], underChanged[0]);
 }
 
+// Worker 0 reloads on every round, alternating between the two tables.
 std::string elementsRound(int worker, int round) {
   if (worker == 0) {
-    // Reloads on every round, alternating between the two tables.
     const std::string &table = round % 2 == 0 ? changedTable() : shippedTable();
     return "load " + std::to_string(fsLoadElemTable(table.c_str()));
   }
@@ -86,7 +85,8 @@ TEST(ElementThreads, TheFirstLoadServesEveryThread) {
   ASSERT_EQ(fsInitElemTable(0, 0), 1);  // no table present
   ASSERT_EQ(fsElementTableCount(), 0);
   std::vector<int32_t> found(fskit::stress::kThreads, -2);
-  fskit::stress::onThreads(fskit::stress::kThreads, [&found](int i) { found[size_t(i)] = fsFindElemInTbl("N"); });
+  fskit::stress::onThreads(fskit::stress::kThreads,
+                           [&found](int i) { found[size_t(i)] = fsFindElemInTbl("N"); });
   EXPECT_GT(fsElementTableCount(), 0);
   for (int32_t index : found) EXPECT_EQ(index, fsFindElement("N", nullptr));
 }

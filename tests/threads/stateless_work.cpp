@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Stress workloads of the families that keep no state (strings, number
-// converters): they must give the same answers on every thread.
+// Workloads of the families that keep no state: strings and number converters.
 #include <cstdint>
 #include <cstdio>
 #include <cstring>

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The cipher, the command-line parser and tag tables from many threads, and
-// key codes read by several threads from the one standard input.
+// The cipher, the command-line parser and tag tables; key codes read by all threads from one input.
+#include <fskit/cmdline.h>
+#include <fskit/util.h>
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
-
-#include <fskit/cmdline.h>
-#include <fskit/util.h>
 
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
@@ -36,7 +34,6 @@ std::string commandLineRound(int worker, int round) {
   for (int32_t i = 0; i < parts.nQuals; ++i)
     out += std::string("|/") + parts.qualNames[i] + "=" +
            (parts.qualValues[i] != nullptr ? parts.qualValues[i] : "(none)");
-  // A tag table of this round's own.
   KwaTagEntry *table = nullptr;
   int32_t count = 0, capacity = 0;
   for (int k = 0; k < 5; ++k) {
@@ -56,8 +53,7 @@ TEST(KeyCodeThreads, EveryCallReadsOneWholeKey) {
 #if defined(_WIN32)
   GTEST_SKIP() << "piped input gives its bytes as they are on Windows; no two-code keys to split";
 #endif
-  // Each Up arrow is three bytes that become two console codes: a call that
-  // took the first code while another took the second would not give 274.
+  // Each Up arrow is three bytes, two console codes: a call that got only one would not give 274.
   constexpr int kPerThread = 200;
   std::string input;
   for (int i = 0; i < fskit::stress::kThreads * kPerThread; ++i) input += "\x1b[A";
