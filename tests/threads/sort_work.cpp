@@ -9,8 +9,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <numeric>
 #include <random>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -20,9 +22,7 @@
 #include "tests/threads/stress.h"
 
 #if !defined(_WIN32)
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #endif
 
 namespace {
@@ -167,21 +167,19 @@ TEST(SortThreads, SamePrefixFailsWhileAnotherSortUsesIt) {
 
   long first = -1, second = -1;
   std::thread sorter([&] { first = sort(pipe); });
-  int fd = open(pipe.c_str(), O_RDONLY);  // returns once the merge has opened its output
-  ASSERT_GE(fd, 0);
+  std::ifstream merged(pipe, std::ios::binary);  // open once the merge has opened its output
+  ASSERT_TRUE(merged.is_open());
   std::string printed = fskit::test::captureStdout([&] { second = sort(other); });
   EXPECT_EQ(second, 0);
   EXPECT_EQ(printed, "Work files " + prefix + "sort_*.tmp are in use by another sort\n");
   EXPECT_FALSE(std::filesystem::exists(other));
   EXPECT_TRUE(std::filesystem::exists(prefix + "sort_0.tmp"));  // the first's, untouched
 
-  std::string merged;
-  char block[65536];
-  for (ssize_t got; (got = read(fd, block, sizeof block)) > 0;) merged.append(block, size_t(got));
-  close(fd);
+  std::ostringstream output;
+  output << merged.rdbuf();
   sorter.join();
   EXPECT_EQ(first, long(lines.size()));
-  EXPECT_TRUE(merged == expected);
+  EXPECT_TRUE(output.str() == expected);
   EXPECT_FALSE(std::filesystem::exists(prefix + "sort_0.tmp"));
   // Finished, the first gives the prefix up.
   fskit::test::captureStdout([&] { EXPECT_EQ(sort(other), long(lines.size())); });
