@@ -37,10 +37,9 @@ std::string datesRound(int worker, int round) {
   for (int layout : {4, 6, 8, 10}) {
     text[0] = '\0';  // a failed conversion leaves the output as it was
     fsDateTime(9, input.c_str(), layout, text, "", 0);
-    out += text;
-    out += '|';
+    out += std::string(text) + "|";
   }
-  // A calendar date through every output layout and back through seconds.
+  // A calendar date to seconds and back.
   std::snprintf(text, sizeof text, "%d/%d/%d", 1 + round % 12, 1 + (worker * 3 + round) % 28,
                 1950 + round % 90);
   char stamp[64] = "", back[64] = "";
