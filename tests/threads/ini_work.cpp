@@ -132,15 +132,14 @@ const fskit::stress::Registration ownWork{{"ini own documents", 30, ownDocument}
 // get the first matches.
 TEST(IniThreads, ReadersAtOnceOnIndexesBehind) {
   constexpr int kLong = 3000;
-  std::string text;
-  for (int i = 0; i < kLong; ++i)
-    text += "[P" + std::to_string(i) + "]\nt = " + std::to_string(i) + "\n";
-  text += "[Last]\n";
-  for (int i = 0; i < kLong; ++i)
-    text += "k" + std::to_string(i) + " = " + std::to_string(i) + "\n";
-  text += "k0 = second\n[P0]\nt = second\n";
+  std::string paragraphs, last = "[Last]\n";
+  for (int i = 0; i < kLong; ++i) {
+    std::string n = std::to_string(i);
+    paragraphs += "[P" + n + "]\nt = " + n + "\n";
+    last += "k" + n + " = " + n + "\n";
+  }
   const std::string path = fskit::stress::scratchDir() + "/behind.ini";
-  fskit::test::writeFile(path, text);
+  fskit::test::writeFile(path, paragraphs + last + "k0 = second\n[P0]\nt = second\n");
   int32_t handle = openRetrying(path, true);
 
   std::latch together(4);
