@@ -20,7 +20,8 @@ check() {  # check NAME PROGRAM
   echo "ok $1"
 }
 static() {  # static NAME PROGRAM: as check, and the program holds the library itself
-  ! objdump -p "$2" | grep 'NEEDED.*libfskit' >/dev/null || fail "$1: linked with the shared library"
+  ! objdump -p "$2" | grep 'NEEDED.*libfskit' >/dev/null ||
+    fail "$1: linked with the shared library"
   check "$1" "$2"
 }
 

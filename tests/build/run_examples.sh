@@ -49,7 +49,8 @@ run() {  # run NAME[.CASE] STATUS ARGUMENTS...
     dir=$work/run/$build-$name got=0
     mkdir -p "$dir"
     cp -r "$work/data/." "$dir"
-    (cd "$dir" && LD_LIBRARY_PATH=$libdir "$work/$build/${name%%.*}" "$@" >stdout 2>stderr) || got=$?
+    (cd "$dir" && LD_LIBRARY_PATH=$libdir "$work/$build/${name%%.*}" "$@" >stdout 2>stderr) ||
+      got=$?
     if [ "$got" != "$status" ] ||
        ! diff -u "$examples/expected/$name.out" "$dir/stdout" ||
        ! diff -u "$expected_err" "$dir/stderr"; then

@@ -7,7 +7,8 @@ set -eu
 as_root() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
 # `locale -a` writes el_GR.utf8 for el_GR.UTF-8.
 present() {
-  locale -a 2>/dev/null | grep -qxF "$(printf '%s\n' "$1" | sed 's/\.[Uu][Tt][Ff]-\{0,1\}8$/.utf8/')"
+  normalised=$(printf '%s\n' "$1" | sed 's/\.[Uu][Tt][Ff]-\{0,1\}8$/.utf8/')
+  locale -a 2>/dev/null | grep -qxF "$normalised"
 }
 
 missing=""
