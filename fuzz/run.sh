@@ -1,11 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Builds the fuzz preset and runs every fuzz target for SECONDS each (default
-# 30), starting from its seed corpus in fuzz/corpus/<target>/, FUZZ_JOBS
-# targets at a time (default: one per processor). New inputs go to a scratch
-# corpus, so the committed seeds stay as they are; a finding (crash, broken
-# invariant, leak, timeout) is kept in build-fuzz/findings/<target>/.
-# Prints one line per target: executions, seconds, edges covered, findings.
+# Builds the fuzz preset and runs every fuzz target (or those named) for SECONDS each (30) from
+# its seeds in fuzz/corpus/<target>/, FUZZ_JOBS at a time (one per processor). New inputs go to
+# a scratch corpus; findings (crash, broken invariant, leak, timeout) to build-fuzz/findings/.
+# Prints per target: executions, seconds, edges covered, findings.
 # usage: [FUZZ_JOBS=N] fuzz/run.sh [SECONDS] [TARGET...]
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
@@ -19,15 +17,15 @@ mapfile -t targets < <(if [ $# -gt 0 ]; then printf '%s\n' "$@"; else
 [ ${#targets[@]} -gt 0 ] || { echo "no fuzz targets built"; exit 0; }
 results=$(mktemp -d)
 trap 'rm -rf "$results"' EXIT
+row() { printf '%-26s %12s %8s %7s %9s\n' "$@"; }
 
-# Runs one target; leaves its report in $results/<target>.report (with a
-# FAIL line when it found something) and its row in $results/<target>.row.
+# Leaves $results/<target>.report (with a FAIL line for a finding) and $results/<target>.row.
 run_target() {
-  local target=$1 binary scratch started elapsed executions edges findings
+  local target=$1 binary scratch started elapsed executions edges found findings
   binary=$(find "$here/build-fuzz/fuzz" -type f -name "$target" | head -n 1)
   if [ -z "$binary" ]; then
     echo "FAIL $target: not built" >"$results/$target.report"
-    printf '%-26s %12s %8s %7s %9s\n' "$target" - - - "not built" >"$results/$target.row"
+    row "$target" - - - "not built" >"$results/$target.row"
     return
   fi
   scratch=$(mktemp -d)
@@ -39,20 +37,17 @@ run_target() {
   elapsed=$(($(date +%s) - started))
   executions=$(awk '/^stat::number_of_executed_units/ {print $2}' "$scratch/log" || true)
   edges=$(grep -a -o 'cov: [0-9]*' "$scratch/log" | tail -n 1 | cut -d' ' -f2 || true)
-  findings=$(find "$scratch" -maxdepth 1 \( -name 'crash-*' -o -name 'leak-*' -o -name 'timeout-*' \
-    -o -name 'oom-*' \) | wc -l)
+  found=$(cd "$scratch" && ls | grep -E '^(crash|leak|timeout|oom)-' || true)
+  findings=$(grep -c . <<<"$found" || true)
   {
     echo "== $target (${seconds}s)"
     grep -a -E '^(#[0-9]+[[:space:]]+DONE|==[0-9]+==ERROR|SUMMARY)|invariant broken' "$scratch/log" || true
   } >"$results/$target.report"
-  printf '%-26s %12s %8s %7s %9s\n' "$target" "${executions:-?}" "$elapsed" "${edges:-?}" \
-    "$findings" >"$results/$target.row"
+  row "$target" "${executions:-?}" "$elapsed" "${edges:-?}" "$findings" >"$results/$target.row"
   if [ "$findings" -gt 0 ] || ! grep -q -a -E '^#[0-9]+[[:space:]]+DONE' "$scratch/log"; then
-    echo "FAIL $target: $(cd "$scratch" && ls | grep -E '^(crash|leak|timeout|oom)-' | head -n 3 | tr '\n' ' ')" \
-      >>"$results/$target.report"
+    echo "FAIL $target: $(head -n 3 <<<"$found" | tr '\n' ' ')" >>"$results/$target.report"
     mkdir -p "$here/build-fuzz/findings/$target"
-    cp "$scratch"/crash-* "$scratch"/leak-* "$scratch"/timeout-* "$scratch"/oom-* "$scratch/log" \
-      "$here/build-fuzz/findings/$target/" 2>/dev/null || true
+    (cd "$scratch" && cp $found log "$here/build-fuzz/findings/$target/") || true
   fi
   rm -rf "$scratch"
 }
@@ -63,6 +58,6 @@ for target in "${targets[@]}"; do
 done
 wait
 for target in "${targets[@]}"; do cat "$results/$target.report"; done
-printf '%-26s %12s %8s %7s %9s\n' target executions seconds edges findings
+row target executions seconds edges findings
 for target in "${targets[@]}"; do cat "$results/$target.row"; done
 ! grep -q '^FAIL' "$results"/*.report

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Helpers shared by the fuzz targets: the entry point, invariant checks that
-// stop the run, exact-size copies of the input, a place to catch what a call
-// prints, and a scratch directory for the targets that read files.
+// The fuzz targets' entry point, invariant checks that stop the run, exact-size copies of the
+// input, caught output and a scratch directory.
 #pragma once
 
 #include <algorithm>
@@ -29,25 +28,22 @@
   static void fuzzOne(std::string_view input)
 
 // A broken invariant ends the run like a crash, so libFuzzer keeps the input.
-#define FUZZ_CHECK(condition)                                                       \
-  do {                                                                              \
-    if (!(condition)) {                                                             \
-      std::fprintf(::stderr, "%s:%d: invariant broken: %s\n", __FILE__, __LINE__, \
-                   #condition);                                                     \
-      std::abort();                                                                 \
-    }                                                                               \
+#define FUZZ_CHECK(condition)                                                                 \
+  do {                                                                                        \
+    if (!(condition)) {                                                                       \
+      std::fprintf(::stderr, "%s:%d: invariant broken: %s\n", __FILE__, __LINE__, #condition); \
+      std::abort();                                                                           \
+    }                                                                                         \
   } while (0)
 
 namespace fskit::fuzz {
 
-// A NUL-terminated heap copy with no spare room, so the address sanitizer
-// sees a read or write one byte past the text's NUL. Bytes after a NUL in
-// `bytes` are kept but lie beyond the text.
+// A NUL-terminated heap copy with no spare room, so the address sanitizer sees a read or write
+// one byte past the text's NUL. Bytes after a NUL in `bytes` lie beyond the text.
 class Text {
  public:
-  explicit Text(std::string_view bytes) : size_(bytes.size() + 1), data_(new char[size_]) {
+  explicit Text(std::string_view bytes) : Text(bytes.size() + 1, '\0') {
     if (!bytes.empty()) std::memcpy(data_.get(), bytes.data(), bytes.size());
-    data_[bytes.size()] = '\0';
   }
   // A buffer of `size` bytes filled with `fill`, for a function's output.
   Text(size_t size, char fill) : size_(size), data_(new char[size]) {
@@ -63,8 +59,7 @@ class Text {
   std::unique_ptr<char[]> data_;
 };
 
-// Splits the input at its first NUL: the bytes before it and those after.
-// Without a NUL the first part is `fallback` and the second the whole input.
+// The bytes before the input's first NUL and those after; without a NUL, `fallback` and all.
 inline std::pair<std::string_view, std::string_view> splitAtNul(std::string_view input,
                                                                  std::string_view fallback) {
   size_t nul = input.find('\0');
@@ -94,8 +89,8 @@ std::string writtenTo(Write write) {
   return text;
 }
 
-// What `body` prints through stdio on `stream` (stdout or stderr), caught
-// in memory; the sanitizers' reports still reach descriptor 2.
+// What `body` prints through stdio on `stream` (stdout or stderr), caught in memory; the
+// sanitizers' reports still reach descriptor 2.
 template <typename Body>
 std::string caughtStream(std::FILE *&stream, Body body) {
   std::fflush(stream);
@@ -107,8 +102,8 @@ std::string caughtStream(std::FILE *&stream, Body body) {
   });
 }
 
-// The run's own directory plus "/" + `name`: in memory where /dev/shm exists
-// (a file is written for every input), removed at exit.
+// `name` in the run's own directory, removed at exit: in memory where /dev/shm exists (a file
+// is written for every input).
 inline std::string scratchFile(const char *name) {
   static const std::string directory = [] {
     char memory[] = "/dev/shm/fskit-fuzz-XXXXXX", disk[] = "/tmp/fskit-fuzz-XXXXXX";
@@ -117,6 +112,7 @@ inline std::string scratchFile(const char *name) {
     FUZZ_CHECK(made != nullptr);
     return std::string(made);
   }();
+  // Registered once the directory's name is made, so that it runs before the name is destroyed.
   static const bool removedAtExit = [] {
     return std::atexit([] { std::filesystem::remove_all(directory); }) == 0;
   }();
@@ -124,7 +120,6 @@ inline std::string scratchFile(const char *name) {
   return directory + "/" + name;
 }
 
-// Writes `bytes` to `path` as they are.
 inline void writeBytes(const std::string &path, std::string_view bytes) {
   std::FILE *out = std::fopen(path.c_str(), "wb");
   FUZZ_CHECK(out != nullptr && std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size());

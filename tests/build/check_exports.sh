@@ -1,9 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# The library must export exactly the names in exports.txt: nothing missing,
-# nothing more. A shared object's dynamic symbol table is read with nm -D, a
-# DLL's export table with objdump -p (undecorated names, as C callers and
-# GetProcAddress use them).
+# The library exports exactly the names in exports.txt: a shared object's dynamic symbols by
+# nm -D, a DLL's export table by objdump -p (undecorated, as GetProcAddress uses them).
 # usage: check_exports.sh LIBRARY EXPORTS_FILE [OBJDUMP]
 set -euo pipefail
 library=$1 list=$2 objdump=${3:-objdump}

@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# The hardening of ELF files seen with readelf: bound at load time (BIND_NOW
-# or the NOW flag), a GNU_RELRO segment, the stack protector's failure call
-# and, when fortified, at least one checked libc call (__*_chk).
+# ELF files bound at load time (BIND_NOW or the NOW flag), with a GNU_RELRO segment, the stack
+# protector's failure call and, when fortified, a checked libc call (__*_chk).
 # usage: check_hardening.sh READELF HARDENED(0|1) FORTIFIED(0|1) FILE...
 set -uo pipefail
 readelf=$1 hardened=$2 fortified=$3
@@ -16,8 +15,7 @@ fail() { echo "FAIL: $1"; failed=$((failed + 1)); }
 for file in "$@"; do
   dynamic=$("$readelf" -dW "$file") || { fail "$file: readelf"; continue; }
   symbols=$("$readelf" --dyn-syms -W "$file")
-  # Captured, not piped into grep -q: llvm-readelf writes in small pieces and
-  # dies of SIGPIPE once grep has its match, which pipefail reports.
+  # Captured, not piped into grep -q: llvm-readelf dies of SIGPIPE once grep has its match.
   segments=$("$readelf" -lW "$file")
   grep -Eq '\(BIND_NOW\)|\(FLAGS(_1)?\).* NOW' <<<"$dynamic" || fail "$file: not bound at load time"
   grep -q GNU_RELRO <<<"$segments" || fail "$file: no GNU_RELRO segment"

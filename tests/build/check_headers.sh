@@ -1,10 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Every public header, alone and through fskit.h, compiles without a warning
-# in each C and C++ standard a user may build with, under every compiler given.
-# A program written for the old interface (arguments passed to the functions
-# that accept any) still compiles before C23, and a caller's bad format is
-# reported.
+# Every public header compiles without a warning in each C and C++ standard under every compiler
+# given, and so does a program of the old interface (arguments to the functions that accept any);
+# a caller's bad format does not compile.
 # usage: check_headers.sh SOURCE_DIR GENERATED_INCLUDE_DIR CC CXX [CC CXX ...]
 set -uo pipefail
 src=$1 gen=$2
@@ -17,8 +15,8 @@ c_modes=(c89 c99 c11 c17 c2x)
 cxx_modes=(c++98 c++11 c++20)
 failed=0 count=0
 
-# [expect=fail] compile LANGUAGE STD COMPILER FILE [FLAGS...]: one syntax
-# check, reported when it fails (with expect=fail: when it compiles).
+# [expect=fail] compile LANGUAGE STD COMPILER FILE [FLAGS...]: reported when it fails (with
+# expect=fail: when it compiles).
 compile() {
   local lang=$1 std=$2 cc=$3 file=$4 out compiled=fail
   shift 4
@@ -30,19 +28,17 @@ compile() {
   failed=$((failed + 1))
 }
 
-headers=$(cd "$src/include" && ls fskit/*.h)
+for header in $(cd "$src/include" && ls fskit/*.h); do
+  printf '#include <%s>\nint fskit_header_check;\n' "$header" >"$work/$(basename "$header" .h).c"
+done
 while [ $# -ge 2 ]; do
   cc=$1 cxx=$2
   shift 2
-  # -Wstrict-prototypes means something to the C compiler only.
-  for header in $headers; do
-    printf '#include <%s>\nint fskit_header_check;\n' "$header" > "$work/one.c"
-    for std in "${c_modes[@]}"; do compile c "$std" "$cc" "$work/one.c" -Wstrict-prototypes; done
-    for std in "${cxx_modes[@]}"; do compile c++ "$std" "$cxx" "$work/one.c"; done
+  for file in "$work"/*.c "$here/old_caller.c"; do
+    # -Wstrict-prototypes means something to the C compiler only.
+    for std in "${c_modes[@]}"; do compile c "$std" "$cc" "$file" -Wstrict-prototypes; done
+    for std in "${cxx_modes[@]}"; do compile c++ "$std" "$cxx" "$file"; done
   done
-  for std in "${c_modes[@]}"; do compile c "$std" "$cc" "$here/old_caller.c" -Wstrict-prototypes; done
-  for std in "${cxx_modes[@]}"; do compile c++ "$std" "$cxx" "$here/old_caller.c"; done
-  # The format attribute: a wrong conversion must not compile.
   expect=fail compile c c11 "$cc" "$here/bad_format.c"
   expect=fail compile c++ c++11 "$cxx" "$here/bad_format.c"
 done

@@ -1,29 +1,18 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Checks that the layers point one way: platform at the bottom, then the
-families in the order of FSKIT_FAMILIES, the tool, the Python package and
-the tests on top.
-
-A family's DEPENDS (its fskit_family() call) must name exactly the families
-its sources include, none of them above it; no family includes the tool, the
-tests or the fuzz targets. Of another family a family includes the public
-header <fskit/NAME.h> and the internal interfaces, named *_internal.h; of
-platform/, the layer beneath them all, any header. The tool includes the
-public headers, the *_internal.h interfaces and the few others kept for it;
-so does the Python package (python/).
-
+"""The layers point one way: the families in the order of FSKIT_FAMILIES (platform first), then
+the tool, the Python package and the tests. A family's DEPENDS names exactly the families its
+sources include, all below it; of those it includes <fskit/NAME.h> and *_internal.h (of platform
+any header). The tool and python/ include those and TOOL_INTERFACES.
 Usage: check_layers.py <source tree>"""
 
 import pathlib
 import re
 import sys
 
-# What the tool may include of the families besides <fskit/...> and the
-# *_internal.h interfaces: headers that say they are there for it too.
+# Family headers that say they are there for the tool too.
 TOOL_INTERFACES = {"ini/files.h", "ini/lossless.h", "platform/ascii.h"}
 TOP_LAYERS = ("tools", "python", "tests", "fuzz")
-SOURCE_SUFFIXES = {".c", ".cpp", ".h"}
-
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
@@ -45,15 +34,13 @@ def declared_depends(root, family):
     if len(calls) != 1 or calls[0][0] != family:
         sys.exit(f"{family}/CMakeLists.txt: expected one fskit_family({family} ...)")
     words = calls[0]
-    if "DEPENDS" not in words:
-        return set()
-    return set(words[words.index("DEPENDS") + 1:])
+    return set(words[words.index("DEPENDS") + 1:]) if "DEPENDS" in words else set()
 
 
 def includes(folder):
     """(file, included name, quoted) for every include of the sources under `folder`."""
     for path in sorted(folder.rglob("*")):
-        if path.suffix in SOURCE_SUFFIXES and path.is_file():
+        if path.suffix in (".c", ".cpp", ".h") and path.is_file():
             for quote, name in INCLUDE.findall(path.read_text(errors="replace")):
                 yield path, name, quote == '"'
 
@@ -65,10 +52,6 @@ def layer_of(name, quoted, families):
         return first if first in families or first in TOP_LAYERS else None
     match = re.fullmatch(r"fskit/(\w+)\.h", name)
     return match.group(1) if match and match.group(1) in families else None
-
-
-def is_interface(name):
-    return name.endswith("_internal.h")
 
 
 def main():
@@ -89,7 +72,7 @@ def main():
                 problems.append(f"{where}: includes {name}, a layer above {family}")
             else:
                 used.add(layer)
-                if quoted and layer != "platform" and not is_interface(name):
+                if quoted and layer != "platform" and not name.endswith("_internal.h"):
                     problems.append(f"{where}: includes {name}, a private header of {layer}")
         for missing in sorted(used - depends):
             problems.append(f"{family}: includes {missing} but DEPENDS does not name it")
@@ -101,7 +84,8 @@ def main():
     for top in ("tools", "python"):
         for path, name, quoted in includes(root / top):
             layer = layer_of(name, quoted, families)
-            if quoted and layer in rank and not is_interface(name) and name not in TOOL_INTERFACES:
+            private = not name.endswith("_internal.h") and name not in TOOL_INTERFACES
+            if quoted and layer in rank and private:
                 problems.append(f"{path.relative_to(root)}: includes {name}, a family's private header")
             if layer in ("tests", "fuzz") or (layer in TOP_LAYERS and layer != top):
                 problems.append(f"{path.relative_to(root)}: includes {name}")

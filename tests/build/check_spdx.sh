@@ -1,9 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Every tracked source file starts with the licence line, after the #! line
-# where there is one. The files come from git, so outside a git checkout the
-# test is skipped (status 77). Data files and fixtures are left out: they are
-# kept byte for byte.
+# Every tracked source file (not data files and fixtures, kept byte for byte) starts with the
+# licence line, after any #! line. Skipped (77) outside a git checkout.
 # usage: check_spdx.sh SOURCE_DIR
 set -euo pipefail
 cd "$1"

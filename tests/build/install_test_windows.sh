@@ -1,9 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs a Windows build into a temporary prefix, builds the consumer
-# programs against it with the same cross compiler (through find_package, the
-# DLL's import library and the static library), and runs them and the
-# installed tool through the emulator.
+# Installs a Windows build, builds the consumers against it with the same cross compiler (the
+# DLL's import library and the static library) and runs them and the tool through the emulator.
 # usage: install_test_windows.sh BUILD_DIR SOURCE_DIR EMULATOR...
 set -euo pipefail
 build=$1 source=$2
@@ -11,7 +9,6 @@ shift 2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
-expected='consumer: fskit winnt little ieee'
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 for file in bin/fskit.dll bin/fskit.exe lib/libfskit.dll.a lib/libfskit.a include/fskit/fskit.h \
@@ -29,7 +26,7 @@ cmake --build "$work/consumer" >/dev/null
 export WINEPATH="Z:${prefix//\//\\}\\bin"
 for program in consumer_c consumer_cxx consumer_static; do
   out=$("$@" "$work/consumer/$program.exe" | tr -d '\r')
-  [ "$out" = "$expected" ] || { echo "FAIL $program: got '$out'"; exit 1; }
+  [ "$out" = 'consumer: fskit winnt little ieee' ] || { echo "FAIL $program: got '$out'"; exit 1; }
   echo "ok $program"
 done
 unset WINEPATH

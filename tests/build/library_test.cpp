@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The shared library as a program that loads it by name sees it: data and
-// functions work through the addresses found, and unloading runs the
-// library's clean-up. (That every listed name is exported, nothing more, is
-// the exported_symbols test.)
+// The shared library loaded by name: data and functions work through the addresses found, and
+// unloading runs the library's clean-up.
 #include <gtest/gtest.h>
 #if defined(_WIN32)
 #include <windows.h>
@@ -42,8 +40,7 @@ TEST(Library, FunctionsAndDataWorkByNameAndUnloadingCleansUp) {
   EXPECT_EQ(std::string(os) + " " + order + " " + format, "winnt little ieee");
   EXPECT_EQ(bitCounts[0xff] + bitCounts[0x81], 10);
 
-  // A file sort registers the clean-up of its work files for the unload: a
-  // work file that is still there then goes.
+  // A file sort registers the clean-up of its work files for the unload: one still there goes.
   using StrSort = long (*)(const char *, const char *, const char *, long, uint8_t, uint8_t);
   auto strSort = reinterpret_cast<StrSort>(symbol(library, "fsStrSort"));
   ASSERT_NE(strSort, nullptr);

@@ -1,13 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Builds the programs of examples/ against an installed fskit, once through
-# find_package and once through pkg-config, runs each in a directory of its
-# own (holding copies of the data files made below) and compares what it
-# prints with examples/expected/NAME.out (standard output) and NAME.err
-# (standard error, empty when there is no such file); NAME.CASE.out and
-# NAME.CASE.err for a program run more than once.
-# usage: run_examples.sh PREFIX SOURCE_DIR WORK_DIR
-# FSKIT_ARCH_FLAGS and CMAKE_TOOLCHAIN_FILE: as for install_test.sh.
+# Builds the programs of examples/ against an installed fskit through find_package and through
+# pkg-config, runs each in a directory of its own holding the data files made below, and compares
+# its output with examples/expected/NAME[.CASE].out and .err (empty when there is no such file).
+# usage: run_examples.sh PREFIX SOURCE_DIR WORK_DIR (FSKIT_ARCH_FLAGS: as for install_test.sh)
 set -euo pipefail
 prefix=$1 source=$2 work=$3
 read -ra arch <<<"${FSKIT_ARCH_FLAGS:-}"
@@ -29,16 +25,14 @@ for program in "$examples"/*.c; do
      $(pkg-config --cflags --libs fskit)
 done
 
-# VAX F words: 1.0, -2.5 and pi in single precision (fraction 0x490FDB), then
-# two stray bytes. Quor records from the format's worked examples: mass 1.0,
-# intensity 1.0, flags 0; 500.25, 1000.0, 2; 1234.5677490234375, 249984.0, 1.
+# VAX F words 1.0, -2.5 and pi, then two stray bytes. Quor records (mass, intensity, flags):
+# 1.0, 1.0, 0; 500.25, 1000.0, 2; 1234.5677490234375, 249984.0, 1.
 mkdir -p "$work/data"
 printf '\x80\x40\x00\x00\x20\xC1\x00\x00\x49\x41\xDB\x0F\x01\x02' >"$work/data/vaxf.dat"
 printf '\x00\x08\x00\x00\x00\x02\xA0\x57\x00\x80\xE8\x93\x42\x97\xA3\x48\x69\x56' \
   >"$work/data/quor.dat"
-# 20000 lines of a sample's peak list, "NAME MASS", from a fixed linear
-# congruential sequence (small integers, so every awk computes the same), to
-# be sorted 32 KB at a time through work files under work/.
+# 20000 lines "NAME MASS" from a linear congruential sequence (small integers, the same in every
+# awk), to be sorted 32 KB at a time through work files under work/.
 awk 'BEGIN { split("caffeine glucose urea alanine glycine serine valine", names, " ")
              x = 1
              for (i = 0; i < 20000; i++) { x = (x * 75 + 74) % 65537
@@ -47,17 +41,16 @@ awk 'BEGIN { split("caffeine glucose urea alanine glycine serine valine", names,
 mkdir -p "$work/data/work"
 
 failed=0
-run() {  # run NAME[.CASE] STATUS ARGUMENTS...: expected/NAME[.CASE].out
-  local name=$1 status=$2; shift 2
-  local program=${name%%.*} build
+run() {  # run NAME[.CASE] STATUS ARGUMENTS...
+  local name=$1 status=$2 build dir got expected_err=/dev/null
+  shift 2
+  [ -f "$examples/expected/$name.err" ] && expected_err=$examples/expected/$name.err
   for build in cmake pkg-config; do
-    local dir=$work/run/$build-$name
+    dir=$work/run/$build-$name got=0
     mkdir -p "$dir"
     cp -r "$work/data/." "$dir"
-    local got=0
-    (cd "$dir" && LD_LIBRARY_PATH=$libdir "$work/$build/$program" "$@" >stdout 2>stderr) || got=$?
-    local expected_err=/dev/null
-    [ -f "$examples/expected/$name.err" ] && expected_err=$examples/expected/$name.err
+    (cd "$dir" && LD_LIBRARY_PATH=$libdir "$work/$build/${name%%.*}" "$@" >stdout 2>stderr) ||
+      got=$?
     if [ "$got" != "$status" ] ||
        ! diff -u "$examples/expected/$name.out" "$dir/stdout" ||
        ! diff -u "$expected_err" "$dir/stderr"; then

@@ -19,8 +19,7 @@ char *__real_strdup(const char *text);
 namespace {
 
 struct Injector {
-  long failFrom = 0;  // 0: disarmed
-  long failTo = 0;    // the last allocation to fail
+  long failFrom = 0, failTo = 0;  // the first and last allocation to fail; 0: disarmed
   long counted = 0;
   bool refused = false;
 };
@@ -58,9 +57,7 @@ char *__wrap_strdup(const char *text) { return refuseThisOne() ? nullptr : __rea
 
 }  // extern "C"
 
-// The program's own global operator new and delete (the standard lets a
-// program replace them): C++ allocations take the wrapped malloc, and so
-// meet the same counter as the C ones.
+// The program's own operator new and delete: C++ allocations meet the same counter as C ones.
 namespace {
 void *allocate(size_t size) { return std::malloc(size != 0 ? size : 1); }
 void *allocateOrThrow(size_t size) {
@@ -87,8 +84,10 @@ void failAllocationFrom(long k) { injector = Injector{k, LONG_MAX, 0, false}; }
 void failOnlyAllocation(long k) { injector = Injector{k, k, 0, false}; }
 void refuseAllocationsAbove(size_t bytes) { largestAllowed = bytes; }
 
+using Check = std::function<void(long k, bool refused)>;
+
 static long forEachFailure(void (*arm)(long), const std::function<void()> &call,
-                           const std::function<void(long k, bool refused)> &check) {
+                           const Check &check) {
   for (long k = 1;; ++k) {
     arm(k);
     call();
@@ -99,12 +98,10 @@ static long forEachFailure(void (*arm)(long), const std::function<void()> &call,
   }
 }
 
-long forEachAllocationFailure(const std::function<void()> &call,
-                              const std::function<void(long k, bool refused)> &check) {
+long forEachAllocationFailure(const std::function<void()> &call, const Check &check) {
   return forEachFailure(failAllocationFrom, call, check);
 }
-long forEachSingleAllocationFailure(const std::function<void()> &call,
-                                    const std::function<void(long k, bool refused)> &check) {
+long forEachSingleAllocationFailure(const std::function<void()> &call, const Check &check) {
   return forEachFailure(failOnlyAllocation, call, check);
 }
 

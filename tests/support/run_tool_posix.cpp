@@ -1,35 +1,31 @@
 // SPDX-License-Identifier: MIT
-// runTool on POSIX: fork, redirect, exec.
+// The tool's process on POSIX: fork, redirect, exec.
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <stdexcept>
-
-#include "tests/support/test_support.h"
+#include <string>
+#include <vector>
 
 namespace fskit::test {
 
-ToolResult runTool(const std::vector<std::string> &args, const std::string &input,
-                   const std::string &workDir) {
-  TempDir io;
-  std::string inPath = io.file("in"), outPath = io.file("out"), errPath = io.file("err");
-  writeFile(inPath, input);
+int toolStatus(const std::vector<std::string> &args, const std::string &in, const std::string &out,
+               const std::string &err, const std::string &workDir) {
   pid_t child = fork();
   if (child < 0) throw std::runtime_error("fork failed");
   if (child == 0) {
-    int in = open(inPath.c_str(), O_RDONLY);
-    int out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    int err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (in < 0 || out < 0 || err < 0) _exit(127);
-    dup2(in, STDIN_FILENO);
-    dup2(out, STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
+    int input = open(in.c_str(), O_RDONLY);
+    int output = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    int errors = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (input < 0 || output < 0 || errors < 0) _exit(127);
+    dup2(input, STDIN_FILENO);
+    dup2(output, STDOUT_FILENO);
+    dup2(errors, STDERR_FILENO);
     if (!workDir.empty() && chdir(workDir.c_str()) != 0) _exit(127);
-    std::vector<char *> argv;
     std::string tool = FSKIT_TOOL_PATH;
-    argv.push_back(tool.data());
     std::vector<std::string> copies(args);
+    std::vector<char *> argv{tool.data()};
     for (auto &arg : copies) argv.push_back(arg.data());
     argv.push_back(nullptr);
     execv(tool.c_str(), argv.data());
@@ -37,11 +33,7 @@ ToolResult runTool(const std::vector<std::string> &args, const std::string &inpu
   }
   int status = 0;
   waitpid(child, &status, 0);
-  ToolResult result;
-  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  result.out = readText(outPath);
-  result.err = readText(errPath);
-  return result;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 }  // namespace fskit::test

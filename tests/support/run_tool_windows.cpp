@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// runTool on Windows: CreateProcess with the standard handles on files.
+// The tool's process on Windows: CreateProcess with the standard handles on files.
 #include <windows.h>
 
 #include <stdexcept>
-
-#include "tests/support/test_support.h"
+#include <string>
+#include <vector>
 
 namespace fskit::test {
 namespace {
@@ -39,23 +39,20 @@ HANDLE openInherited(const std::string &path, bool write) {
 
 }  // namespace
 
-ToolResult runTool(const std::vector<std::string> &args, const std::string &input,
-                   const std::string &workDir) {
-  TempDir io;
-  std::string inPath = io.file("in"), outPath = io.file("out"), errPath = io.file("err");
-  writeFile(inPath, input);
+int toolStatus(const std::vector<std::string> &args, const std::string &in, const std::string &out,
+               const std::string &err, const std::string &workDir) {
   std::string tool = FSKIT_TOOL_PATH;
   std::string commandLine = quoted(tool);
   for (const std::string &arg : args) commandLine += " " + quoted(arg);
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdInput = openInherited(inPath, false);
-  startup.hStdOutput = openInherited(outPath, true);
-  startup.hStdError = openInherited(errPath, true);
+  startup.hStdInput = openInherited(in, false);
+  startup.hStdOutput = openInherited(out, true);
+  startup.hStdError = openInherited(err, true);
   PROCESS_INFORMATION process = {};
-  // wine now and then fails to start a process it starts the next time:
-  // three tries, a moment apart (CreateProcessA may write into its line).
+  // wine now and then fails to start a process it starts the next time: three tries, a moment
+  // apart (CreateProcessA may write into its line).
   BOOL started = FALSE;
   DWORD error = 0;
   for (int attempt = 0; attempt < 3 && !started; ++attempt) {
@@ -75,13 +72,9 @@ ToolResult runTool(const std::vector<std::string> &args, const std::string &inpu
   GetExitCodeProcess(process.hProcess, &code);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
-  ToolResult result;
-  // An exception (access violation and the like) ends a process with its
-  // NTSTATUS code, where POSIX would report a signal.
-  result.status = code >= 0xC0000000u ? -1 : int(code);
-  result.out = readText(outPath);
-  result.err = readText(errPath);
-  return result;
+  // An exception (access violation and the like) ends a process with its NTSTATUS code, where
+  // POSIX would report a signal.
+  return code >= 0xC0000000u ? -1 : int(code);
 }
 
 }  // namespace fskit::test

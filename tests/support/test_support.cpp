@@ -17,22 +17,35 @@
 
 namespace fskit::test {
 
+// Runs the tool on the files `in`, `out` and `err`: run_tool_posix.cpp, run_tool_windows.cpp.
+int toolStatus(const std::vector<std::string> &args, const std::string &in, const std::string &out,
+               const std::string &err, const std::string &workDir);
+
 namespace {
+
+// Puts `path`, opened with `flags`, on descriptor `fd`; returns a copy of what was there.
+int redirect(int fd, const std::string &path, int flags) {
+  int saved = dup(fd);
+  int file = open(path.c_str(), flags, 0600);
+  if (saved < 0 || file < 0) throw std::runtime_error("cannot redirect to " + path);
+  dup2(file, fd);
+  close(file);
+  return saved;
+}
+
+void restore(int fd, int saved) {
+  dup2(saved, fd);
+  close(saved);
+}
 
 std::string capture(std::FILE *stream, int fd, const std::function<void()> &body) {
   TempDir dir;
-  std::string path = dir.file("capture");
   std::fflush(stream);
-  int saved = dup(fd);
-  int target = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  if (saved < 0 || target < 0) throw std::runtime_error("capture: cannot redirect");
-  dup2(target, fd);
-  close(target);
+  int saved = redirect(fd, dir.file("capture"), O_WRONLY | O_CREAT | O_TRUNC);
   body();
   std::fflush(stream);
-  dup2(saved, fd);
-  close(saved);
-  return readText(path);
+  restore(fd, saved);
+  return readText(dir.file("capture"));
 }
 
 std::string readWhole(const std::string &path, std::ios::openmode mode) {
@@ -48,16 +61,19 @@ void writeWhole(const std::string &path, const std::string &content, std::ios::o
   if (!out) throw std::runtime_error("cannot write " + path);
 }
 
+// A path in $TMPDIR (POSIX) or %TEMP% (Windows) that this process has not named before.
+std::string freshPath(const std::string &kind) {
+  static std::atomic<unsigned> counter{0};
+  static const std::string seed = std::to_string(std::random_device{}());
+  std::string name = "fskit-" + kind + "-" + seed + "-" + std::to_string(counter++);
+  return (std::filesystem::temp_directory_path() / name).string();
+}
+
 // An empty read-write binary stream whose file is removed when it is closed.
 std::FILE *scratchStream() {
 #if defined(_WIN32)
-  // The C runtime's tmpfile() writes to the drive's root; this goes to
-  // %TEMP%, and "D" deletes it at its close.
-  static std::atomic<unsigned> counter{0};
-  auto name = "fskit-scratch-" + std::to_string(std::random_device{}()) + "-" +
-              std::to_string(counter++);
-  std::string path = (std::filesystem::temp_directory_path() / name).string();
-  std::FILE *stream = std::fopen(path.c_str(), "w+bD");
+  // tmpfile() writes to the drive's root there; "D" deletes the file at its close.
+  std::FILE *stream = std::fopen(freshPath("scratch").c_str(), "w+bD");
 #else
   std::FILE *stream = std::tmpfile();
 #endif
@@ -75,18 +91,11 @@ std::string captureStderr(const std::function<void()> &body) {
   return capture(stderr, STDERR_FILENO, body);
 }
 
+// Under a name nobody else has, as creating the directory proves.
 TempDir::TempDir() {
-  // $TMPDIR (POSIX) or %TEMP% (Windows); a name nobody else has, as creating
-  // the directory proves.
-  static std::atomic<unsigned> counter{0};
-  std::filesystem::path root = std::filesystem::temp_directory_path();
-  unsigned seed = std::random_device{}();
   for (int attempt = 0; attempt < 100; ++attempt) {
-    auto name = "fskit-test-" + std::to_string(seed) + "-" + std::to_string(counter++);
-    if (std::filesystem::create_directory(root / name)) {
-      path_ = (root / name).string();
-      return;
-    }
+    path_ = freshPath("test");
+    if (std::filesystem::create_directory(path_)) return;
   }
   throw std::runtime_error("no temporary directory could be made");
 }
@@ -95,8 +104,6 @@ TempDir::~TempDir() {
   std::error_code ignored;
   std::filesystem::remove_all(path_, ignored);
 }
-
-std::string TempDir::file(const std::string &name) const { return path_ + "/" + name; }
 
 ChangeDir::ChangeDir(const std::string &path) {
   previous_ = std::filesystem::current_path().string();
@@ -108,23 +115,15 @@ ChangeDir::~ChangeDir() {
   std::filesystem::current_path(previous_, ignored);
 }
 
-StdinFrom::StdinFrom(const std::string &content) : saved_(dup(STDIN_FILENO)) {
-  std::string path = dir_.file("stdin");
-  writeFile(path, content);
-  int file = open(path.c_str(), O_RDONLY);
-  if (saved_ < 0 || file < 0) throw std::runtime_error("StdinFrom: cannot redirect");
-  dup2(file, STDIN_FILENO);
-  close(file);
+StdinFrom::StdinFrom(const std::string &content) {
+  writeFile(dir_.file("stdin"), content);
+  saved_ = redirect(STDIN_FILENO, dir_.file("stdin"), O_RDONLY);
 }
 
-StdinFrom::~StdinFrom() {
-  dup2(saved_, STDIN_FILENO);
-  close(saved_);
-}
+StdinFrom::~StdinFrom() { restore(STDIN_FILENO, saved_); }
 
 std::string readFile(const std::string &path) { return readWhole(path, std::ios::binary); }
 
-// Text mode differs from binary on Windows only, where it reads CR LF as LF.
 std::string readText(const std::string &path) { return readWhole(path, std::ios::in); }
 
 void writeFile(const std::string &path, const std::string &content) {
@@ -168,6 +167,17 @@ void setTimeZone(const char *zone) {
   setenv("TZ", zone, 1);
   tzset();
 #endif
+}
+
+ToolResult runTool(const std::vector<std::string> &args, const std::string &input,
+                   const std::string &workDir) {
+  TempDir io;
+  writeFile(io.file("in"), input);
+  ToolResult result;
+  result.status = toolStatus(args, io.file("in"), io.file("out"), io.file("err"), workDir);
+  result.out = readText(io.file("out"));
+  result.err = readText(io.file("err"));
+  return result;
 }
 
 AfterEachTest::AfterEachTest(std::function<void()> reset) {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Helpers shared by the test programs: capturing the standard streams,
-// temporary directories, files and running the fskit tool.
+// Helpers of the test programs: standard streams, temporary directories and files, the tool.
 #pragma once
 
 #include <cstddef>
@@ -11,8 +10,7 @@
 
 namespace fskit::test {
 
-// Runs `body` with standard output (or error) redirected to a file and
-// returns what was written, at the C library and the descriptor level.
+// What `body` writes on standard output (or error), at the stdio and the descriptor level.
 std::string captureStdout(const std::function<void()> &body);
 std::string captureStderr(const std::function<void()> &body);
 
@@ -24,8 +22,7 @@ class TempDir {
   TempDir(const TempDir &) = delete;
   TempDir &operator=(const TempDir &) = delete;
   const std::string &path() const { return path_; }
-  // path() + "/" + name
-  std::string file(const std::string &name) const;
+  std::string file(const std::string &name) const { return path_ + "/" + name; }
 
  private:
   std::string path_;
@@ -43,8 +40,7 @@ class ChangeDir {
   std::string previous_;
 };
 
-// Makes `content` the process's standard input (descriptor 0, read from a
-// file) until destroyed.
+// Makes `content` standard input (descriptor 0, read from a file) until destroyed.
 class StdinFrom {
  public:
   explicit StdinFrom(const std::string &content);
@@ -58,19 +54,16 @@ class StdinFrom {
 };
 
 std::string readFile(const std::string &path);
-// A text file as a program reading text sees it: on Windows, where the C
-// library writes a line end as CR LF, CR LF comes back as LF. Captured output
-// and the tool's output are read this way.
+// As a program reading text sees it: CR LF comes back as LF on Windows. Captured output and the
+// tool's output are read this way.
 std::string readText(const std::string &path);
 void writeFile(const std::string &path, const std::string &content);
-// Writes a text file as a program writing text does: LF becomes CR LF on
-// Windows, where a text stream's seeks are only right on such files.
+// As a program writing text does: LF becomes CR LF on Windows.
 void writeText(const std::string &path, const std::string &content);
 bool fileExists(const std::string &path);
 
-// A binary stream that `text` is read from, closed by the caller with
-// fclose (a temporary file that goes with it, so it works where the C
-// library has no memory streams).
+// A binary stream that `text` is read from, closed by the caller with fclose (a temporary
+// file, for C libraries without memory streams).
 std::FILE *streamOf(const std::string &text);
 // What `write` puts on a fresh binary stream, byte for byte.
 std::string writtenTo(const std::function<void(std::FILE *)> &write);
@@ -84,16 +77,13 @@ struct ToolResult {
   std::string err;
 };
 
-// Runs the built fskit tool with `args`, feeding `input` on standard input,
-// in directory `workDir` (the current directory when empty). Its output is
-// read as text (readText).
+// Runs the built fskit tool with `args` and `input` on standard input, in `workDir` (when not
+// empty); its output is read as text.
 ToolResult runTool(const std::vector<std::string> &args, const std::string &input = "",
                    const std::string &workDir = "");
 
-// Runs `reset` after every test case of the program, so that the cases also
-// pass one after another in one process (the quick run) where they change
-// process-wide state: define one at namespace scope,
-//   const fskit::test::AfterEachTest reset{[] { ... }};
+// Runs `reset` after every test case, so that cases changing process-wide state also pass one
+// after another in one process (the quick run): const fskit::test::AfterEachTest reset{...};
 struct AfterEachTest {
   explicit AfterEachTest(std::function<void()> reset);
 };

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Dates from many threads: conversions that go through local time (seconds,
-// the asctime text, file times) must not share a buffer between threads.
+// Dates through local time (seconds, the asctime text, file times) share no buffer between threads.
+#include <fskit/datetime.h>
+#include <fskit/files.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <utime.h>
 
 #include <cstdio>
 #include <cstring>
 #include <string>
-
-#include <fskit/datetime.h>
-#include <fskit/files.h>
 
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
@@ -35,28 +32,24 @@ void makeDatedFiles() {
 std::string datesRound(int worker, int round) {
   std::string out;
   char text[64];
-  // Seconds since 1970 go through local time and the asctime text.
   long long seconds = 800000000LL + (worker * 131 + round) % 500 * 7919LL * 3600;
   std::string input = std::to_string(seconds);
   for (int layout : {4, 6, 8, 10}) {
     text[0] = '\0';  // a failed conversion leaves the output as it was
     fsDateTime(9, input.c_str(), layout, text, "", 0);
-    out += text;
-    out += '|';
+    out += std::string(text) + "|";
   }
-  // A calendar date through every output layout and back through seconds.
+  // A calendar date to seconds and back.
   std::snprintf(text, sizeof text, "%d/%d/%d", 1 + round % 12, 1 + (worker * 3 + round) % 28,
                 1950 + round % 90);
   char stamp[64] = "", back[64] = "";
   fsDateTime(0, text, 9, stamp, "", 0);
   fsDateTime(9, stamp, 3, back, "", 0);
   out += std::string(stamp) + "|" + back + "|" + std::to_string(fsWeekday(1950 + round % 90, 3, 7));
-  // File times go through local time too.
   double value = 0;
   fsLastModified(datedFile(worker).c_str(), text, &value);
   out += std::string("|") + text;
-  // The current time has the asctime layout, whatever the other threads do
-  // (its text is per thread: ThreadSanitizer reports a shared one).
+  // The text is per thread: ThreadSanitizer reports a shared one.
   out += std::strlen(fsNowAscTime()) == 24 ? "|now" : "|bad now";
   return out;
 }

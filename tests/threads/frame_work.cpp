@@ -1,23 +1,20 @@
 // SPDX-License-Identifier: MIT
-// Messages from many threads: the registered functions, the log file and
-// whole messages on the screen and in the log.
+// Messages from many threads: the registered functions, the log file, and whole messages.
+#include <fskit/frame.h>
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <set>
 #include <sstream>
 #include <string>
-#include <vector>
-
-#include <fskit/frame.h>
 
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
 
 namespace {
 
-// Three texts in one message, so that a message split by another thread's
-// output shows up as lines out of order.
+// Three texts in one message, so that a message split by another thread's output shows up as
+// lines out of order.
 int32_t sendThreeParts(int worker, int round) {
   char texts[3][64];
   char *pointers[3];
@@ -29,8 +26,8 @@ int32_t sendThreeParts(int worker, int round) {
   return fsMessages("stress", &count, codes, aux, pointers);
 }
 
+// Worker 0 switches the log file on and off while the others write to it.
 std::string messagesRound(int worker, int round) {
-  // Worker 0 switches the log file on and off while the others write to it.
   if (worker == 0 && round % 10 == 0)
     fsRegisterMsgLog(round % 20 == 0 ? fsDefaultMsgLogFunction : nullptr);
   fsMessage("stress", 0, 0, "worker %d round %d", worker, round);
@@ -43,26 +40,22 @@ std::string messagesRound(int worker, int round) {
 
 const fskit::stress::Registration messages{{"messages", 1000, messagesRound}};
 
-// Every message of `lines` has its three parts on consecutive lines, and
-// every message sent is there once.
-void expectWholeMessages(const std::string &output, int threads, int perThread) {
+// Every message has its three parts on consecutive lines, and each of `count` is there once.
+void expectWholeMessages(const std::string &output, size_t count) {
   std::istringstream in(output);
-  std::string line;
   std::set<std::string> seen;
-  std::vector<std::string> parts;
-  while (std::getline(in, line)) {
-    parts.push_back(line);
-    if (parts.size() < 3) continue;
+  for (std::string first; std::getline(in, first);) {
     int worker = -1, round = -1;
-    ASSERT_EQ(std::sscanf(parts[0].c_str(), "stress: w%d m%d part0", &worker, &round), 2) << parts[0];
-    for (int part = 1; part < 3; ++part)
-      EXPECT_EQ(parts[size_t(part)], "stress: w" + std::to_string(worker) + " m" +
-                                         std::to_string(round) + " part" + std::to_string(part));
-    EXPECT_TRUE(seen.insert(parts[0]).second) << parts[0];
-    parts.clear();
+    ASSERT_EQ(std::sscanf(first.c_str(), "stress: w%d m%d part0", &worker, &round), 2) << first;
+    std::string prefix = "stress: w" + std::to_string(worker) + " m" + std::to_string(round);
+    for (const char *part : {" part1", " part2"}) {
+      std::string line;
+      std::getline(in, line);
+      EXPECT_EQ(line, prefix + part);
+    }
+    EXPECT_TRUE(seen.insert(first).second) << first;
   }
-  EXPECT_TRUE(parts.empty());
-  EXPECT_EQ(seen.size(), size_t(threads * perThread));
+  EXPECT_EQ(seen.size(), count);
 }
 
 TEST(MessageThreads, MessagesArriveWholeOnTheScreenAndInTheLog) {
@@ -76,9 +69,9 @@ TEST(MessageThreads, MessagesArriveWholeOnTheScreenAndInTheLog) {
     });
   });
   fsRegisterMsgLog(nullptr);  // closes the log file
-  expectWholeMessages(screen, fskit::stress::kThreads, kPerThread);
-  expectWholeMessages(fskit::test::readText(dir.file("fsmessage.log")), fskit::stress::kThreads,
-                      kPerThread);
+  expectWholeMessages(screen, fskit::stress::kThreads * kPerThread);
+  expectWholeMessages(fskit::test::readText(dir.file("fsmessage.log")),
+                      fskit::stress::kThreads * kPerThread);
 }
 
 }  // namespace

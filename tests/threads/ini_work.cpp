@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Stress workloads of the INI family: one document read by every worker at
-// once (its name indexes still to be built when the threads start), one
-// document per worker set, written and read back, and a walk beside readers.
-// Then readers starting at once on long lists not yet indexed, and a writer
-// changing values of a handle that readers and walkers use.
+// INI workloads: one document read by all workers, own documents, a walk beside readers;
+// then readers on indexes still behind, and a writer beside readers and walkers.
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <latch>
 #include <mutex>
@@ -25,9 +21,8 @@
 
 namespace {
 
-// More paragraphs and topics than a plain scan serves, so that lookups go
-// through the hash index, and so many paragraphs that catching their index
-// up takes long enough for other readers to arrive meanwhile.
+// Enough paragraphs and topics that lookups go through the hash index, and that catching the
+// index up takes long enough for other readers to arrive meanwhile.
 constexpr int kParagraphs = 300;
 constexpr int kTopics = 24;
 
@@ -35,20 +30,10 @@ std::string expectedValue(const std::string &paragraph, const std::string &topic
   return paragraph + "." + topic;
 }
 
-// Every paragraph "S<p>" has topics "k<t>" = "S<p>.k<t>", then a second
-// "k0" that a lookup never finds; a second "S3" comes last, never found
-// either.
-std::string sharedText() {
-  std::string text;
-  for (int p = 0; p < kParagraphs; ++p) {
-    std::string name = "S" + std::to_string(p);
-    text += "[" + name + "]\n";
-    for (int t = 0; t < kTopics; ++t)
-      text += "k" + std::to_string(t) + " = " + expectedValue(name, "k" + std::to_string(t)) + "\n";
-    text += "k0 = second\n";
-  }
-  text += "[S3]\nk1 = second\n";
-  return text;
+// The value fsIniGetValue finds, or "-".
+std::string valueOf(int32_t handle, const std::string &paragraph, const std::string &topic) {
+  char value[1100];
+  return fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, nullptr) == 1 ? value : "-";
 }
 
 std::string sharedPath() { return fskit::stress::scratchDir() + "/shared.ini"; }
@@ -65,15 +50,24 @@ std::atomic<int32_t> shared{0};
 std::thread::id setUpThread;
 std::once_flag rereadOnce;
 
+// "S<p>" has "k<t>" = "S<p>.k<t>", then a second "k0"; a second "S3" comes last. Lookups find
+// neither second one.
 void setUpShared() {
-  fskit::test::writeFile(sharedPath(), sharedText());
+  std::string text;
+  for (int p = 0; p < kParagraphs; ++p) {
+    std::string name = "S" + std::to_string(p);
+    text += "[" + name + "]\n";
+    for (int t = 0; t < kTopics; ++t)
+      text += "k" + std::to_string(t) + " = " + expectedValue(name, "k" + std::to_string(t)) + "\n";
+    text += "k0 = second\n";
+  }
+  fskit::test::writeFile(sharedPath(), text + "[S3]\nk1 = second\n");
   shared = openRetrying(sharedPath(), true);
   setUpThread = std::this_thread::get_id();
 }
 
-// The shared handle. The one-thread pass has built its name indexes, so the
-// first call from a worker thread reads the document again, the others
-// waiting: the threads then start on indexes that are all behind.
+// The first call from a worker reads the document again (the one-thread pass built its
+// indexes), the others waiting: the workers start on indexes that are all behind.
 int32_t sharedHandle() {
   if (std::this_thread::get_id() != setUpThread)
     std::call_once(rereadOnce, [] {
@@ -83,37 +77,30 @@ int32_t sharedHandle() {
   return shared;
 }
 
-// "value;" for each of a spread of lookups, through both ways of asking; a
-// topic past the last ("k24") has no value and gives "-".
+// "value;" for a spread of lookups through both ways of asking; "k24" has no value: "-".
 std::string sharedReads(int worker, int round) {
   int32_t handle = sharedHandle();
   std::string out;
-  char value[64];
   for (int i = 0; i < 40; ++i) {
     std::string paragraph = "S" + std::to_string((worker * 7 + round * 3 + i) % kParagraphs);
     std::string topic = "k" + std::to_string((worker + round * 5 + i * 11) % (kTopics + 1));
     char *copy = fskit::ini::copyValueOf(handle, paragraph.c_str(), topic.c_str());
     out += copy != nullptr ? copy : "-";
-    if (copy != nullptr &&
-        fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, nullptr) == 1 &&
-        copy != std::string(value))
-      out += "(differs)";
+    if (copy != nullptr && valueOf(handle, paragraph, topic) != copy) out += "(differs)";
     std::free(copy);
     out += ";";
   }
   return out;
 }
 
-// Worker 0 walks the whole shared document, the only walk in the process
-// while the others look values up.
+// Worker 0 walks the shared document, the only walk in the process, beside the readers.
 std::string walkBesideReaders(int worker, int round) {
   if (worker != 0) return sharedReads(worker, round);
   return fskit::test::iniWalk(sharedHandle(), ";");
 }
 
-// Each worker sets a document of its own, writes it, reads it back and
-// reports a spread of its values. At most six such documents are open at
-// once, so that with the shared one and another family's the slots suffice.
+// Each worker sets, writes and reads back a document of its own. At most six are open at once,
+// so that with the shared one and another family's the slots suffice.
 std::counting_semaphore<6> ownSlots{6};
 
 std::string ownDocument(int worker, int round) {
@@ -126,15 +113,11 @@ std::string ownDocument(int worker, int round) {
     for (int t = 0; t < 18; ++t)
       fsIniSetValue(handle, name('P', p).c_str(), name('t', t).c_str(),
                     (tag + ":" + std::to_string(p * t)).c_str(), t == 0 ? "first" : "");
-  char value[64];
-  std::string out = fsIniGetValue(handle, "P17", "t17", value, nullptr) == 1 ? value : "-";
+  std::string out = valueOf(handle, "P17", "t17");
   out += fsIniWriteFile(handle) == 1 ? " written;" : " not written;";
   handle = openRetrying(path, true);
   for (int i = 0; i < 18; ++i) {
-    int p = (i * 5 + round) % 18, t = (i * 7 + worker) % 18;
-    if (fsIniGetValue(handle, name('P', p).c_str(), name('t', t).c_str(), value, nullptr) == 1)
-      out += value;
-    out += ";";
+    out += valueOf(handle, name('P', (i * 5 + round) % 18), name('t', (i * 7 + worker) % 18)) + ";";
   }
   fsIniReleaseFile(handle);
   ownSlots.release();
@@ -145,36 +128,28 @@ const fskit::stress::Registration sharedWork{{"ini shared reads", 150, sharedRea
 const fskit::stress::Registration walkWork{{"ini walk beside readers", 10, walkBesideReaders}};
 const fskit::stress::Registration ownWork{{"ini own documents", 30, ownDocument}};
 
-// Readers that all start at once on a document just read, with long lists
-// of paragraphs and lines: they all find the indexes behind, and all must
+// Readers starting at once on long lists just read all find the indexes behind, and all must
 // get the first matches.
 TEST(IniThreads, ReadersAtOnceOnIndexesBehind) {
   constexpr int kLong = 3000;
-  std::string text;
-  for (int i = 0; i < kLong; ++i)
-    text += "[P" + std::to_string(i) + "]\nt = " + std::to_string(i) + "\n";
-  text += "[Last]\n";
-  for (int i = 0; i < kLong; ++i)
-    text += "k" + std::to_string(i) + " = " + std::to_string(i) + "\n";
-  text += "k0 = second\n[P0]\nt = second\n";
+  std::string paragraphs, last = "[Last]\n";
+  for (int i = 0; i < kLong; ++i) {
+    std::string n = std::to_string(i);
+    paragraphs += "[P" + n + "]\nt = " + n + "\n";
+    last += "k" + n + " = " + n + "\n";
+  }
   const std::string path = fskit::stress::scratchDir() + "/behind.ini";
-  fskit::test::writeFile(path, text);
+  fskit::test::writeFile(path, paragraphs + last + "k0 = second\n[P0]\nt = second\n");
   int32_t handle = openRetrying(path, true);
 
   std::latch together(4);
   std::atomic<long> bad{0};
   auto reader = [&](int seed) {
     together.arrive_and_wait();
-    char value[64];
     for (int i = 0; i < 200; ++i) {
-      int n = (seed * 13 + i * 101) % kLong;
-      std::string topic = "k" + std::to_string(n), paragraph = "P" + std::to_string(n);
-      if (fsIniGetValue(handle, "Last", topic.c_str(), value, nullptr) != 1 ||
-          value != std::to_string(n))
-        ++bad;
-      if (fsIniGetValue(handle, paragraph.c_str(), "t", value, nullptr) != 1 ||
-          value != std::to_string(n))
-        ++bad;
+      std::string n = std::to_string((seed * 13 + i * 101) % kLong);
+      bad += valueOf(handle, "Last", "k" + n) != n;
+      bad += valueOf(handle, "P" + n, "t") != n;
     }
   };
   fskit::stress::onThreads(4, reader);
@@ -182,56 +157,48 @@ TEST(IniThreads, ReadersAtOnceOnIndexesBehind) {
   EXPECT_EQ(bad.load(), 0);
 }
 
-// A writer sets one topic of a shared handle to values of very different
-// lengths, each all one letter, and keeps adding topics and paragraphs;
-// readers and walkers check that every value they get is whole: one of
-// those written, or the expected value of a topic that never changes.
+// A writer sets one topic to one-letter values of very different lengths and keeps adding
+// topics and paragraphs; readers and two walkers sharing the one walk must only get values
+// that are whole: one of those written, or the unchanging value of another topic.
 TEST(IniThreads, ReadersNeverSeeATornValue) {
   const std::vector<std::string> written = {std::string(1000, 'a'), "b", std::string(300, 'c'),
                                             std::string(17, 'd'), std::string(700, 'e')};
   auto isWritten = [&](const std::string &value) { return std::ranges::count(written, value) > 0; };
   int32_t handle = openRetrying(fskit::stress::scratchDir() + "/torn.ini", false);
+  auto set = [handle](const std::string &paragraph, const std::string &topic) {
+    fsIniSetValue(handle, paragraph.c_str(), topic.c_str(),
+                  expectedValue(paragraph, topic).c_str(), "");
+  };
   for (int p = 0; p < 20; ++p)
-    for (int t = 0; t < 20; ++t) {
-      std::string paragraph = "Q" + std::to_string(p), topic = "f" + std::to_string(t);
-      fsIniSetValue(handle, paragraph.c_str(), topic.c_str(),
-                    expectedValue(paragraph, topic).c_str(), "");
-    }
+    for (int t = 0; t < 20; ++t) set("Q" + std::to_string(p), "f" + std::to_string(t));
   fsIniSetValue(handle, "Q0", "v", written[0].c_str(), "");
 
   std::atomic<bool> writing{true};
   std::atomic<int> started{0};
   std::atomic<long> bad{0}, reads{0}, walked{0};
   auto writer = [&] {
-    while (started < 5) std::this_thread::yield();  // the three readers and the walkers
+    while (started < 5) std::this_thread::yield();  // the three readers and the two walkers
     for (int i = 0; i < 3000 || reads < 20000; ++i) {
       fsIniSetValue(handle, "Q0", "v", written[size_t(i) % written.size()].c_str(), "");
-      if (i % 10 == 0 &&
-          i < 3000) {  // a topic that grows the lines of Q0, a paragraph that grows the list
-        std::string topic = "n" + std::to_string(i), paragraph = "R" + std::to_string(i);
-        fsIniSetValue(handle, "Q0", topic.c_str(), expectedValue("Q0", topic).c_str(), "");
-        fsIniSetValue(handle, paragraph.c_str(), "f0", expectedValue(paragraph, "f0").c_str(), "");
+      if (i % 10 == 0 && i < 3000) {
+        set("Q0", "n" + std::to_string(i));
+        set("R" + std::to_string(i), "f0");
       }
     }
     writing = false;
   };
   auto reader = [&](int seed) {
-    char value[1100];
     ++started;
     for (int i = seed; writing; ++i) {
       std::string paragraph = "Q" + std::to_string(i % 20), topic = "f" + std::to_string(i % 19);
-      if (fsIniGetValue(handle, "Q0", "v", value, nullptr) != 1 || !isWritten(value)) ++bad;
+      bad += !isWritten(valueOf(handle, "Q0", "v"));
       char *copy = fskit::ini::copyValueOf(handle, "Q0", "v");
-      if (copy == nullptr || !isWritten(copy)) ++bad;
+      bad += copy == nullptr || !isWritten(copy);
       std::free(copy);
-      if (fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, nullptr) != 1 ||
-          value != expectedValue(paragraph, topic))
-        ++bad;
+      bad += valueOf(handle, paragraph, topic) != expectedValue(paragraph, topic);
       ++reads;
     }
   };
-  // Two walkers share the one walk: neither sees all values, but every one
-  // delivered must be whole.
   auto walker = [&] {
     char paragraph[64], topic[64], value[1100];
     ++started;

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
-// Stress workloads of the sort family: the typed sorts on several key types,
-// the comparators that qsort calls, fsQsort, and file sorts whose work files
-// lie side by side in one directory. Then two file sorts given one prefix.
+// Sort workloads: typed sorts, the comparators qsort calls, fsQsort, and file sorts with their
+// work files side by side; then two file sorts given one prefix.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <numeric>
 #include <random>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,9 +22,7 @@
 #include "tests/threads/stress.h"
 
 #if !defined(_WIN32)
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #endif
 
 namespace {
@@ -32,17 +30,18 @@ namespace {
 using Bytes = std::vector<unsigned char>;
 
 // A short text for the bytes of the sorted results.
-struct Hash {
+template <class... Vectors>
+std::string hashOf(const Vectors &...vectors) {
   std::string bytes;
-  void add(const void *data, size_t size) { bytes.append(static_cast<const char *>(data), size); }
-  template <class T> void add(const std::vector<T> &items) { add(items.data(), items.size() * sizeof(T)); }
-  std::string text() const { return std::to_string(std::hash<std::string>{}(bytes)); }
-};
+  (bytes.append(reinterpret_cast<const char *>(vectors.data()), vectors.size() * sizeof vectors[0]),
+   ...);
+  return std::to_string(std::hash<std::string>{}(bytes));
+}
 
 std::mt19937 randomFor(int worker, int round) { return std::mt19937(unsigned(worker * 7919 + round)); }
 
-// Records of `size` bytes: random bytes, a text key of up to 9 letters at
-// `textAt` when that is not negative.
+// `n` records of `size` random bytes, with a text key of up to 9 letters at `textAt` unless
+// that is negative.
 Bytes records(std::mt19937 &random, int n, int size, int textAt = -1) {
   Bytes data(size_t(n) * size_t(size));
   for (unsigned char &byte : data) byte = static_cast<unsigned char>(random());
@@ -64,7 +63,7 @@ std::vector<int32_t> firstNumbers(int n) {
 
 std::string typedRound(int worker, int round) {
   std::mt19937 random = randomFor(worker, round);
-  Hash hash;
+  std::string out;
   for (int n : {30, 700 + 50 * worker}) {
     Bytes wide = records(random, n, 12);  // radix on the records
     fsSort(FS_SORT_LONG_DESC, 4, 12, n, wide.data());
@@ -85,32 +84,9 @@ std::string typedRound(int worker, int round) {
     std::vector<int64_t> payload(static_cast<size_t>(n));
     std::iota(payload.begin(), payload.end(), int64_t(worker) << 32);
     fsSortArrays(FS_SORT_FLOAT_DESC, n, 2, 4L, keys.data(), 8L, payload.data());
-    for (const Bytes &sorted : {wide, doubles, texts}) hash.add(sorted);
-    hash.add(byShort);
-    hash.add(byText);
-    hash.add(keys);
-    hash.add(payload);
+    out += hashOf(wide, doubles, texts, byShort, byText, keys, payload) + " ";
   }
-  return hash.text();
-}
-
-// The comparators read the calling thread's sort context: another thread's
-// sizes and offsets would give another order.
-std::string comparatorRound(int worker, int round) {
-  using namespace fskit::sort;
-  std::mt19937 random = randomFor(worker, round);
-  const int size = 14 + worker, offset = 1 + round % 4, n = 400;
-  Bytes texts = records(random, n, size, offset);
-  sortContext() = {offset, nullptr, size};
-  std::qsort(texts.data(), n, size_t(size), comparator(FS_SORT_STRING_DESC, kElementField));
-  Bytes numbers = records(random, n, size);
-  std::vector<int32_t> index = firstNumbers(n);
-  sortContext() = {offset, numbers.data(), size};
-  std::qsort(index.data(), n, sizeof(int32_t), comparator(FS_SORT_SHORT, kIndexedField));
-  Hash hash;
-  hash.add(texts);
-  hash.add(index);
-  return hash.text();
+  return out;
 }
 
 struct Pair {
@@ -122,18 +98,27 @@ int comparePairs(const void *a, const void *b) {
   return x->key < y->key ? -1 : x->key > y->key;
 }
 
-std::string qsortRound(int worker, int round) {
+// The comparators read the calling thread's sort context: another thread's sizes and offsets
+// would give another order. fsQsort with a comparator of the caller's beside them.
+std::string comparatorRound(int worker, int round) {
+  using namespace fskit::sort;
   std::mt19937 random = randomFor(worker, round);
+  const int size = 14 + worker, offset = 1 + round % 4, n = 400;
+  Bytes texts = records(random, n, size, offset);
+  sortContext() = {offset, nullptr, size};
+  std::qsort(texts.data(), n, size_t(size), comparator(FS_SORT_STRING_DESC, kElementField));
+  Bytes numbers = records(random, n, size);
+  std::vector<int32_t> index = firstNumbers(n);
+  sortContext() = {offset, numbers.data(), size};
+  std::qsort(index.data(), n, sizeof(int32_t), comparator(FS_SORT_SHORT, kIndexedField));
   std::vector<Pair> pairs(static_cast<size_t>(500 + 40 * round));
   for (size_t k = 0; k < pairs.size(); ++k) pairs[k] = {int32_t(random() % 64), int32_t(k)};
   fsQsort(pairs.data(), uint32_t(pairs.size()), sizeof(Pair), comparePairs);
-  Hash hash;
-  hash.add(pairs);
-  return hash.text();
+  return hashOf(texts, index, pairs);
 }
 
-// Every worker sorts its own file with its own prefix, in the one directory:
-// ten chunks, or thirty (two merge passes).
+// Every worker sorts its own file with its own prefix, in the one directory: ten chunks, or
+// thirty (two merge passes).
 std::string fileRound(int worker, int round) {
   std::mt19937 random = randomFor(worker, round);
   const std::string dir = fskit::stress::scratchDir(), name = "w" + std::to_string(worker);
@@ -147,22 +132,18 @@ std::string fileRound(int worker, int round) {
   int left = 0;
   for (const auto &entry : std::filesystem::directory_iterator(dir))
     left += entry.path().filename().string().rfind(name + "_sort_", 0) == 0;
-  Hash hash;
-  std::string sorted = fskit::test::readFile(output);
-  hash.add(sorted.data(), sorted.size());
-  return std::to_string(result) + " " + hash.text() + " left " + std::to_string(left);
+  return std::to_string(result) + " " + hashOf(fskit::test::readFile(output)) + " left " +
+         std::to_string(left);
 }
 
 const fskit::stress::Registration typed{{"sort-typed", 40, typedRound}};
 const fskit::stress::Registration comparators{{"sort-comparators", 60, comparatorRound}};
-const fskit::stress::Registration quicksort{{"sort-qsort", 60, qsortRound}};
 const fskit::stress::Registration files{{"sort-files", 6, fileRound}};
 
 }  // namespace
 
-// The first sort is held in its merge by its output, a named pipe that is
-// read only after the second sort has tried the same prefix. The output is
-// larger than a pipe holds, so the first cannot finish before that.
+// The first sort is held in its merge by its output, a named pipe larger than a pipe holds and
+// read only after the second sort has tried the same prefix.
 TEST(SortThreads, SamePrefixFailsWhileAnotherSortUsesIt) {
 #if defined(_WIN32)
   GTEST_SKIP() << "needs a named pipe";
@@ -180,32 +161,28 @@ TEST(SortThreads, SamePrefixFailsWhileAnotherSortUsesIt) {
   fskit::test::writeFile(input, text);
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   const long buffer = long(text.size()) / 4;
+  auto sort = [&](const std::string &output) {
+    return fsStrSort(input.c_str(), output.c_str(), prefix.c_str(), buffer, 1, 0);
+  };
 
-  long first = -1;
-  std::thread sorter([&] { first = fsStrSort(input.c_str(), pipe.c_str(), prefix.c_str(), buffer, 1, 0); });
-  int fd = open(pipe.c_str(), O_RDONLY);  // returns once the merge has opened its output
-  ASSERT_GE(fd, 0);
-  long second = -1;
-  std::string printed = fskit::test::captureStdout([&] {
-    second = fsStrSort(input.c_str(), other.c_str(), prefix.c_str(), buffer, 1, 0);
-  });
+  long first = -1, second = -1;
+  std::thread sorter([&] { first = sort(pipe); });
+  std::ifstream merged(pipe, std::ios::binary);  // open once the merge has opened its output
+  ASSERT_TRUE(merged.is_open());
+  std::string printed = fskit::test::captureStdout([&] { second = sort(other); });
   EXPECT_EQ(second, 0);
   EXPECT_EQ(printed, "Work files " + prefix + "sort_*.tmp are in use by another sort\n");
   EXPECT_FALSE(std::filesystem::exists(other));
   EXPECT_TRUE(std::filesystem::exists(prefix + "sort_0.tmp"));  // the first's, untouched
 
-  std::string merged;
-  char block[65536];
-  for (ssize_t got; (got = read(fd, block, sizeof block)) > 0;) merged.append(block, size_t(got));
-  close(fd);
+  std::ostringstream output;
+  output << merged.rdbuf();
   sorter.join();
   EXPECT_EQ(first, long(lines.size()));
-  EXPECT_TRUE(merged == expected);
+  EXPECT_TRUE(output.str() == expected);
   EXPECT_FALSE(std::filesystem::exists(prefix + "sort_0.tmp"));
   // Finished, the first gives the prefix up.
-  fskit::test::captureStdout([&] {
-    EXPECT_EQ(fsStrSort(input.c_str(), other.c_str(), prefix.c_str(), buffer, 1, 0), long(lines.size()));
-  });
+  fskit::test::captureStdout([&] { EXPECT_EQ(sort(other), long(lines.size())); });
   EXPECT_TRUE(fskit::test::readFile(other) == expected);
 #endif
 }

@@ -1,20 +1,57 @@
 // SPDX-License-Identifier: MIT
-// The cipher, the command-line parser and tag tables from many threads, and
-// key codes read by several threads from the one standard input.
+// Strings, number converters, the cipher, the command-line parser and tag tables, which keep no
+// state; key codes read by all threads from one standard input.
+#include <fskit/cmdline.h>
+#include <fskit/numformat.h>
+#include <fskit/strings.h>
+#include <fskit/util.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
-
-#include <fskit/cmdline.h>
-#include <fskit/util.h>
 
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
 
 namespace {
+
+std::string stringsRound(int worker, int round) {
+  char text[128];
+  std::snprintf(text, sizeof text, "  Worker %d  round %d  \"quoted  part\"  ", worker, round);
+  std::string out;
+  char work[128];
+  std::strcpy(work, text);
+  out += std::to_string(strqcollapse(work)) + ":" + work + "|";
+  char upper[128];
+  out += strcpyu(upper, text);
+  out += "|" + std::to_string(stridx("round", text));
+  out += "|" + std::to_string(strwildcmp("*round ?*", text, '?', '*'));
+  out += "|" + std::to_string(stringHash(text, 1021));
+  return out;
+}
+
+std::string numbersRound(int worker, int round) {
+  std::string out;
+  char hex[32];
+  for (int k = 0; k < 64; ++k) {
+    float value = float(worker * 1000 + round * 64 + k) * 0.37f - 50.0f;
+    uint8_t vax[4];
+    float back = 0;
+    encodeVaxFloat(&value, vax);
+    decodeVaxFloat(vax, &back);
+    std::snprintf(hex, sizeof hex, "%02x%02x%02x%02x=%a;", vax[0], vax[1], vax[2], vax[3],
+                  double(back));
+    out += hex;
+  }
+  return out;
+}
+
+const fskit::stress::Registration strings{{"strings", 4000, stringsRound}};
+const fskit::stress::Registration numbers{{"numformat", 2000, numbersRound}};
 
 std::string cipherRound(int worker, int round) {
   char text[96];
@@ -36,7 +73,6 @@ std::string commandLineRound(int worker, int round) {
   for (int32_t i = 0; i < parts.nQuals; ++i)
     out += std::string("|/") + parts.qualNames[i] + "=" +
            (parts.qualValues[i] != nullptr ? parts.qualValues[i] : "(none)");
-  // A tag table of this round's own.
   KwaTagEntry *table = nullptr;
   int32_t count = 0, capacity = 0;
   for (int k = 0; k < 5; ++k) {
@@ -56,8 +92,7 @@ TEST(KeyCodeThreads, EveryCallReadsOneWholeKey) {
 #if defined(_WIN32)
   GTEST_SKIP() << "piped input gives its bytes as they are on Windows; no two-code keys to split";
 #endif
-  // Each Up arrow is three bytes that become two console codes: a call that
-  // took the first code while another took the second would not give 274.
+  // Each Up arrow is three bytes, two console codes: a call that got only one would not give 274.
   constexpr int kPerThread = 200;
   std::string input;
   for (int i = 0; i < fskit::stress::kThreads * kPerThread; ++i) input += "\x1b[A";
