@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Long runs of 32- and 64-bit keys, which builds with Highway sort by vqsort:
-// each case is sorted twice, once as it comes and once with the radix sorts
-// forced, and both results must follow the type's comparator and agree (index
-// sorts exactly, since both keep equal keys in their order). Without Highway
-// both runs take the radix sorts and still check them.
+// Long runs of 32- and 64-bit keys (vqsort where the build has Highway) sorted
+// as they come and with the radix sorts forced: both in order, and agreeing.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>
 
@@ -61,11 +58,18 @@ Bytes makeKeys(int type, size_t n, Fill fill, std::mt19937 &random) {
   return out;
 }
 
-// Sorts with the radix sorts forced when `own`, and restores the switch.
-template <class Sort> void sortWith(bool own, Sort sort) {
-  sortContext().ownSortsOnly = own;
-  sort();
+// Runs `sort(0)` as the build sorts, then `sort(1)` with the radix sorts forced.
+template <class Sort> void fastAndOwn(Sort sort) {
+  sort(0);
+  sortContext().ownSortsOnly = true;
+  sort(1);
   sortContext().ownSortsOnly = false;
+}
+
+std::vector<int32_t> identity(size_t n) {
+  std::vector<int32_t> index(n);
+  std::iota(index.begin(), index.end(), 0);
+  return index;
 }
 
 std::vector<Bytes> asSet(const Bytes &keys, size_t width) {
@@ -82,36 +86,32 @@ TEST(VectorSort, BareKeysAndIndexesAgreeWithTheRadixSortsAroundTheThreshold) {
   std::mt19937 random(11);
   const size_t sizes[] = {kVectorRun - 1, kVectorRun, kVectorRun + 1, 5 * kVectorRun + 3};
   for (int type = FS_SORT_LONG; type <= FS_SORT_DOUBLE_DESC; ++type) {
-    const bool isFloat = type >= FS_SORT_FLOAT;
     for (Fill fill : {Fill::Mixed, Fill::AllEqual, Fill::AllNaN}) {
-      if (fill == Fill::AllNaN && !isFloat) continue;
+      if (fill == Fill::AllNaN && type < FS_SORT_FLOAT) continue;
       for (size_t n : sizes) {
         SCOPED_TRACE(testing::Message() << "type " << type << " fill " << int(fill) << " n " << n);
         const int width = int(keySize(type));
         const Bytes keys = makeKeys(type, n, fill, random);
-        Bytes fast = keys, own = keys;
-        sortWith(false, [&] { fsSort(type, 0, width, int(n), fast.data()); });
-        sortWith(true, [&] { fsSort(type, 0, width, int(n), own.data()); });
+        Bytes sorted[2] = {keys, keys};  // as the build sorts, radix sorts forced
+        fastAndOwn([&](int own) { fsSort(type, 0, width, int(n), sorted[own].data()); });
         sortContext().size = width;
         Comparator compare = comparator(type, kElement);
         for (size_t k = 0; k < n; ++k) {
           // In order, and key for key what the radix sort gives.
           if (k > 0) {
-            ASSERT_LE(compare(&fast[(k - 1) * width], &fast[k * width]), 0);
+            ASSERT_LE(compare(&sorted[0][(k - 1) * width], &sorted[0][k * width]), 0);
           }
-          ASSERT_EQ(compare(&fast[k * width], &own[k * width]), 0);
+          ASSERT_EQ(compare(&sorted[0][k * width], &sorted[1][k * width]), 0);
         }
-        EXPECT_EQ(asSet(fast, size_t(width)), asSet(keys, size_t(width)));  // every bit kept
+        EXPECT_EQ(asSet(sorted[0], size_t(width)), asSet(keys, size_t(width)));  // every bit kept
         // Index sorts of an identity index (element numbers rise) and of a
         // shuffled one with repeated elements: the same permutation exactly.
-        std::vector<int32_t> identity(n), shuffled(n);
-        std::iota(identity.begin(), identity.end(), 0);
+        std::vector<int32_t> shuffled(n);
         for (auto &element : shuffled) element = int32_t(random() % n);
-        for (const auto &index : {identity, shuffled}) {
-          std::vector<int32_t> fastIndex = index, ownIndex = index;
-          sortWith(false, [&] { fsSortIndex(type, 0, width, int(n), keys.data(), fastIndex.data()); });
-          sortWith(true, [&] { fsSortIndex(type, 0, width, int(n), keys.data(), ownIndex.data()); });
-          ASSERT_EQ(fastIndex, ownIndex);
+        for (const auto &index : {identity(n), shuffled}) {
+          std::vector<int32_t> indexes[2] = {index, index};
+          fastAndOwn([&](int own) { fsSortIndex(type, 0, width, int(n), keys.data(), indexes[own].data()); });
+          ASSERT_EQ(indexes[0], indexes[1]);
         }
       }
     }
@@ -136,31 +136,21 @@ TEST(VectorSort, UnalignedKeysRecordsAndParallelArrays) {
     Bytes records(n * 20);
     const Bytes recordKeys = makeKeys(type, n, Fill::Mixed, random);
     const size_t width = size_t(keySize(type));
-    std::vector<int32_t> fastOrder(n), ownOrder(n), fastIndex(n), ownIndex(n);
     for (size_t k = 0; k < n; ++k) {
       std::memcpy(&records[k * 20 + 4], &recordKeys[k * width], width);
       std::memcpy(&records[k * 20 + 16], &k, 4);
     }
-    std::iota(fastOrder.begin(), fastOrder.end(), 0);
-    std::iota(ownOrder.begin(), ownOrder.end(), 0);
-    std::iota(fastIndex.begin(), fastIndex.end(), 0);
-    std::iota(ownIndex.begin(), ownIndex.end(), 0);
-    Bytes fast = records, own = records;
-    Bytes fastKeys = recordKeys, ownKeys = recordKeys;
-    sortWith(false, [&] {
-      fsSortIndex(type, 4, 20, int(n), records.data(), fastIndex.data());
-      fsSort(type, 4, 20, int(n), fast.data());
-      fsSortArrays(type, long(n), 2, long(width), fastKeys.data(), 4L, fastOrder.data());
+    Bytes sorted[2] = {records, records}, sortedKeys[2] = {recordKeys, recordKeys};
+    std::vector<int32_t> orders[2] = {identity(n), identity(n)}, indexes[2] = {identity(n), identity(n)};
+    fastAndOwn([&](int own) {
+      fsSortIndex(type, 4, 20, int(n), records.data(), indexes[own].data());
+      fsSort(type, 4, 20, int(n), sorted[own].data());
+      fsSortArrays(type, long(n), 2, long(width), sortedKeys[own].data(), 4L, orders[own].data());
     });
-    sortWith(true, [&] {
-      fsSortIndex(type, 4, 20, int(n), records.data(), ownIndex.data());
-      fsSort(type, 4, 20, int(n), own.data());
-      fsSortArrays(type, long(n), 2, long(width), ownKeys.data(), 4L, ownOrder.data());
-    });
-    EXPECT_EQ(fast, own);
-    EXPECT_EQ(fastKeys, ownKeys);
-    EXPECT_EQ(fastOrder, ownOrder);
-    EXPECT_EQ(fastIndex, ownIndex);
+    EXPECT_EQ(sorted[0], sorted[1]);
+    EXPECT_EQ(sortedKeys[0], sortedKeys[1]);
+    EXPECT_EQ(orders[0], orders[1]);
+    EXPECT_EQ(indexes[0], indexes[1]);
   }
 }
 
@@ -169,15 +159,12 @@ TEST(VectorSort, RunsLargeEnoughForHugePages) {
   std::mt19937 random(3);
   const size_t n = 300000;
   const Bytes keys = makeKeys(FS_SORT_DOUBLE_DESC, n, Fill::Mixed, random);
-  std::vector<int32_t> fastIndex(n), ownIndex(n);
-  std::iota(fastIndex.begin(), fastIndex.end(), 0);
-  std::iota(ownIndex.begin(), ownIndex.end(), 0);
+  std::vector<int32_t> indexes[2] = {identity(n), identity(n)};
+  fastAndOwn([&](int own) { fsSortIndex(FS_SORT_DOUBLE_DESC, 0, 8, int(n), keys.data(), indexes[own].data()); });
+  EXPECT_EQ(indexes[0], indexes[1]);
   Bytes records(n * 16);
   for (size_t k = 0; k < n; ++k) std::memcpy(&records[k * 16 + 8], &keys[k * 8], 8);
   const Bytes unsorted = records;
-  sortWith(false, [&] { fsSortIndex(FS_SORT_DOUBLE_DESC, 0, 8, int(n), keys.data(), fastIndex.data()); });
-  sortWith(true, [&] { fsSortIndex(FS_SORT_DOUBLE_DESC, 0, 8, int(n), keys.data(), ownIndex.data()); });
-  EXPECT_EQ(fastIndex, ownIndex);
   fsSort(FS_SORT_DOUBLE_DESC, 8, 16, int(n), records.data());
   sortContext().offset = 8;
   sortContext().size = 16;
