@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <map>
 #include <random>
@@ -48,15 +49,20 @@ int workFilesLeft(const TempDir &dir) {
   return left;
 }
 
-// Lines drawn from a small vocabulary, so that many repeat; with blanks, bytes
-// above 0x7f and the empty line, but none below the newline (the merge orders
-// "a\tb" before "a": FileSort.MergeComparesWholeLinesWithTheirNewline).
+// Lines from a small vocabulary, so that many repeat, of words that share
+// prefixes (around the eight bytes a key carries, and of `longest` bytes) and
+// end in up to three more bytes: blanks, bytes above 0x7f, the empty line,
+// none below the newline (the merge orders "a\tb" before "a").
 std::vector<std::string> generatedLines(int lines, size_t longest, unsigned seed) {
   std::mt19937 random(seed);
   const std::string alphabet = "abcABZ09 \v~\x80\xe9\xff";
+  std::string stem;
+  for (size_t k = 0; k < longest; ++k) stem += alphabet[random() % alphabet.size()];
   std::vector<std::string> vocabulary(300), out;
-  for (auto &word : vocabulary)
-    for (size_t k = random() % (longest + 1); k > 0; --k) word += alphabet[random() % alphabet.size()];
+  for (auto &word : vocabulary) {
+    word = stem.substr(0, std::array<size_t, 8>{0, 1, 7, 8, 9, 16, 17, longest}[random() % 8]);
+    for (size_t k = random() % 4; k > 0; --k) word += alphabet[random() % alphabet.size()];
+  }
   for (int k = 0; k < lines; ++k) out.push_back(vocabulary[random() % vocabulary.size()]);
   return out;
 }

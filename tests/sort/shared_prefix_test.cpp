@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Text and byte keys that share long prefixes (longer than the eight bytes
-// the sort carries per key), keys that are prefixes of others, groups of
-// identical keys, bytes from 0x01 to 0xff: fsSortIndex and the in-memory
-// fsStrSort against a plain reference sort by unsigned bytes.
+// fsSortIndex and the in-memory fsStrSort on keys sharing long prefixes (past the eight bytes a
+// key carries), prefixes of others, identical keys, bytes 0x01 to 0xff, against a byte sort.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>
 
