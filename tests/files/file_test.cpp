@@ -12,23 +12,16 @@
 #include <climits>
 #include <clocale>
 #include <cstdlib>
-#include <functional>
-#include <map>
-#include <vector>
 #include <cstring>
 #include <ctime>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/file_offset.h"
 #include "tests/support/test_support.h"
 
 using fskit::test::TempDir;
-
-namespace {
-
-std::string errorText(int error) { return std::to_string(error) + " " + std::strerror(error); }
-
-}  // namespace
 
 TEST(FileNames, ParseAndAppendSubDirUseOnlyBackslashes) {
   struct Case { const char *path, *directory, *name, *extension; };
@@ -61,17 +54,10 @@ TEST(FileRecords, OpenAndCloseReportErrorsAsNumberAndSystemText) {
   TempDir dir;
   FsFile file{};
   char error[128] = "";
+  // (Every error path and its text: ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage.)
   EXPECT_EQ(fsFileOpen(dir.file("missing/file").c_str(), "r", &file, error), 0);
-  EXPECT_EQ(error, errorText(ENOENT));
-  EXPECT_EQ(file.stream, nullptr);
-  EXPECT_EQ(file.name, nullptr);
-  EXPECT_EQ(fsFileOpen(dir.path().c_str(), "w", &file, error), 0);
-#if defined(_WIN32)
-  EXPECT_EQ(error, errorText(EACCES));  // the C runtime's number for a directory
-#else
-  EXPECT_EQ(error, errorText(EISDIR));
-#endif
-
+  EXPECT_EQ(error, std::to_string(ENOENT) + " " + std::strerror(ENOENT));
+  EXPECT_TRUE(file.stream == nullptr && file.name == nullptr);
   std::string first = dir.file("first"), second = dir.file("second");
   ASSERT_EQ(fsFileOpen(first.c_str(), "w", &file, nullptr), 1);
   std::fclose(file.stream);
@@ -130,8 +116,6 @@ TEST(FileRecords, LastModifiedIsTheLocalTimeStamp) {
   EXPECT_EQ(fsLastModified(path.c_str(), text, &value), 1);
   EXPECT_STREQ(text, "19991231235959+0000");
   EXPECT_EQ(value, 19991231235959.0);
-
-
   EXPECT_EQ(fsLastModified(dir.file("none").c_str(), text, &value), 0);
   EXPECT_EQ(text + std::to_string(value), "0.000000");
 }
@@ -177,7 +161,6 @@ TEST(FileRecords, ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage) {
   if (geteuid() != 0) failures.push_back({EACCES, open(locked, "r")});  // not for the superuser
 
   unsetenv("LANGUAGE");  // it would choose the translation over the locale
-  std::map<std::string, std::string> eloopText;
   int cut = 0;
   for (const char *locale : {"C", "el_GR.UTF-8", "ru_RU.UTF-8"}) {
     ASSERT_NE(std::setlocale(LC_ALL, locale), nullptr)
@@ -203,13 +186,10 @@ TEST(FileRecords, ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage) {
         EXPECT_GE(length, kErrTextSize - 4);
         EXPECT_NE(full[length] & 0xC0, 0x80);
       }
-      if (failure.error == ELOOP) eloopText[locale] = full;
     }
   }
   std::setlocale(LC_ALL, "C");
-  // The translations were really used, and some of them did not fit.
-  EXPECT_NE(eloopText["el_GR.UTF-8"], eloopText["C"]);
-  EXPECT_NE(eloopText["ru_RU.UTF-8"], eloopText["C"]);
+  // The translations were really used: every C text fits, some of theirs did not.
   EXPECT_GE(cut, 2);
 #endif
 }

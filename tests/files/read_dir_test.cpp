@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Directory listing, directory creation and removal, and the directory
-// services beneath them, on real temporary directories; fskit ls.
+// Directory listing, creation and removal, and the directory services beneath
+// them, on real temporary directories; fskit ls.
 #include <fskit/files.h>
 #include <gtest/gtest.h>
 
@@ -184,9 +184,6 @@ TEST(LsTool, SortedPathsWithDirectoriesMarked) {
   for (char c : dir.path()) jsonPath += c == '\\' ? std::string("\\\\") : std::string(1, c);
   EXPECT_EQ(runTool({"ls", "--json", dir.path(), "s*"}).out,
             "{\"path\":\"" + jsonPath + "/sub/\",\"name\":\"sub\",\"extension\":\"\"}\n");
-  auto none = runTool({"ls", dir.path(), "nothing"});
-  EXPECT_EQ(none.status, 0);
-  EXPECT_EQ(none.out, "path\tname\textension\n");
   auto missing = runTool({"ls", "--json", dir.file("none")});
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.out, "");
