@@ -13,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "sort/file_sort_internal.h"
 #include "tests/support/test_support.h"
 
 using namespace fskit::test;
@@ -88,9 +87,6 @@ TEST(FileSort, PrintsProgressAndMergesChunksAsDocumented) {
                           "Merging 2 work files ...\n4 records written\n");
   EXPECT_EQ(keep.output, "a\nb\nb\nc\n");
   EXPECT_EQ(keep.result, 4);
-  Sorted collapsed = sortFile(dir, "c\nb\na\nb\n", 4, false, false);
-  EXPECT_EQ(collapsed.output, "a\nb\nc\n");
-  EXPECT_EQ(collapsed.result, 3);
   // In memory: empty lines vanish when collapsing, and bytes after the last
   // newline are dropped. (Its texts: SortTool.ArgumentsStreamsAndLibraryTexts.)
   EXPECT_EQ(sortFile(dir, "b\n\na\nb\n\nzz", 0, false, true).output, "a 1\nb 2\n");
@@ -172,29 +168,6 @@ TEST(FileSort, FailuresPrintTheirTextAndLeaveNoWorkFile) {
   EXPECT_EQ(workFilesLeft(dir), 0);
   // A line longer than the buffer ends the chunk phase.
   EXPECT_EQ(sortFile(dir, "b\na\nlong line\nc\n", 4, true, false).output, "a\nb\n");
-}
-
-// The internal entry behind the tool and the Python package tells a failure
-// the tool never lets it reach (an input it cannot open) and sends its text
-// as a problem line; its other outcomes show in the tool's exit and texts.
-TEST(FileSort, InternalEntryTellsAFailureAndSendsItsTextAsAProblem) {
-  TempDir dir;
-  std::string absent = dir.file("absent.txt"), output = dir.file("out.txt");
-  std::string heard[2];  // the progress lines, the problem lines
-  writeFile(output, "old\n");
-  fskit::sort::FileSortRequest request;
-  request.input = absent.c_str();
-  request.output = output.c_str();
-  request.progress = [](void *context, const char *line, bool problem) {
-    static_cast<std::string *>(context)[problem] += std::string(line) + "\n";
-  };
-  request.progressContext = heard;
-  request.replaceOutput = true;
-  fskit::sort::FileSortResult result = fskit::sort::sortFile(request);
-  EXPECT_EQ(result.outcome, fskit::sort::FileSortOutcome::kFailed);
-  EXPECT_EQ(heard[1], "Cannot open input file " + absent + "\n");
-  EXPECT_STREQ(result.reason, ("Cannot open input file " + absent).c_str());
-  EXPECT_EQ(readFile(output), "old\n");
 }
 
 TEST(FileSort, MergeComparesWholeLinesWithTheirNewline) {
