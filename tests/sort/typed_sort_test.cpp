@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
-// The comparator table, fsSort and fsSortIndex. The sorts are checked against
-// the table: whatever algorithm they use, every neighbour pair they leave must
-// be in order under the type's comparator, and nothing may be lost.
+// The comparator table, fsSort, fsSortIndex and fsSortArrays: whatever algorithm a sort uses, every
+// neighbour pair it leaves is in order under the type's comparator, and nothing is lost.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <numeric>
 #include <random>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "sort/sorting.h"
@@ -42,6 +44,80 @@ Bytes randomElements(int type, int size, int n, std::mt19937 &random) {
     if (keyKind(type) == KeyKind::String && random() % 3 != 0) element[4 + random() % 8] = 0;
   }
   return out;
+}
+
+enum class Fill { Mixed, AllEqual, AllNaN };
+
+// Keys with repeats, extremes, both zeros and NaNs of both signs and
+// several payloads.
+Bytes makeKeys(int type, size_t n, Fill fill, std::mt19937 &random) {
+  const size_t width = size_t(keySize(type));
+  const bool isFloat = keyKind(type) == KeyKind::Float || keyKind(type) == KeyKind::Double;
+  Bytes out(n * width);
+  for (size_t k = 0; k < n; ++k) {
+    unsigned char *key = &out[k * width];
+    double value = fill == Fill::AllEqual ? 3.0 : double(int(random() % 64) - 32) * 0.75;
+    uint64_t pattern = 0;
+    switch (fill == Fill::AllNaN ? 4 + random() % 2 : fill == Fill::AllEqual ? 9 : random() % 12) {
+      case 0: value = -0.0; break;
+      case 1: value = INFINITY; break;
+      case 2: value = -INFINITY; break;
+      case 3: value = 1e300 * (random() % 2 ? 1 : -1); break;
+      case 4: value = NAN; break;
+      case 5: value = -NAN; break;
+      case 6: pattern = random() % 2 ? ~uint64_t(0) : uint64_t(random()) << 32 | random(); break;
+      default: break;
+    }
+    if (isFloat && (fill == Fill::AllNaN || pattern == 0)) {
+      if (keyKind(type) == KeyKind::Float) {
+        float single = float(value);
+        std::memcpy(key, &single, 4);
+        if (std::isnan(single)) key[0] = static_cast<unsigned char>(random());  // payload
+      } else {
+        std::memcpy(key, &value, 8);
+        if (std::isnan(value)) key[0] = static_cast<unsigned char>(random());
+      }
+    } else {
+      if (pattern == 0)
+        pattern = std::fabs(value) < 1e6 ? uint64_t(int64_t(value * 4)) : value > 0 ? 0x7fffffff : 0x80000000;
+      std::memcpy(key, &pattern, width);
+    }
+  }
+  return out;
+}
+
+// Runs `sort(0)` as the build sorts, then `sort(1)` with the radix sorts forced.
+template <class Sort> void fastAndOwn(Sort sort) {
+  sort(0);
+  sortContext().ownSortsOnly = true;
+  sort(1);
+  sortContext().ownSortsOnly = false;
+}
+
+std::vector<int32_t> identity(size_t n) {
+  std::vector<int32_t> index(n);
+  std::iota(index.begin(), index.end(), 0);
+  return index;
+}
+
+std::vector<Bytes> asSet(const Bytes &keys, size_t width) {
+  std::vector<Bytes> set;
+  for (size_t k = 0; k < keys.size() / width; ++k)
+    set.emplace_back(keys.begin() + long(k * width), keys.begin() + long((k + 1) * width));
+  std::sort(set.begin(), set.end());
+  return set;
+}
+
+// Every neighbour pair of the n elements of `width` bytes at `data` in order
+// under the comparator `variant` (with the sort context set for it).
+testing::AssertionResult inOrder(int type, ComparatorVariant variant, const void *data, size_t width,
+                                 size_t n) {
+  Comparator compare = comparator(type, variant);
+  const auto *bytes = static_cast<const unsigned char *>(data);
+  for (size_t k = 1; k < n; ++k)
+    if (compare(bytes + (k - 1) * width, bytes + k * width) > 0)
+      return testing::AssertionFailure() << "elements " << k - 1 << " and " << k;
+  return testing::AssertionSuccess();
 }
 
 }  // namespace
@@ -106,26 +182,14 @@ TEST(TypedSort, EveryTypeOrdersAsItsComparatorLosingNothing) {
       fsSort(type, offset, size, n, records.data());
       sortContext().offset = offset;
       sortContext().size = size;
-      for (int k = 1; k < n; ++k)
-        ASSERT_LE(comparator(type, kElementField)(&records[size_t(k - 1) * size],
-                                                   &records[size_t(k) * size]), 0);
-      auto asSet = [&](Bytes b) {
-        std::vector<Bytes> set;
-        for (int k = 0; k < n; ++k) set.emplace_back(&b[size_t(k) * size], &b[size_t(k + 1) * size]);
-        std::sort(set.begin(), set.end());
-        return set;
-      };
-      EXPECT_EQ(asSet(records), asSet(before));
+      ASSERT_TRUE(inOrder(type, kElementField, records.data(), size_t(size), size_t(n)));
+      EXPECT_EQ(asSet(records, size_t(size)), asSet(before, size_t(size)));
       // The same keys through an index, the data left in place.
-      std::vector<int32_t> index(static_cast<size_t>(n));
-      std::iota(index.begin(), index.end(), 0);
+      std::vector<int32_t> index = identity(size_t(n));
       fsSortIndex(type, offset, size, n, before.data(), index.data());
       EXPECT_EQ(before, unsorted);
-      std::vector<int32_t> sortedIndex = index;
-      std::sort(sortedIndex.begin(), sortedIndex.end());
-      for (int k = 0; k < n; ++k) ASSERT_EQ(sortedIndex[size_t(k)], k);
-      for (int k = 1; k < n; ++k)
-        ASSERT_LE(comparator(type, kIndexedField)(&index[size_t(k - 1)], &index[size_t(k)]), 0);
+      EXPECT_TRUE(std::is_permutation(index.begin(), index.end(), identity(size_t(n)).begin()));
+      ASSERT_TRUE(inOrder(type, kIndexedField, index.data(), 4, size_t(n)));
       // Bare keys: element and key are one.
       if (numeric(type)) {
         Bytes keys;
@@ -134,9 +198,7 @@ TEST(TypedSort, EveryTypeOrdersAsItsComparatorLosingNothing) {
                       &before[size_t(k) * size + offset + size_t(keyBytes)]);
         fsSort(type, 0, int(keyBytes), n, keys.data());
         sortContext().size = keyBytes;
-        for (int k = 1; k < n; ++k)
-          ASSERT_LE(comparator(type, kElement)(&keys[size_t(k - 1) * size_t(keyBytes)],
-                                               &keys[size_t(k) * size_t(keyBytes)]), 0);
+        ASSERT_TRUE(inOrder(type, kElement, keys.data(), size_t(keyBytes), size_t(n)));
       }
     }
   }
@@ -165,4 +227,148 @@ TEST(TypedSort, OffsetsTextKeysAndRejectedCalls) {
             "fsSort: invalid sort type, constant value 0\n"
             "fsSortIndex: invalid sort type, constant value 21\n");
   EXPECT_EQ(std::vector<int32_t>(untouched, untouched + 3), (std::vector<int32_t>{3, 2, 1}));
+}
+
+TEST(VectorSort, BareKeysAndIndexesAgreeWithTheRadixSortsAroundTheThreshold) {
+  std::mt19937 random(11);
+  const size_t sizes[] = {kVectorRun - 1, kVectorRun, kVectorRun + 1, 5 * kVectorRun + 3};
+  for (int type = FS_SORT_LONG; type <= FS_SORT_DOUBLE_DESC; ++type) {
+    for (Fill fill : {Fill::Mixed, Fill::AllEqual, Fill::AllNaN}) {
+      if (fill == Fill::AllNaN && type < FS_SORT_FLOAT) continue;
+      for (size_t n : sizes) {
+        SCOPED_TRACE(testing::Message() << "type " << type << " fill " << int(fill) << " n " << n);
+        const int width = int(keySize(type));
+        const Bytes keys = makeKeys(type, n, fill, random);
+        Bytes sorted[2] = {keys, keys};  // as the build sorts, radix sorts forced
+        fastAndOwn([&](int own) { fsSort(type, 0, width, int(n), sorted[own].data()); });
+        sortContext().size = width;
+        ASSERT_TRUE(inOrder(type, kElement, sorted[0].data(), size_t(width), n));
+        Comparator compare = comparator(type, kElement);
+        for (size_t k = 0; k < n; ++k)  // key for key what the radix sort gives
+          ASSERT_EQ(compare(&sorted[0][k * width], &sorted[1][k * width]), 0);
+        EXPECT_EQ(asSet(sorted[0], size_t(width)), asSet(keys, size_t(width)));  // every bit kept
+        // Index sorts of an identity index (element numbers rise) and of a
+        // shuffled one with repeated elements: the same permutation exactly.
+        std::vector<int32_t> shuffled(n);
+        for (auto &element : shuffled) element = int32_t(random() % n);
+        for (const auto &index : {identity(n), shuffled}) {
+          std::vector<int32_t> indexes[2] = {index, index};
+          fastAndOwn([&](int own) { fsSortIndex(type, 0, width, int(n), keys.data(), indexes[own].data()); });
+          ASSERT_EQ(indexes[0], indexes[1]);
+        }
+      }
+    }
+  }
+}
+
+TEST(VectorSort, UnalignedKeysRecordsAndParallelArrays) {
+  std::mt19937 random(5);
+  const size_t n = 3 * kVectorRun;
+  // Keys one byte off their alignment sort all the same.
+  const Bytes keys = makeKeys(FS_SORT_DOUBLE, n, Fill::Mixed, random);
+  Bytes shifted(1, 0);
+  shifted.insert(shifted.end(), keys.begin(), keys.end());
+  fsSort(FS_SORT_DOUBLE, 0, 8, int(n), shifted.data() + 1);
+  sortContext().size = 8;
+  ASSERT_TRUE(inOrder(FS_SORT_DOUBLE, kElement, shifted.data() + 1, 8, n));
+  // 20-byte records, the key 4 bytes in, go through an index sort, as
+  // fsSortArrays does: the same elements and permutations either way.
+  for (int type : {FS_SORT_FLOAT_DESC, FS_SORT_DOUBLE, FS_SORT_ULONG}) {
+    SCOPED_TRACE(type);
+    Bytes records(n * 20);
+    const Bytes recordKeys = makeKeys(type, n, Fill::Mixed, random);
+    const size_t width = size_t(keySize(type));
+    for (size_t k = 0; k < n; ++k) {
+      std::memcpy(&records[k * 20 + 4], &recordKeys[k * width], width);
+      std::memcpy(&records[k * 20 + 16], &k, 4);
+    }
+    Bytes sorted[2] = {records, records}, sortedKeys[2] = {recordKeys, recordKeys};
+    std::vector<int32_t> orders[2] = {identity(n), identity(n)}, indexes[2] = {identity(n), identity(n)};
+    fastAndOwn([&](int own) {
+      fsSortIndex(type, 4, 20, int(n), records.data(), indexes[own].data());
+      fsSort(type, 4, 20, int(n), sorted[own].data());
+      fsSortArrays(type, long(n), 2, long(width), sortedKeys[own].data(), 4L, orders[own].data());
+    });
+    EXPECT_EQ(sorted[0], sorted[1]);
+    EXPECT_EQ(sortedKeys[0], sortedKeys[1]);
+    EXPECT_EQ(orders[0], orders[1]);
+    EXPECT_EQ(indexes[0], indexes[1]);
+  }
+}
+
+TEST(VectorSort, RunsLargeEnoughForHugePages) {
+  // Working memory of several megabytes, which comes in huge pages on Linux.
+  std::mt19937 random(3);
+  const size_t n = 300000;
+  const Bytes keys = makeKeys(FS_SORT_DOUBLE_DESC, n, Fill::Mixed, random);
+  std::vector<int32_t> indexes[2] = {identity(n), identity(n)};
+  fastAndOwn([&](int own) { fsSortIndex(FS_SORT_DOUBLE_DESC, 0, 8, int(n), keys.data(), indexes[own].data()); });
+  EXPECT_EQ(indexes[0], indexes[1]);
+  Bytes records(n * 16);
+  for (size_t k = 0; k < n; ++k) std::memcpy(&records[k * 16 + 8], &keys[k * 8], 8);
+  const Bytes unsorted = records;
+  fsSort(FS_SORT_DOUBLE_DESC, 8, 16, int(n), records.data());
+  sortContext().offset = 8;
+  sortContext().size = 16;
+  ASSERT_TRUE(inOrder(FS_SORT_DOUBLE_DESC, kElementField, records.data(), 16, n));
+  EXPECT_EQ(asSet(records, 16), asSet(unsorted, 16));
+}
+
+TEST(SortArrays, MovesEveryArrayAlongTheKeyOrder) {
+  // Many equal keys, descending, with arrays of 1, 2 and 24 bytes: each
+  // record's fields stay together and every position is filled once.
+  std::mt19937 random(3);
+  const long n = 2000;
+  std::vector<int16_t> key(n);
+  std::vector<uint8_t> tag(n);
+  std::vector<int32_t> position(n);
+  std::vector<std::array<char, 24>> wide(n);
+  for (long k = 0; k < n; ++k) {
+    key[size_t(k)] = int16_t(random() % 50 - 25);
+    tag[size_t(k)] = uint8_t(key[size_t(k)] * 7);
+    position[size_t(k)] = int32_t(k);
+    wide[size_t(k)].fill(char(key[size_t(k)]));
+  }
+  std::vector<int16_t> before = key;
+  fsSortArrays(FS_SORT_SHORT_DESC, n, 4L, 2L, key.data(), 1L, tag.data(), 4L, position.data(),
+               24L, wide.data());
+  EXPECT_TRUE(std::is_sorted(key.rbegin(), key.rend()));
+  std::vector<int32_t> seen = position;
+  std::sort(seen.begin(), seen.end());
+  for (long k = 0; k < n; ++k) {
+    ASSERT_EQ(seen[size_t(k)], k);
+    ASSERT_EQ(key[size_t(k)], before[size_t(position[size_t(k)])]);
+    ASSERT_EQ(tag[size_t(k)], uint8_t(key[size_t(k)] * 7));
+    ASSERT_EQ(wide[size_t(k)][23], char(key[size_t(k)]));
+  }
+
+  // For 8-bit types the key of element k is the byte at the key array + k.
+  // Bytes 05 09 01 00: keys 05, 09 are in order; the elements' first bytes are not.
+  uint16_t byteKeys[] = {0x0905, 0x0001};
+  fsSortArrays(FS_SORT_UCHAR, 2L, 1L, 2L, byteKeys);
+  EXPECT_EQ(byteKeys[0], 0x0905);
+}
+
+TEST(SortArrays, LimitsAndErrorsLeaveTheArraysAlone) {
+  std::vector<int32_t> keys = {3, 1, 2};
+  std::vector<int32_t> copy = keys;
+  std::string messages = fskit::test::captureStderr([&] {
+    fsSortArrays(0, 3L, 1L, 4L, keys.data());
+    fsSortArrays(FS_SORT_LONG, 3L, 51L);
+    fsSortArrays(FS_SORT_LONG, 0L, 1L, 4L, keys.data());
+    fsSortArrays(FS_SORT_DOUBLE, 3L, 1L, 4L, keys.data());  // key wider than the element
+    fsSortArrays(FS_SORT_LONG, -1L, 1L, 4L, keys.data());  // once sorted nothing silently
+  });
+  EXPECT_EQ(messages,
+            "fsSortArrays: invalid sort type, constant value 0\n"
+            "fsSortArrays: too many arrays (51) to sort\n"
+            "fsSortArrays: out of memory\n");
+  EXPECT_EQ(keys, copy);
+  // 50 arrays are accepted.
+  std::vector<std::vector<int32_t>> arrays(50, keys);
+  [&]<size_t... I>(std::index_sequence<I...>) {
+    std::apply([](auto... args) { fsSortArrays(FS_SORT_LONG, 3L, 50L, args...); },
+               std::tuple_cat(std::make_tuple(4L, arrays[I].data())...));
+  }(std::make_index_sequence<50>());
+  EXPECT_EQ(arrays[49], (std::vector<int32_t>{1, 2, 3}));
 }
