@@ -97,7 +97,7 @@ TEST(FileSort, PrintsProgressAndMergesChunksAsDocumented) {
 }
 
 // In memory the sort is checked against a reference sort by bytes
-// (shared_prefix_test.cpp); here in chunks and merge passes.
+// (SharedPrefixSort in sort_test.cpp); here in chunks and merge passes.
 TEST(FileSort, MatchesAByteSortInChunksAndInMergePasses) {
   TempDir dir;
   for (size_t longest : {30, 4000}) {

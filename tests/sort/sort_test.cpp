@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The comparator table, fsSort, fsSortIndex and fsSortArrays: whatever algorithm a sort uses, every
-// neighbour pair it leaves is in order under the type's comparator, and nothing is lost.
+// The comparator table, fsSort, fsSortIndex, fsSortArrays and fsQsort: whatever algorithm a sort
+// uses, every neighbour pair it leaves is in order under the type's comparator, nothing is lost.
 #include <fskit/sort.h>
 #include <gtest/gtest.h>
 
@@ -8,8 +8,10 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <numeric>
 #include <random>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -118,6 +120,48 @@ testing::AssertionResult inOrder(int type, ComparatorVariant variant, const void
     if (compare(bytes + (k - 1) * width, bytes + k * width) > 0)
       return testing::AssertionFailure() << "elements " << k - 1 << " and " << k;
   return testing::AssertionSuccess();
+}
+
+// Elements "1a": the digit is the key, the letter tells equal keys apart.
+int byDigit(const void *a, const void *b) {
+  return *static_cast<const char *>(a) - *static_cast<const char *>(b);
+}
+
+int byInt(const void *a, const void *b) {
+  int x = *static_cast<const int *>(a), y = *static_cast<const int *>(b);
+  return x < y ? -1 : x > y;
+}
+
+// Keys of a few prefixes (0 to 300 bytes, around the multiples of eight)
+// and short tails, so that many keys tie on long runs of bytes, some end
+// where others go on, and some repeat. Never a NUL or a newline.
+std::vector<std::string> sharedPrefixKeys(int n, unsigned seed) {
+  std::mt19937 random(seed);
+  const std::string alphabet = "ab \t\x01\x7f\x80\xe9\xff";
+  std::vector<std::string> prefixes;
+  for (size_t length : {0, 1, 7, 8, 9, 15, 16, 17, 64, 100, 300}) {
+    std::string prefix;
+    for (size_t k = 0; k < length; ++k) prefix += "2026-11-26T02:13:45Z host-1 app: "[k % 33];
+    prefixes.push_back(prefix);
+  }
+  // One prefix is the start of another, and one differs from it only at its end.
+  prefixes.push_back(prefixes[9] + "\xff");
+  prefixes.push_back(prefixes[9].substr(0, 99) + "\x01");
+  std::vector<std::string> keys;
+  for (int k = 0; k < n; ++k) {
+    std::string key = prefixes[random() % prefixes.size()];
+    for (size_t t = random() % 4; t > 0; --t) key += alphabet[random() % alphabet.size()];
+    keys.push_back(key);
+  }
+  // A group of identical keys large enough for every path of the sort.
+  for (int k = 0; k < 1500; ++k) keys.insert(keys.begin() + random() % keys.size(), prefixes[10]);
+  return keys;
+}
+
+bool bytesLess(const std::string &a, const std::string &b) {
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+    return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
+  });
 }
 
 }  // namespace
@@ -371,4 +415,115 @@ TEST(SortArrays, LimitsAndErrorsLeaveTheArraysAlone) {
                std::tuple_cat(std::make_tuple(4L, arrays[I].data())...));
   }(std::make_index_sequence<50>());
   EXPECT_EQ(arrays[49], (std::vector<int32_t>{1, 2, 3}));
+}
+
+// Equal keys end where the partition steps put them (a recursive transcription
+// of the steps agreed on 3000 random arrays); two to seven keys, up to 26 elements.
+TEST(Quicksort, EqualKeysEndWhereThePartitionStepsPutThem) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"1a0b", "0b1a"},
+      {"0a0b0c0d0e0f0g0h", "0f0e0h0g0a0d0c0b"},
+      {"2a1b0c2d1e0f", "0c0f1e1b2a2d"},
+      {"0a1b1c2d2e3f", "0a1c1b2e2d3f"},
+      {"3a2b2c1d1e0f0g", "0f0g1d1e2b2c3a"},
+      {"1a1b0c1d1e1f1g0h1i1j0k0l1m0n0o1p0q1r0s1t0u0v0w1x0y1z",
+       "0n0u0h0l0s0k0q0y0v0w0c0o1z1r1t1x1a1d1e1p1b1m1j1f1g1i"},
+      {"1a1b2c2d1e1f0g1h1i1j0k1l0m2n0o1p1q2r1s2t2u2v2w1x0y2z",
+       "0y0g0o0k0m1l1s1x1p1q1a1e1j1b1i1h1f2v2z2w2c2d2u2t2n2r"},
+      {"1a0b6c6d4e1f6g3h3i6j4k6l4m3n3o2p2q3r0s2t1u2v0w5x0y5z",
+       "0s0y0w0b1u1a1f2p2v2t2q3o3r3h3i3n4m4e4k5x5z6c6d6l6j6g"},
+  };
+  for (auto [elements, expected] : cases) {
+    fsQsort(elements.data(), uint32_t(elements.size() / 2), 2, byDigit);
+    EXPECT_EQ(elements, expected);
+  }
+}
+
+TEST(Quicksort, SortedEqualAndReversedInputsDoNotExhaustTheStack) {
+  std::vector<int> sorted(1000000), equal(1000000, 42), reversed(20000);
+  for (size_t k = 0; k < sorted.size(); ++k) sorted[k] = int(k);
+  for (size_t k = 0; k < reversed.size(); ++k) reversed[k] = int(reversed.size() - k);
+  std::vector<int> expected = sorted;
+  fsQsort(sorted.data(), uint32_t(sorted.size()), sizeof(int), byInt);
+  fsQsort(equal.data(), uint32_t(equal.size()), sizeof(int), byInt);
+  fsQsort(reversed.data(), uint32_t(reversed.size()), sizeof(int), byInt);
+  EXPECT_EQ(sorted, expected);
+  EXPECT_TRUE(std::all_of(equal.begin(), equal.end(), [](int v) { return v == 42; }));
+  EXPECT_TRUE(std::is_sorted(reversed.begin(), reversed.end()));
+  // Wide elements go through the byte-wise exchange.
+  std::vector<std::array<char, 100>> wide(500);
+  for (size_t k = 0; k < wide.size(); ++k) wide[k].fill(char(k * 37 % 101));
+  fsQsort(wide.data(), uint32_t(wide.size()), 100, byDigit);
+  EXPECT_TRUE(std::is_sorted(wide.begin(), wide.end()));
+}
+
+// Text keys end at their NUL, byte keys at their element's end (NULs
+// included); equal keys keep their order, both ways.
+TEST(SharedPrefixSort, IndexSortMatchesAStableReferenceSort) {
+  for (int type : {FS_SORT_STRING, FS_SORT_STRING_DESC, FS_SORT_BYTES, FS_SORT_BYTES_DESC}) {
+    for (int n : {3, 40, 5000}) {
+      SCOPED_TRACE(testing::Message() << "type " << type << " n " << n);
+      std::vector<std::string> keys = sharedPrefixKeys(n, unsigned(type * n));
+      const bool bytes = type >= FS_SORT_BYTES;
+      size_t size = 0;
+      for (const std::string &key : keys) size = std::max(size, key.size() + 1);
+      std::string data(keys.size() * size, '\0');
+      for (size_t k = 0; k < keys.size(); ++k) data.replace(k * size, keys[k].size(), keys[k]);
+      // Byte keys run over the whole element: their padding is part of them.
+      if (bytes)
+        for (size_t k = 0; k < keys.size(); ++k) keys[k] = data.substr(k * size, size);
+      std::vector<int32_t> index(keys.size()), expected(keys.size());
+      std::iota(index.begin(), index.end(), 0);
+      std::iota(expected.begin(), expected.end(), 0);
+      const bool down = type % 2 == 0;
+      std::stable_sort(expected.begin(), expected.end(), [&](int32_t a, int32_t b) {
+        const std::string &x = keys[size_t(a)], &y = keys[size_t(b)];
+        return down ? bytesLess(y, x) : bytesLess(x, y);
+      });
+      fsSortIndex(type, 0, int(size), int(keys.size()), data.data(), index.data());
+      ASSERT_TRUE(index == expected);  // not ASSERT_EQ: thousands of numbers
+    }
+  }
+}
+
+// The in-memory sort writes the lines in byte order; collapsing drops the
+// empty line and repeats, and counts them.
+TEST(SharedPrefixSort, InMemoryFileSortMatchesAReferenceSort) {
+  fskit::test::TempDir dir;
+  std::vector<std::string> lines = sharedPrefixKeys(6000, 11);
+  std::string text;
+  for (const std::string &line : lines) text += line + "\n";
+  std::sort(lines.begin(), lines.end(), bytesLess);
+  std::string sorted;
+  std::map<std::string, long> counts;
+  for (const std::string &line : lines) {
+    sorted += line + "\n";
+    if (!line.empty()) ++counts[line];
+  }
+  std::string in = dir.file("in.txt"), out = dir.file("out.txt");
+  fskit::test::writeText(in, text);  // CR LF on Windows, as a text file there
+  struct Case {
+    bool keep, counts;
+  };
+  for (Case c : {Case{true, false}, Case{false, false}, Case{false, true}}) {
+    SCOPED_TRACE(testing::Message() << "keep " << c.keep << " counts " << c.counts);
+    std::string expected;
+    long lineCount = 0;
+    if (c.keep) {
+      expected = sorted;
+      lineCount = long(lines.size());
+    } else {
+      // std::map orders its keys by unsigned bytes too.
+      for (const auto &[line, count] : counts)
+        expected += c.counts ? line + " " + std::to_string(count) + "\n" : line + "\n";
+      lineCount = long(counts.size());
+    }
+    long result = 0;
+    std::string prefix = dir.path() + "/";
+    fskit::test::captureStdout(
+        [&] { result = fsStrSort(in.c_str(), out.c_str(), prefix.c_str(), 0, c.keep, c.counts); });
+    EXPECT_EQ(result, lineCount);
+    // Not EXPECT_EQ: a failure would print megabytes.
+    EXPECT_TRUE(fskit::test::readText(out) == expected);
+  }
 }
