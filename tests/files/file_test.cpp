@@ -388,30 +388,11 @@ TEST(Directories, MakeAndRemove) {
   EXPECT_EQ(fsRemoveDirectory((dir.path() + std::string(300, '/')).c_str()), 0);
 }
 
-TEST(DirectoryServices, SearchMatchesTheLastComponentAndSurvivesAVanishingDirectory) {
+// (Its patterns: ReadDir.PatternsSelectNamesSplitAtTheFirstDot, whose listings it makes.)
+TEST(DirectoryServices, SearchSurvivesAVanishingDirectory) {
   namespace platform = fskit::platform;
   TempDir dir;
-  for (const char *name : {"abc", "abc.txt", "a.b.c", "ABD.TXT", "x"}) writeFile(dir.file(name), "");
-  auto search = [&](const std::string &pattern) {
-    platform::FindData data{};
-    std::set<std::string> found;
-    platform::SearchHandle handle = platform::FindFirstFileSA(pattern.c_str(), &data);
-    if (handle == platform::kNoSearch) return found;
-    do found.insert(data.cFileName);
-    while (platform::FindNextFileSA(handle, &data));
-    platform::FindCloseS(handle);
-    return found;
-  };
-  using Names = std::set<std::string>;
-  std::string in = withBackslashes(dir.path()) + "\\";
-  Names upperTxt = {"ABD.TXT"};
-  if (kMatchIgnoresCase) upperTxt.insert("abc.txt");
-  EXPECT_EQ(search(in + "a*c"), (Names{"abc", "a.b.c"}));
-  EXPECT_EQ(search(in + "a?c.*"), (Names{"abc", "abc.txt"}));
-  EXPECT_EQ(search(in + "*.TXT"), upperTxt);
-  EXPECT_EQ(search(in + "*.*").size(), 7u);  // with . and ..
-  EXPECT_EQ(search(in + "nothing"), Names{});
-
+  for (const char *name : {"a", "b"}) writeFile(dir.file(name), "");
   platform::FindData data{};
   platform::SearchHandle handle = platform::FindFirstFileSA((dir.path() + "/*").c_str(), &data);
   ASSERT_NE(handle, platform::kNoSearch);
