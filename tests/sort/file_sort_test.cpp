@@ -48,10 +48,9 @@ int workFilesLeft(const TempDir &dir) {
   return left;
 }
 
-// Lines from a small vocabulary, so that many repeat, of words that share
-// prefixes (around the eight bytes a key carries, and of `longest` bytes) and
-// end in up to three more bytes: blanks, bytes above 0x7f, the empty line,
-// none below the newline (the merge orders "a\tb" before "a").
+// Lines from a small vocabulary (many repeat) of words sharing prefixes (around the eight bytes a
+// key carries, and of `longest` bytes) and ending in up to three more: blanks, bytes above 0x7f,
+// the empty line, none below the newline (the merge orders "a\tb" before "a").
 std::vector<std::string> generatedLines(int lines, size_t longest, unsigned seed) {
   std::mt19937 random(seed);
   const std::string alphabet = "abcABZ09 \v~\x80\xe9\xff";
@@ -185,8 +184,7 @@ TEST(FileSort, MergeComparesWholeLinesWithTheirNewline) {
       {"ab\nab\x01z\n", 5, true, false, "ab\x01z\nab\n"},
       // Bytes above the newline still put the shorter line first.
       {"a\nab\n", 3, true, false, "a\nab\n"},
-      // Counted lines ordered by their text first ("a 6" before "a 1 1"); the
-      // whole line "a 1 1" is smaller.
+      // Counted lines were ordered by their text ("a 6" before "a 1 1"), not as whole lines.
       {"a\na\na\na\na\na\na 1\n", 12, false, true, "a 1 1\na 6\n"},
       // Same for a tab: "a\t 1" is below "a 2" as a whole line.
       {"a\na\na\tx\n", 4, false, true, "a\tx 1\na 2\n"},
@@ -195,9 +193,8 @@ TEST(FileSort, MergeComparesWholeLinesWithTheirNewline) {
   const std::string input = dir.file("in.txt"), output = dir.file("out.txt");
   for (const Case &c : cases) {
     SCOPED_TRACE(c.input);
-    // Without CR a text stream's seek back on Windows miscounted, and the
-    // chunk loop could come back to where a chunk began and never end.
-    for (auto *write : {&writeFile, &writeText}) {  // CR LF on Windows from writeText
+    // LF alone, then CR LF on Windows, where a seek back miscounted and the chunks never ended.
+    for (auto *write : {&writeFile, &writeText}) {
       write(input, c.input);
       captureStdout([&] {
         fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), c.buffer, c.keep, c.counts);
@@ -209,8 +206,7 @@ TEST(FileSort, MergeComparesWholeLinesWithTheirNewline) {
 
 #if !defined(_WIN32)
 TEST(FileSort, InputBeyond4GiB) {
-  // A 32-bit build took the input's size through a long, wrapped (4 GiB + 4
-  // bytes became 4) or, before large-file support, could not stat it at all.
+  // A 32-bit build wrapped the size in a long (4 GiB + 4 bytes became 4), or could not stat it.
   TempDir dir;
   std::string input = dir.file("in.txt"), output = dir.file("out.txt");
   writeFile(input, "b\na\n");
@@ -218,8 +214,7 @@ TEST(FileSort, InputBeyond4GiB) {
   std::string progress = captureStdout([&] {
     fsStrSort(input.c_str(), output.c_str(), (dir.path() + "/").c_str(), 16, 1, 0);
   });
-  EXPECT_NE(progress.find("with 4294967300 bytes, 16 bytes at a time"), std::string::npos)
-      << progress;
+  EXPECT_NE(progress.find("with 4294967300 bytes, 16 bytes at a time"), std::string::npos) << progress;
   EXPECT_EQ(readText(output), "a\nb\n");
 }
 #endif
@@ -244,9 +239,8 @@ TEST(SortTool, ArgumentsStreamsAndLibraryTexts) {
   EXPECT_TRUE(std::filesystem::is_empty(work.path()));
 }
 
-// The library removes files named like its work files under its prefix: the
-// tool gives it a directory of its own, so that no file of the user's is
-// ever among them, whatever it is called, input and output included.
+// The library removes files named like its work files under its prefix: the tool gives it a
+// directory of its own, so no file of the user's (input and output included) is among them.
 TEST(SortTool, RemovesNothingItDidNotCreate) {
   TempDir dir, work;
   const std::string lines = "d\nb\na\nc\n";
@@ -255,8 +249,9 @@ TEST(SortTool, RemovesNothingItDidNotCreate) {
   EXPECT_EQ(readText(dir.file("sort_3.tmp")), "a\nb\nc\nd\n");
   for (int n : {0, 5, 19}) EXPECT_EQ(readFile(dir.file("sort_" + std::to_string(n) + ".tmp")), lines);
   // The work files are made where asked, and the work directory goes too.
-  auto result = expectTool({"sort", "sort_0.tmp", "out.txt", "--buffer", "4", "--temporary-directory", work.path()},
-                           0, "", dir.path());
+  std::vector<std::string> args = {"sort", "sort_0.tmp", "out.txt", "--buffer", "4",
+                                   "--temporary-directory", work.path()};
+  auto result = expectTool(args, 0, "", dir.path());
   EXPECT_NE(result.err.find("Writing output file " + work.path()), std::string::npos) << result.err;
   EXPECT_TRUE(std::filesystem::is_empty(work.path()));
 }
@@ -274,9 +269,11 @@ TEST(SortTool, FailuresKeepTheOldOutputAndGiveTheReason) {
   };
   const Case cases[] = {
       {{"sort", "in.txt", "out.txt", "--buffer", "4"}, "",
-       "fskit sort: stopped early, out.txt left as it was: a line longer than the sort buffer (4 bytes) at byte ",
+       "fskit sort: stopped early, out.txt left as it was: "
+       "a line longer than the sort buffer (4 bytes) at byte ",
        false},
-      {{"sort", "-", "-", "--buffer", "4"}, "a\nlonger line\n", "fskit sort: stopped early, nothing written: ", false},
+      {{"sort", "-", "-", "--buffer", "4"}, "a\nlonger line\n",
+       "fskit sort: stopped early, nothing written: ", false},
       {{"sort", "absent.txt", "out.txt"}, "",
        "fskit sort: cannot open input file absent.txt: No such file or directory\n", true},
       {{"sort", ".", "out.txt"}, "", "fskit sort: cannot open input file .: Is a directory\n", true},

@@ -338,7 +338,9 @@ TEST(VectorSort, RunsLargeEnoughForHugePages) {
   const size_t n = 300000;
   const Bytes keys = makeKeys(FS_SORT_DOUBLE_DESC, n, Fill::Mixed, random);
   std::vector<int32_t> indexes[2] = {identity(n), identity(n)};
-  fastAndOwn([&](int own) { fsSortIndex(FS_SORT_DOUBLE_DESC, 0, 8, int(n), keys.data(), indexes[own].data()); });
+  fastAndOwn([&](int own) {
+    fsSortIndex(FS_SORT_DOUBLE_DESC, 0, 8, int(n), keys.data(), indexes[own].data());
+  });
   EXPECT_EQ(indexes[0], indexes[1]);
   Bytes records(n * 16);
   for (size_t k = 0; k < n; ++k) std::memcpy(&records[k * 16 + 8], &keys[k * 8], 8);
