@@ -1,8 +1,6 @@
 # SPDX-License-Identifier: MIT
 """Formulas, bulk masses and the element table against the C parser."""
 
-from __future__ import annotations
-
 import ctypes
 import random
 

@@ -2,8 +2,6 @@
 """examples/python/dask_fskit.py on a two-worker local cluster gives what one
 process computes."""
 
-from __future__ import annotations
-
 import os
 import subprocess
 import sys

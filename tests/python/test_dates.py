@@ -1,8 +1,6 @@
 # SPDX-License-Identifier: MIT
 """Date layouts against fsDateTime, and datetime values both ways."""
 
-from __future__ import annotations
-
 import ctypes
 import datetime as dt
 

@@ -2,8 +2,6 @@
 """Composition by mass and the m/z of ions, from the richer formula text,
 against values worked out by hand from data/kw_elements.tbl and the tool."""
 
-from __future__ import annotations
-
 import json
 import subprocess
 

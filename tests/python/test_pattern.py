@@ -2,8 +2,6 @@
 """Isotope patterns: the tool's `fskit pattern` for the same choices, the
 arguments refused, and plot() with and without matplotlib."""
 
-from __future__ import annotations
-
 import sys
 import types
 

@@ -2,8 +2,6 @@
 """sort_file against fsStrSort: same output bytes, failures told apart from
 empty files, nothing printed."""
 
-from __future__ import annotations
-
 import ctypes
 import logging
 import random
