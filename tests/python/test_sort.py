@@ -34,8 +34,7 @@ def lines_file(tmp_path):
     (False, False, None), (True, False, None), (True, True, None), (False, False, 997),
     (True, True, 4096)])
 def test_same_output_as_the_c_sort(clib, capfd, lines_file, tmp_path, unique, counts, buffer_size):
-    by_c, by_python = tmp_path / "c" / "out.txt", tmp_path / "py" / "out.txt"
-    by_c.parent.mkdir()
+    by_c, by_python = tmp_path / "c.txt", tmp_path / "py" / "out.txt"
     by_python.parent.mkdir()
     expected = c_sort(clib, lines_file, by_c, unique, counts, buffer_size or 0)
     capfd.readouterr()
