@@ -20,6 +20,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/test_support.h"
@@ -249,20 +250,17 @@ std::string resultOf(int k) {
 // What each result is under either table.
 std::vector<std::string> underShipped, underChanged;
 
-void loadAll(std::vector<std::string> &results) {
-  for (int k = 0; k <= kFormulaCount; ++k) results.push_back(resultOf(k));
-}
-
 void prepareTables() {
   std::string text = fskit::test::readFile(shippedTable());
   size_t carbon = text.find("\nC       6  12.011 ");
   ASSERT_NE(carbon, std::string::npos);
   text.replace(carbon + 12, 6, "12.111");
   fskit::test::writeFile(changedTable(), text);
-  ASSERT_EQ(fsLoadElemTable(changedTable().c_str()), 1);
-  loadAll(underChanged);
-  ASSERT_EQ(fsLoadElemTable(shippedTable().c_str()), 1);
-  loadAll(underShipped);
+  for (auto [table, results] : {std::pair{changedTable(), &underChanged},
+                                std::pair{shippedTable(), &underShipped}}) {
+    ASSERT_EQ(fsLoadElemTable(table.c_str()), 1);
+    for (int k = 0; k <= kFormulaCount; ++k) results->push_back(resultOf(k));
+  }
   ASSERT_NE(underShipped[0], underChanged[0]);
 }
 
