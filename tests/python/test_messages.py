@@ -3,7 +3,6 @@
 "fskit" and in exceptions, each thread with its own."""
 
 import logging
-import os
 import subprocess
 import sys
 import threading
@@ -30,7 +29,7 @@ with suppress(fskit.SortError):
 def test_import_and_failed_calls_print_nothing_in_any_directory(tmp_path):
     # A directory without an element table, as any user's current directory.
     done = subprocess.run([sys.executable, "-c", SCRIPT], cwd=tmp_path, capture_output=True,
-                          text=True, env=dict(os.environ), check=True)
+                          text=True, check=True)
     assert done.stderr == ""
     assert done.stdout == f"{fskit.Formula('C6H12O6').monoisotopic_mass!r}\n"
     assert not (tmp_path / "fsmessage.log").exists()
