@@ -26,6 +26,9 @@
 #include "tests/support/test_support.h"
 #include "tests/threads/stress.h"
 
+using namespace fskit::stress;
+using namespace fskit::test;
+
 namespace {
 
 std::string stringsRound(int worker, int round) {
@@ -59,8 +62,8 @@ std::string numbersRound(int worker, int round) {
   return out;
 }
 
-const fskit::stress::Registration strings{{"strings", 4000, stringsRound}};
-const fskit::stress::Registration numbers{{"numformat", 2000, numbersRound}};
+const Registration strings{{"strings", 4000, stringsRound}};
+const Registration numbers{{"numformat", 2000, numbersRound}};
 
 std::string cipherRound(int worker, int round) {
   char text[96];
@@ -94,8 +97,8 @@ std::string commandLineRound(int worker, int round) {
   return out;
 }
 
-const fskit::stress::Registration cipher{{"cipher", 3000, cipherRound}};
-const fskit::stress::Registration commandLine{{"cmdline", 3000, commandLineRound}};
+const Registration cipher{{"cipher", 3000, cipherRound}};
+const Registration commandLine{{"cmdline", 3000, commandLineRound}};
 
 TEST(KeyCodeThreads, EveryCallReadsOneWholeKey) {
 #if defined(_WIN32)
@@ -104,10 +107,10 @@ TEST(KeyCodeThreads, EveryCallReadsOneWholeKey) {
   // Each Up arrow is three bytes, two console codes: a call that got only one would not give 274.
   constexpr int kPerThread = 200;
   std::string input;
-  for (int i = 0; i < fskit::stress::kThreads * kPerThread; ++i) input += "\x1b[A";
-  fskit::test::StdinFrom keys(input);
-  std::vector<int> wrong(fskit::stress::kThreads, 0);
-  fskit::stress::onThreads(fskit::stress::kThreads, [&wrong](int i) {
+  for (int i = 0; i < kThreads * kPerThread; ++i) input += "\x1b[A";
+  StdinFrom keys(input);
+  std::vector<int> wrong(kThreads, 0);
+  onThreads(kThreads, [&wrong](int i) {
     for (int k = 0; k < kPerThread; ++k)
       if (getKeyCode() != FS_KEY_UP) ++wrong[size_t(i)];
   });
@@ -140,7 +143,7 @@ std::string messagesRound(int worker, int round) {
          std::to_string(fsCheckStop());
 }
 
-const fskit::stress::Registration messages{{"messages", 1000, messagesRound}};
+const Registration messages{{"messages", 1000, messagesRound}};
 
 // Every message has its three parts on consecutive lines, and each of `count` is there once.
 void expectWholeMessages(const std::string &output, size_t count) {
@@ -161,30 +164,27 @@ void expectWholeMessages(const std::string &output, size_t count) {
 }
 
 TEST(MessageThreads, MessagesArriveWholeOnTheScreenAndInTheLog) {
-  fskit::test::TempDir dir;
-  fskit::test::ChangeDir here(dir.path());
+  TempDir dir;
+  ChangeDir here(dir.path());
   constexpr int kPerThread = 1000;
   fsRegisterMsgLog(fsDefaultMsgLogFunction);
-  std::string screen = fskit::test::captureStdout([] {
-    fskit::stress::onThreads(fskit::stress::kThreads, [](int worker) {
+  std::string screen = captureStdout([] {
+    onThreads(kThreads, [](int worker) {
       for (int round = 0; round < kPerThread; ++round) sendThreeParts(worker, round);
     });
   });
   fsRegisterMsgLog(nullptr);  // closes the log file
-  expectWholeMessages(screen, fskit::stress::kThreads * kPerThread);
-  expectWholeMessages(fskit::test::readText(dir.file("fsmessage.log")),
-                      fskit::stress::kThreads * kPerThread);
+  expectWholeMessages(screen, kThreads * kPerThread);
+  expectWholeMessages(readText(dir.file("fsmessage.log")), kThreads * kPerThread);
 }
 
-std::string datedFile(int worker) {
-  return fskit::stress::scratchDir() + "/dated_" + std::to_string(worker);
-}
+std::string datedFile(int worker) { return scratchDir() + "/dated_" + std::to_string(worker); }
 
 void makeDatedFiles() {
   // Local time with a daylight-saving rule, so that conversions depend on it.
-  fskit::test::setTimeZone("EST5EDT,M3.2.0,M11.1.0");
-  for (int worker = 0; worker < fskit::stress::kThreads; ++worker) {
-    fskit::test::writeFile(datedFile(worker), "x");
+  setTimeZone("EST5EDT,M3.2.0,M11.1.0");
+  for (int worker = 0; worker < kThreads; ++worker) {
+    writeFile(datedFile(worker), "x");
     utimbuf times{};
     times.actime = times.modtime = 900000000 + worker * 86400 * 37;
     ASSERT_EQ(utime(datedFile(worker).c_str(), &times), 0);
@@ -216,7 +216,7 @@ std::string datesRound(int worker, int round) {
   return out;
 }
 
-const fskit::stress::Registration dates{{"dates", 1500, datesRound, makeDatedFiles}};
+const Registration dates{{"dates", 1500, datesRound, makeDatedFiles}};
 
 const char *const kFormulas[] = {"C6H12O6", "C8H10N4O2", "CH3CH2OH", "C254H377N65O75S6",
                                  "Na.Cl",   "13C C5H12O6", "C2H5Xx", "c6h6"};
@@ -224,7 +224,7 @@ constexpr int kFormulaCount = int(std::size(kFormulas));
 
 std::string shippedTable() { return std::string(FSKIT_SOURCE_DIR) + "/data/kw_elements.tbl"; }
 // The same with another average mass for carbon.
-std::string changedTable() { return fskit::stress::scratchDir() + "/changed_elements.tbl"; }
+std::string changedTable() { return scratchDir() + "/changed_elements.tbl"; }
 
 // Formula k parsed, or for k = kFormulaCount the record of carbon.
 std::string resultOf(int k) {
@@ -251,13 +251,13 @@ std::string resultOf(int k) {
 std::vector<std::string> underShipped, underChanged;
 
 void prepareTables() {
-  std::string text = fskit::test::readFile(shippedTable());
+  std::string text = readFile(shippedTable());
   size_t carbon = text.find("\nC       6  12.011 ");
   ASSERT_NE(carbon, std::string::npos);
   text.replace(carbon + 12, 6, "12.111");
-  fskit::test::writeFile(changedTable(), text);
-  for (auto [table, results] : {std::pair{changedTable(), &underChanged},
-                                std::pair{shippedTable(), &underShipped}}) {
+  writeFile(changedTable(), text);
+  for (auto [table, results] :
+       {std::pair{changedTable(), &underChanged}, std::pair{shippedTable(), &underShipped}}) {
     ASSERT_EQ(fsLoadElemTable(table.c_str()), 1);
     for (int k = 0; k <= kFormulaCount; ++k) results->push_back(resultOf(k));
   }
@@ -275,17 +275,16 @@ std::string elementsRound(int worker, int round) {
   return result == underShipped[k] || result == underChanged[k] ? "whole" : result;
 }
 
-const fskit::stress::Registration elements{{"elements", 3000, elementsRound, prepareTables}};
+const Registration elements{{"elements", 3000, elementsRound, prepareTables}};
 
 TEST(ElementThreads, TheFirstLoadServesEveryThread) {
-  fskit::test::TempDir dir;
-  fskit::test::writeFile(dir.file("kw_elements.tbl"), fskit::test::readFile(shippedTable()));
-  fskit::test::ChangeDir here(dir.path());
+  TempDir dir;
+  writeFile(dir.file("kw_elements.tbl"), readFile(shippedTable()));
+  ChangeDir here(dir.path());
   ASSERT_EQ(fsInitElemTable(0, 0), 1);  // no table present
   ASSERT_EQ(fsElementTableCount(), 0);
-  std::vector<int32_t> found(fskit::stress::kThreads, -2);
-  fskit::stress::onThreads(fskit::stress::kThreads,
-                           [&found](int i) { found[size_t(i)] = fsFindElemInTbl("N"); });
+  std::vector<int32_t> found(kThreads, -2);
+  onThreads(kThreads, [&found](int i) { found[size_t(i)] = fsFindElemInTbl("N"); });
   EXPECT_GT(fsElementTableCount(), 0);
   for (int32_t index : found) EXPECT_EQ(index, fsFindElement("N", nullptr));
 }
