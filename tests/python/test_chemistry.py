@@ -12,8 +12,7 @@ import fskit
 
 def c_parse(clib, formula: str):
     """fsTblParseMF's result, canonical text and sums."""
-    text = ctypes.create_string_buffer(2048)
-    nominal = ctypes.c_int32()
+    text, nominal = ctypes.create_string_buffer(2048), ctypes.c_int32()
     mono, average, rdb = ctypes.c_double(), ctypes.c_double(), ctypes.c_double()
     result = clib.fsTblParseMF(formula.encode(), 0, 0, text, ctypes.byref(nominal),
                                ctypes.byref(mono), ctypes.byref(average), ctypes.byref(rdb), 0,
