@@ -34,12 +34,9 @@ namespace {
 std::string stringsRound(int worker, int round) {
   char text[128];
   std::snprintf(text, sizeof text, "  Worker %d  round %d  \"quoted  part\"  ", worker, round);
-  std::string out;
-  char work[128];
+  char work[128], upper[128];
   std::strcpy(work, text);
-  out += std::to_string(strqcollapse(work)) + ":" + work + "|";
-  char upper[128];
-  out += strcpyu(upper, text);
+  std::string out = std::to_string(strqcollapse(work)) + ":" + work + "|" + strcpyu(upper, text);
   out += "|" + std::to_string(stridx("round", text));
   out += "|" + std::to_string(strwildcmp("*round ?*", text, '?', '*'));
   out += "|" + std::to_string(stringHash(text, 1021));
