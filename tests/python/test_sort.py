@@ -66,8 +66,7 @@ def test_failures_raise_the_library_reason(tmp_path, capfd):
 
 
 def test_an_incomplete_sort_is_an_error_where_the_c_count_is_not(clib, tmp_path):
-    # Bytes after the last line end make the sort stop early; fsStrSort's
-    # count alone does not show it.
+    # Bytes after the last line end stop the sort early; fsStrSort's count does not show it.
     source = tmp_path / "in.txt"
     source.write_text("b\na\nno line end")
     assert c_sort(clib, source, tmp_path / "c.txt") == 2
