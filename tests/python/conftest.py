@@ -2,12 +2,10 @@
 """Fixtures: the built C library through ctypes (the reference the package is
 compared with), the tool and the source tree, as ctest's environment names them."""
 
-from __future__ import annotations
-
 import ctypes
 import os
 import pathlib
-import threading
+from concurrent.futures import ThreadPoolExecutor
 
 import pytest
 
@@ -39,9 +37,6 @@ def tool() -> str:
 
 
 def run_threads(work, arguments) -> None:
-    """work(argument) in a thread of its own for each argument, all at once."""
-    threads = [threading.Thread(target=work, args=(argument,)) for argument in arguments]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
+    """work(argument) in a thread of its own for each argument, all at once; raises any error."""
+    with ThreadPoolExecutor(len(arguments)) as pool:
+        list(pool.map(work, arguments))

@@ -1,8 +1,6 @@
 # SPDX-License-Identifier: MIT
 """Formulas, bulk masses and the element table against the C parser."""
 
-from __future__ import annotations
-
 import ctypes
 import random
 
@@ -14,8 +12,7 @@ import fskit
 
 def c_parse(clib, formula: str):
     """fsTblParseMF's result, canonical text and sums."""
-    text = ctypes.create_string_buffer(2048)
-    nominal = ctypes.c_int32()
+    text, nominal = ctypes.create_string_buffer(2048), ctypes.c_int32()
     mono, average, rdb = ctypes.c_double(), ctypes.c_double(), ctypes.c_double()
     result = clib.fsTblParseMF(formula.encode(), 0, 0, text, ctypes.byref(nominal),
                                ctypes.byref(mono), ctypes.byref(average), ctypes.byref(rdb), 0,

@@ -2,9 +2,6 @@
 """examples/python/dask_fskit.py on a two-worker local cluster gives what one
 process computes."""
 
-from __future__ import annotations
-
-import os
 import subprocess
 import sys
 
@@ -20,9 +17,8 @@ EXAMPLE = SOURCE_DIR / "examples" / "python" / "dask_fskit.py"
 
 def run_example(tmp_path, *args) -> dict:
     output = tmp_path / "result.npz"
-    done = subprocess.run([sys.executable, str(EXAMPLE), "--workers", "2", "--output",
-                           str(output), *args], capture_output=True, text=True, timeout=300,
-                          env=dict(os.environ), cwd=tmp_path)
+    command = [sys.executable, str(EXAMPLE), "--workers", "2", "--output", str(output), *args]
+    done = subprocess.run(command, capture_output=True, text=True, timeout=300, cwd=tmp_path)
     assert done.returncode == 0, done.stderr
     with np.load(output) as result:
         return {key: result[key] for key in result.files}

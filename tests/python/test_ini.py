@@ -2,8 +2,6 @@
 """IniFile: lossless reading and writing, mapping behaviour and bad input.
 Setting values in the corpus files is the C tests' (tests/ini)."""
 
-from __future__ import annotations
-
 import os
 
 import pytest

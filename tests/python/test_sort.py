@@ -2,8 +2,6 @@
 """sort_file against fsStrSort: same output bytes, failures told apart from
 empty files, nothing printed."""
 
-from __future__ import annotations
-
 import ctypes
 import logging
 import random
@@ -36,8 +34,7 @@ def lines_file(tmp_path):
     (False, False, None), (True, False, None), (True, True, None), (False, False, 997),
     (True, True, 4096)])
 def test_same_output_as_the_c_sort(clib, capfd, lines_file, tmp_path, unique, counts, buffer_size):
-    by_c, by_python = tmp_path / "c" / "out.txt", tmp_path / "py" / "out.txt"
-    by_c.parent.mkdir()
+    by_c, by_python = tmp_path / "c.txt", tmp_path / "py" / "out.txt"
     by_python.parent.mkdir()
     expected = c_sort(clib, lines_file, by_c, unique, counts, buffer_size or 0)
     capfd.readouterr()
@@ -69,8 +66,7 @@ def test_failures_raise_the_library_reason(tmp_path, capfd):
 
 
 def test_an_incomplete_sort_is_an_error_where_the_c_count_is_not(clib, tmp_path):
-    # Bytes after the last line end make the sort stop early; fsStrSort's
-    # count alone does not show it.
+    # Bytes after the last line end stop the sort early; fsStrSort's count does not show it.
     source = tmp_path / "in.txt"
     source.write_text("b\na\nno line end")
     assert c_sort(clib, source, tmp_path / "c.txt") == 2

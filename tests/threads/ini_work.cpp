@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// INI workloads: one document read by all workers, own documents, a walk beside readers;
+// INI workloads: one document read by all workers and walked by one, own documents;
 // then readers on indexes still behind, and a writer beside readers and walkers.
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,6 @@
 #include <atomic>
 #include <cstdlib>
 #include <latch>
-#include <mutex>
 #include <semaphore>
 #include <string>
 #include <thread>
@@ -21,8 +20,7 @@
 
 namespace {
 
-// Enough paragraphs and topics that lookups go through the hash index, and that catching the
-// index up takes long enough for other readers to arrive meanwhile.
+// Enough paragraphs and topics that lookups go through the hash index.
 constexpr int kParagraphs = 300;
 constexpr int kTopics = 24;
 
@@ -36,8 +34,6 @@ std::string valueOf(int32_t handle, const std::string &paragraph, const std::str
   return fsIniGetValue(handle, paragraph.c_str(), topic.c_str(), value, nullptr) == 1 ? value : "-";
 }
 
-std::string sharedPath() { return fskit::stress::scratchDir() + "/shared.ini"; }
-
 int32_t openRetrying(const std::string &path, bool read) {
   for (;;) {
     int32_t handle = read ? fsIniReadFile(path.c_str()) : fsIniNewFile(path.c_str());
@@ -46,9 +42,7 @@ int32_t openRetrying(const std::string &path, bool read) {
   }
 }
 
-std::atomic<int32_t> shared{0};
-std::thread::id setUpThread;
-std::once_flag rereadOnce;
+int32_t shared = 0;
 
 // "S<p>" has "k<t>" = "S<p>.k<t>", then a second "k0"; a second "S3" comes last. Lookups find
 // neither second one.
@@ -61,42 +55,26 @@ void setUpShared() {
       text += "k" + std::to_string(t) + " = " + expectedValue(name, "k" + std::to_string(t)) + "\n";
     text += "k0 = second\n";
   }
-  fskit::test::writeFile(sharedPath(), text + "[S3]\nk1 = second\n");
-  shared = openRetrying(sharedPath(), true);
-  setUpThread = std::this_thread::get_id();
+  const std::string path = fskit::stress::scratchDir() + "/shared.ini";
+  fskit::test::writeFile(path, text + "[S3]\nk1 = second\n");
+  shared = openRetrying(path, true);
 }
 
-// The first call from a worker reads the document again (the one-thread pass built its
-// indexes), the others waiting: the workers start on indexes that are all behind.
-int32_t sharedHandle() {
-  if (std::this_thread::get_id() != setUpThread)
-    std::call_once(rereadOnce, [] {
-      fsIniReleaseFile(shared);
-      shared = openRetrying(sharedPath(), true);
-    });
-  return shared;
-}
-
-// "value;" for a spread of lookups through both ways of asking; "k24" has no value: "-".
+// "value;" for a spread of lookups through both ways of asking; "k24" has no value: "-". Worker
+// 0 first walks the document, the only walk in the process, beside the other workers' readers.
 std::string sharedReads(int worker, int round) {
-  int32_t handle = sharedHandle();
+  if (worker == 0 && round < 10) return fskit::test::iniWalk(shared, ";");
   std::string out;
   for (int i = 0; i < 40; ++i) {
     std::string paragraph = "S" + std::to_string((worker * 7 + round * 3 + i) % kParagraphs);
     std::string topic = "k" + std::to_string((worker + round * 5 + i * 11) % (kTopics + 1));
-    char *copy = fskit::ini::copyValueOf(handle, paragraph.c_str(), topic.c_str());
+    char *copy = fskit::ini::copyValueOf(shared, paragraph.c_str(), topic.c_str());
     out += copy != nullptr ? copy : "-";
-    if (copy != nullptr && valueOf(handle, paragraph, topic) != copy) out += "(differs)";
+    if (copy != nullptr && valueOf(shared, paragraph, topic) != copy) out += "(differs)";
     std::free(copy);
     out += ";";
   }
   return out;
-}
-
-// Worker 0 walks the shared document, the only walk in the process, beside the readers.
-std::string walkBesideReaders(int worker, int round) {
-  if (worker != 0) return sharedReads(worker, round);
-  return fskit::test::iniWalk(sharedHandle(), ";");
 }
 
 // Each worker sets, writes and reads back a document of its own. At most six are open at once,
@@ -116,16 +94,14 @@ std::string ownDocument(int worker, int round) {
   std::string out = valueOf(handle, "P17", "t17");
   out += fsIniWriteFile(handle) == 1 ? " written;" : " not written;";
   handle = openRetrying(path, true);
-  for (int i = 0; i < 18; ++i) {
+  for (int i = 0; i < 18; ++i)
     out += valueOf(handle, name('P', (i * 5 + round) % 18), name('t', (i * 7 + worker) % 18)) + ";";
-  }
   fsIniReleaseFile(handle);
   ownSlots.release();
   return out;
 }
 
 const fskit::stress::Registration sharedWork{{"ini shared reads", 150, sharedReads, setUpShared}};
-const fskit::stress::Registration walkWork{{"ini walk beside readers", 10, walkBesideReaders}};
 const fskit::stress::Registration ownWork{{"ini own documents", 30, ownDocument}};
 
 // Readers starting at once on long lists just read all find the indexes behind, and all must

@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
@@ -67,11 +67,8 @@ std::string typedRound(int worker, int round) {
   for (int n : {30, 700 + 50 * worker}) {
     Bytes wide = records(random, n, 12);  // radix on the records
     fsSort(FS_SORT_LONG_DESC, 4, 12, n, wide.data());
-    Bytes doubles = records(random, n, 8);
-    for (size_t at = 0; at < doubles.size(); at += 8) {
-      double value = double(int(random() % 2000) - 1000) / 8;
-      std::memcpy(&doubles[at], &value, 8);
-    }
+    std::vector<double> doubles(static_cast<size_t>(n));
+    for (double &value : doubles) value = double(int(random() % 2000) - 1000) / 8;
     fsSort(FS_SORT_DOUBLE, 0, 8, n, doubles.data());
     Bytes texts = records(random, n, 13, 2);  // moved through an order
     fsSort(FS_SORT_STRING, 2, 13, n, texts.data());
@@ -89,15 +86,6 @@ std::string typedRound(int worker, int round) {
   return out;
 }
 
-struct Pair {
-  int32_t key, order;
-};
-
-int comparePairs(const void *a, const void *b) {
-  const Pair *x = static_cast<const Pair *>(a), *y = static_cast<const Pair *>(b);
-  return x->key < y->key ? -1 : x->key > y->key;
-}
-
 // The comparators read the calling thread's sort context: another thread's sizes and offsets
 // would give another order. fsQsort with a comparator of the caller's beside them.
 std::string comparatorRound(int worker, int round) {
@@ -111,9 +99,12 @@ std::string comparatorRound(int worker, int round) {
   std::vector<int32_t> index = firstNumbers(n);
   sortContext() = {offset, numbers.data(), size};
   std::qsort(index.data(), n, sizeof(int32_t), comparator(FS_SORT_SHORT, kIndexedField));
-  std::vector<Pair> pairs(static_cast<size_t>(500 + 40 * round));
+  std::vector<std::array<int32_t, 2>> pairs(static_cast<size_t>(500 + 40 * round));
   for (size_t k = 0; k < pairs.size(); ++k) pairs[k] = {int32_t(random() % 64), int32_t(k)};
-  fsQsort(pairs.data(), uint32_t(pairs.size()), sizeof(Pair), comparePairs);
+  fsQsort(pairs.data(), uint32_t(pairs.size()), sizeof pairs[0], [](const void *a, const void *b) {
+    int32_t x = *static_cast<const int32_t *>(a), y = *static_cast<const int32_t *>(b);
+    return x < y ? -1 : x > y;  // by the first number only
+  });
   return hashOf(texts, index, pairs);
 }
 

@@ -11,9 +11,8 @@ namespace fskit::stress {
 
 inline constexpr int kThreads = 8;
 
-// `run(worker, round)` makes one round's library calls and returns a text that depends only on
-// the two numbers; where several answers are allowed (a parse during a table reload), `run`
-// checks that itself and returns a fixed text. `setUp` prepares shared inputs once.
+// `run(worker, round)` returns a text that depends only on the two numbers (where several answers
+// are allowed, it checks them itself and returns a fixed text); `setUp` prepares shared inputs.
 struct Workload {
   std::string name;
   int rounds;  // per worker

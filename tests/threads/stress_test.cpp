@@ -45,8 +45,7 @@ TEST(Stress, EveryFamilyFromEightThreadsMatchesOneThread) {
   std::mutex mismatchLock;
   std::vector<std::string> mismatches;
   std::latch together(kThreads);
-  int maxRounds = 0;
-  for (const Workload &w : all) maxRounds = std::max(maxRounds, w.rounds);
+  const int maxRounds = std::ranges::max(all, {}, &Workload::rounds).rounds;
   // Each worker starts at another workload, so that every family runs beside every other one.
   auto work = [&](int worker) {
     together.arrive_and_wait();
