@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The classic parsers against the example element file (records 0 to 9); the richer formula text,
-// composition and adducts against the shipped one; fskit formula and fskit elements.
+// composition and adducts against the shipped one; fskit formula, elements and pattern.
 #include <climits>
 #include <cmath>
 #include <string>
@@ -404,65 +404,99 @@ TEST_F(Ion, NamesEachErrorWithItsPosition) {
   EXPECT_EQ(readAdduct(nullptr).error, "expected '[' at position 0");
 }
 
-// fskit formula in an empty directory (the shipped table found by the tool's own place).
-TEST(ChemistryTool, FormulaOutputsAndErrors) {
+// fskit formula and fskit pattern where the shipped table is found only by the tool's own place.
+TEST(ChemistryTool, OutputsAndErrors) {
   const std::string header = "formula\tcanonical\tnominal\tmonoisotopic\taverage\trdb";
   const std::string composition = "formula\telement\tcount\tmass\tpercent\n";
+  const std::string peaks = "formula\tmz\tfraction\trelative\n";
+  const std::string badCharge = "--charge needs a signed integer other than 0";
   struct Case {
     std::vector<std::string> args;
     std::string input;
     int status;
-    std::string out, err;
+    std::string out, error;  // error: the message after "fskit COMMAND: "
   } cases[] = {
-      {{"C5 13C H12 O6"}, "", 0,
+      {{"formula", "C5 13C H12 O6"}, "", 0,
        header + "\nC5 13C H12 O6\tC5.13CH12O6\t181\t181.066743\t181.1484\t1.0\n", ""},
-      {{"--json", "H2O"}, "", 0,
+      {{"formula", "--json", "H2O"}, "", 0,
        "{\"formula\":\"H2O\",\"canonical\":\"H2O\",\"nominal\":18,"
        "\"monoisotopic\":18.010565,\"average\":18.0150,\"rdb\":0.0}\n", ""},
       // A single - reads one formula per line, blank lines skipped.
-      {{"-"}, "H2O\n\n  \nNA.CL\r\n", 0,
+      {{"formula", "-"}, "H2O\n\n  \nNA.CL\r\n", 0,
        header + "\nH2O\tH2O\t18\t18.010565\t18.0150\t0.0\nNA.CL\tClNa\t58\t57.958622\t58.4398\t0.0\n", ""},
       // A formula that does not read is reported; the others are printed.
-      {{"H2O", "C6H5(CH3)"}, "", 1, header + "\nH2O\tH2O\t18\t18.010565\t18.0150\t0.0\n",
-       "fskit formula: unknown symbol '(C' at position 5 of 'C6H5(CH3)'\n"},
-      {{}, "", 2, "", "fskit formula: no formula given\n"},
-      {{"--elements"}, "", 2, "", "fskit formula: --elements and --ini need a file name\n"},
-      {{"--adduct", "[M+H]+", "C6H12O6"}, "", 0,
+      {{"formula", "H2O", "C6H5(CH3)"}, "", 1, header + "\nH2O\tH2O\t18\t18.010565\t18.0150\t0.0\n",
+       "unknown symbol '(C' at position 5 of 'C6H5(CH3)'"},
+      {{"formula"}, "", 2, "", "no formula given"},
+      {{"formula", "--elements"}, "", 2, "", "--elements and --ini need a file name"},
+      {{"formula", "--ini", "lab.ini", "C6H12O6"}, "", 0,
+       header + "\nC6H12O6\tC6H12O6\t180\t180.063390\t180.1560\t1.0\n", ""},
+      {{"formula", "--elements", "none.tbl", "C"}, "", 1, "",
+       "none.tbl: No such file or directory"},
+      {{"formula", "--adduct", "[M+H]+", "C6H12O6"}, "", 0,
        header + "\tmz\nC6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0\t181.070665\n", ""},
-      {{"--json", "--adduct=[M+2H]2+", "C6H12O6"}, "", 0,
+      {{"formula", "--json", "--adduct=[M+2H]2+", "C6H12O6"}, "", 0,
        "{\"formula\":\"C6H12O6\",\"canonical\":\"C6H12O6\",\"nominal\":180,"
        "\"monoisotopic\":180.063388,\"average\":180.1560,\"rdb\":1.0,\"mz\":91.038971}\n", ""},
       // H2CO3: H 3.250355, C 19.365084, O 77.384561 % round to 100.0001; cut to 4 decimals the
       // two missing steps go to the largest remainders, C's and O's.
-      {{"--composition", "H2CO3"}, "", 0,
+      {{"formula", "--composition", "H2CO3"}, "", 0,
        composition + "H2CO3\tH\t2\t2.0160\t3.2503\nH2CO3\tC\t1\t12.0110\t19.3651\n"
                      "H2CO3\tO\t3\t47.9970\t77.3846\n", ""},
-      {{"--composition", "--json", "H2O"}, "", 0,
+      {{"formula", "--composition", "--json", "H2O"}, "", 0,
        "{\"formula\":\"H2O\",\"element\":\"H\",\"count\":2,\"mass\":2.0160,\"percent\":11.1907}\n"
        "{\"formula\":\"H2O\",\"element\":\"O\",\"count\":1,\"mass\":15.9990,\"percent\":88.8093}\n", ""},
-      {{"--adduct", "[M+Xx]+", "C6H12O6"}, "", 1, "",
-       "fskit formula: unknown element 'Xx' at position 3 of adduct '[M+Xx]+'\n"},
-      {{"--adduct"}, "", 2, "", "fskit formula: --adduct needs an adduct such as [M+H]+\n"},
-      {{"--adduct", "[M+H]+", "--composition", "C"}, "", 2, "",
-       "fskit formula: give --adduct or --composition, not both\n"},
-      {{"--composition", "C6H1Xx2", "H2"}, "", 1, composition + "H2\tH\t2\t2.0160\t100.0000\n",
-       "fskit formula: unknown element 'Xx' at position 4 of 'C6H1Xx2'\n"},
+      {{"formula", "--adduct", "[M+Xx]+", "C6H12O6"}, "", 1, "",
+       "unknown element 'Xx' at position 3 of adduct '[M+Xx]+'"},
+      {{"formula", "--adduct"}, "", 2, "", "--adduct needs an adduct such as [M+H]+"},
+      {{"formula", "--adduct", "[M+H]+", "--composition", "C"}, "", 2, "",
+       "give --adduct or --composition, not both"},
+      {{"formula", "--composition", "C6H1Xx2", "H2"}, "", 1,
+       composition + "H2\tH\t2\t2.0160\t100.0000\n",
+       "unknown element 'Xx' at position 4 of 'C6H1Xx2'"},
+      // By hand from NIST's abundances (1H 99.9885, 2H 0.0115; 16O 99.757, 17O 0.038, 18O 0.205):
+      // M 0.999885^2 * 0.99757; M+3 (4.7e-7) is below 0.01 % of M.
+      {{"pattern", "H2O"}, "", 0,
+       peaks + "H2O\t18.010565\t0.997340572\t100.0000\nH2O\t19.015557\t0.000609327319\t0.0611\n"
+               "H2O\t20.014810\t0.00204962911\t0.2055\n", ""},
+      // From standard input, as JSON, as [M+H]+: M 0.999885^3 * 0.99757.
+      {{"pattern", "--json", "--adduct", "[M+H]+", "--min-relative", "1", "-"}, "H2O\n\n", 0,
+       "{\"formula\":\"H2O\",\"mz\":19.017841,\"fraction\":0.997225878,"
+       "\"relative\":100.0000}\n", ""},
+      {{"pattern", "--adduct", "[M+H]+", "--charge", "1", "C"}, "", 2, "",
+       "give --adduct or --charge, not both"},
+      {{"pattern", "--resolution", "1000", "--fine", "C"}, "", 2, "",
+       "give --resolution or --fine, not both"},
+      {{"pattern", "--coverage", "0.9", "--min-relative", "1", "C"}, "", 2, "",
+       "give --min-relative or --coverage, not both"},
+      {{"pattern", "--charge", "0", "C"}, "", 2, "", badCharge},
+      {{"pattern", "--charge", "2x", "C"}, "", 2, "", badCharge},
+      {{"pattern", "--resolution", "-5", "C"}, "", 2, "", "--resolution needs a number above 0"},
+      {{"pattern", "--min-relative", "0", "C"}, "", 2, "",
+       "--min-relative needs a percent above 0 and at most 100"},
+      {{"pattern", "--coverage", "99.9", "C"}, "", 2, "",
+       "--coverage needs a fraction above 0 and at most 1 (e.g. 0.999)"},
+      {{"pattern", "--svg", "a.svg", "C", "H2"}, "", 2, "", "--svg draws one formula"},
+      {{"pattern", "--resolution"}, "", 2, "", "an option is missing its value"},
+      {{"pattern", "--wide", "C"}, "", 2, "", "unknown option --wide"},
+      {{"pattern", "C6(H2O"}, "", 1, peaks, "unclosed '(' at position 2 of 'C6(H2O'"},
+      {{"pattern", "--adduct", "[M+H", "C"}, "", 1, "",
+       "unclosed '[' at position 0 of adduct '[M+H'"},
+      {{"pattern", "--adduct", "[M-H2O+H]+", "CH4"}, "", 1, peaks,
+       "the adduct removes more O than the molecule has in [M-H2O+H]+ of 'CH4'"},
   };
-  TempDir empty;
-  for (Case &c : cases) {
-    c.args.insert(c.args.begin(), "formula");
-    auto result = runTool(c.args, c.input, empty.path());
-    std::string trace = c.args.size() > 1 ? c.args[1] + " " + c.args.back() : "";
-    EXPECT_EQ(result.status, c.status) << trace;
-    EXPECT_EQ(result.out, c.out) << trace;
-    EXPECT_EQ(result.err, c.err) << trace;
-  }
-}
-
-TEST(ChemistryTool, ElementFileFromOptionOrIniFile) {
   TempDir dir;
   writeFile(dir.file("example.tbl"), kExampleTable);
   writeFile(dir.file("lab.ini"), "[Formula Files]\nelementFile=example.tbl\n");
+  for (const Case &c : cases) {
+    auto result = runTool(c.args, c.input, dir.path());
+    std::string trace = ::testing::PrintToString(c.args);
+    EXPECT_EQ(result.status, c.status) << trace;
+    EXPECT_EQ(result.out, c.out) << trace;
+    std::string error = c.error.empty() ? "" : "fskit " + c.args[0] + ": " + c.error + "\n";
+    EXPECT_EQ(result.err, error) << trace;
+  }
+
   auto listed = runTool({"elements", "--elements", "example.tbl"}, "", dir.path());
   EXPECT_EQ(listed.status, 0) << listed.err;
   EXPECT_NE(listed.out.find("\n3\tH\tH\t1\t1\t1.007825000\t1.008000000\t100\t-1\t0\n"),
@@ -472,12 +506,6 @@ TEST(ChemistryTool, ElementFileFromOptionOrIniFile) {
                           "\"nominal\":1,\"monoisotopic\":1.007825000,\"average\":1.008000000,"
                           "\"abundance\":100,\"rdbFactor\":-1,\"shift\":0}\n"),
             std::string::npos) << json.out;
-  auto viaIni = runTool({"formula", "--ini", "lab.ini", "C6H12O6"}, "", dir.path());
-  EXPECT_EQ(viaIni.out.substr(viaIni.out.find('\n') + 1),
-            "C6H12O6\tC6H12O6\t180\t180.063390\t180.1560\t1.0\n");
-  auto missing = runTool({"formula", "--elements", "none.tbl", "C"}, "", dir.path());
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, "fskit formula: none.tbl: No such file or directory\n");
   // The library's own message goes to standard error as one line naming the command.
   writeFile(dir.file("bad.ini"), "[Formula Files]\nelementFile=none.tbl\n");
   auto viaLibrary = runTool({"formula", "--ini", "bad.ini", "C"}, "", dir.path());
