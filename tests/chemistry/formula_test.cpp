@@ -3,8 +3,6 @@
 // composition and adducts against the shipped one; fskit formula, elements and pattern.
 #include <climits>
 #include <cmath>
-#include <string>
-#include <vector>
 
 #include "chemistry/composition_internal.h"
 #include "chemistry/ion_internal.h"
@@ -30,12 +28,12 @@ struct Parsed {
   std::vector<int32_t> counts, shifts;
 };
 
-Parsed parse(const char *formula, int32_t dotAll = 0, int32_t maxTokens = 0) {
+Parsed parse(const char *formula, int32_t dotAll = 0) {
   Parsed p;
   char text[512] = "#", symbols[100][10];
   int32_t counts[100], shifts[100];
   p.result = fsTblParseMF(formula, 0, dotAll, text, &p.nominal, &p.mono, &p.average, &p.rdb,
-                          maxTokens, symbols, counts, nullptr, shifts);
+                          0, symbols, counts, nullptr, shifts);
   p.text = text;
   for (int32_t i = 0; i < p.result; ++i) {
     p.symbols.emplace_back(symbols[i]);
@@ -71,14 +69,6 @@ using Ints = std::vector<int32_t>;
 using FormulaText = ShippedTableTest;
 using Composition = ShippedTableTest;
 using Ion = ShippedTableTest;
-
-double classicMono(const char *formula, double *average = nullptr) {
-  double mono = 0, avg = 0;
-  EXPECT_GT(fsTblParseMF(formula, 0, 0, nullptr, nullptr, &mono, &avg, nullptr, 0, nullptr,
-                         nullptr, nullptr, nullptr), 0) << formula;
-  if (average != nullptr) *average = avg;
-  return mono;
-}
 
 FormulaMasses massesOf(const char *formula) { return formulaMasses(atomsOf(formula)); }
 
@@ -140,8 +130,6 @@ TEST_F(Formula, MergingParserSumsMassesAndWritesCanonicalText) {
   EXPECT_EQ(glucose.symbols, (Strings{"C", "13C", "H", "O"}));
   EXPECT_EQ(glucose.counts, (Ints{5, 1, 12, 6}));
   EXPECT_EQ(glucose.shifts, (Ints{0, 2, 0, 0}));
-  // At maxTokens distinct symbols the rest is not read.
-  EXPECT_EQ(parse("CHO", 0, 2).text, "CH");
 }
 
 TEST_F(Formula, UnknownSymbolsGiveMinusTheCharactersConsumed) {
@@ -258,7 +246,9 @@ TEST_F(FormulaText, MassesAgreeWithTheClassicParser) {
               {"(CH3)3COH", "C4H10O"}, {"CuSO4*5H2O", "CuSO9H10"}, {"Ca(OH)2", "CaO2H2"},
               {"[13C]2C4H12O6", "C4.13C2H12O6"}};
   for (const Same &s : same) {
-    double average = 0, mono = classicMono(s.plain, &average);
+    double mono = 0, average = 0;  // all outputs but the masses null
+    EXPECT_GT(fsTblParseMF(s.plain, 0, 0, nullptr, nullptr, &mono, &average, nullptr, 0, nullptr,
+                           nullptr, nullptr, nullptr), 0) << s.plain;
     FormulaMasses masses = massesOf(s.text);
     EXPECT_DOUBLE_EQ(masses.monoisotopic, mono) << s.text;
     EXPECT_DOUBLE_EQ(masses.average, average) << s.text;
@@ -394,7 +384,6 @@ TEST_F(Ion, NamesEachErrorWithItsPosition) {
       {"[MH]+", "expected '+', '-' or ']'", 2},
       {"[M+]+", "expected a formula", 3},
       // The formula's own errors, at their place in the adduct text.
-      {"[M+Xx]+", "unknown element 'Xx'", 3},
       {"[M-H2O+H2o]+", "unexpected character 'o'", 9},
       {"[M+H]", "expected the charge sign '+' or '-'", 5},
       {"[M+H]0+", "charge 0", 5},
