@@ -88,23 +88,6 @@ TEST(ElementTable, LoadsEachFileNameOnce) {
   EXPECT_EQ(fsElementTableCount(), 2);
 }
 
-TEST(ElementTable, FirstLookupLoadsTheConfiguredOrADefaultFile) {
-  TempDir dir;
-  ChangeDir inside(dir.path());
-  writeFile("chosen.tbl", "H 1 1.008 1 - 1H 1.007825 99.985 0 -1\n");
-  writeFile("fskit.ini", "[Formula Files]\nelementFile=chosen.tbl\n");
-  ASSERT_EQ(fsIniReadFile("fskit.ini"), 1000);
-  EXPECT_EQ(fsInitElemTable(1000, 0), 1);
-  EXPECT_EQ(fsElementTableCount(), 0);
-  EXPECT_EQ(fsFindElemInTbl("H"), 0);
-  EXPECT_EQ(fsElementTableCount(), 2);
-  // A value longer than any INI line (set, not read) is taken whole; it does not open.
-  writeFile("kw_ele.tbl", kExampleTable);
-  fsIniSetValue(1000, "Formula Files", "elementFile", std::string(3000, 'x').c_str(), "");
-  EXPECT_EQ(fsInitElemTable(1000, 1), 1);
-  EXPECT_EQ(fsElementTableCount(), 10);
-}
-
 TEST(ElementFile, LayoutRulesAndOverlongInput) {
   TempDir dir;
   std::string longLine = "Zz 99 1.5 1 - 1Zz 1.25 100 7 3" + std::string(120, ' ') + "  2Zz 2.5 0\n";
@@ -198,8 +181,8 @@ TEST(ElementFile, DecimalFieldsReadAsAtofReadsThem) {
   }
 }
 
-TEST(ElementTable, ADirectoryIsAnElementFileThatDoesNotOpen) {
-  // Caught: a directory loaded as an empty table, and a directory candidate ended the search.
+// Caught: a directory loaded as an empty table, and a directory candidate ended the search.
+TEST(ElementTable, TheConfiguredOrADefaultFileAtOnceOrOnFirstLookup) {
   TempDir dir;
   ChangeDir inside(dir.path());
   loadTable(dir, kExampleTable);
@@ -216,11 +199,21 @@ TEST(ElementTable, ADirectoryIsAnElementFileThatDoesNotOpen) {
             "fsFindElement: No element table present\n"
             "fsGetElementInfo: No element table present\n");
 
-  // The configured name and the first default name are directories: the next default is read.
-  writeFile("fskit.ini", "[Formula Files]\nelementFile=tables\n");
+  writeFile("chosen.tbl", "H 1 1.008 1 - 1H 1.007825 99.985 0 -1\n");
+  writeFile("fskit.ini", "[Formula Files]\nelementFile=chosen.tbl\n");
   ASSERT_EQ(fsIniReadFile("fskit.ini"), 1000);
-  ASSERT_TRUE(std::filesystem::create_directory("kw_elements.tbl"));
+  EXPECT_EQ(fsInitElemTable(1000, 0), 1);
+  EXPECT_EQ(fsElementTableCount(), 0);
+  EXPECT_EQ(fsFindElemInTbl("H"), 0);
+  EXPECT_EQ(fsElementTableCount(), 2);
+  // A value longer than any INI line (set, not read) is taken whole; it does not open.
   writeFile("kw_ele.tbl", kExampleTable);
+  fsIniSetValue(1000, "Formula Files", "elementFile", std::string(3000, 'x').c_str(), "");
+  EXPECT_EQ(fsInitElemTable(1000, 1), 1);
+  EXPECT_EQ(fsElementTableCount(), 10);
+  // The configured name and the first default name are directories: the next default is read.
+  fsIniSetValue(1000, "Formula Files", "elementFile", "tables", "");
+  ASSERT_TRUE(std::filesystem::create_directory("kw_elements.tbl"));
   EXPECT_EQ(captureStdout([] { EXPECT_EQ(fsInitElemTable(1000, 1), 1); }), "");
   EXPECT_EQ(fsElementTableCount(), 10);
   // With no file among them, the failure of a name that does not open.
