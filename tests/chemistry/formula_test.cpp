@@ -215,10 +215,7 @@ TEST_F(Formula, BadInputStaysWithinItsBounds) {
 }
 
 TEST_F(FormulaText, ReadsCompositionsInFirstAppearanceOrder) {
-  struct Case {
-    const char *formula;
-    std::vector<FormulaAtom> atoms;
-  } cases[] = {
+  const std::pair<const char *, std::vector<FormulaAtom>> cases[] = {
       {"(CH3)3COH", {{"C", 0, 4}, {"H", 0, 10}, {"O", 0, 1}}},
       {"Ca(OH)2", {{"Ca", 0, 1}, {"O", 0, 2}, {"H", 0, 2}}},
       {"((CH2)2O)3Na", {{"C", 0, 6}, {"H", 0, 12}, {"O", 0, 3}, {"Na", 0, 1}}},
@@ -232,7 +229,7 @@ TEST_F(FormulaText, ReadsCompositionsInFirstAppearanceOrder) {
       {"C5.13CH12O6", {{"C", 0, 5}, {"C", 13, 1}, {"H", 0, 12}, {"O", 0, 6}}},
       {"H1000000000", {{"H", 0, 1'000'000'000}}},
   };
-  for (const Case &c : cases) EXPECT_EQ(atomsOf(c.formula), c.atoms) << c.formula;
+  for (const auto &[formula, atoms] : cases) EXPECT_EQ(atomsOf(formula), atoms) << formula;
 }
 
 // PubChem's "Monoisotopic Mass" and "Molecular Weight" (0: rounded more coarsely than 0.01; every
@@ -344,18 +341,15 @@ TEST_F(Composition, IsotopesApartAndUnknownElements) {
 // me 0.000548579909: glucose M = 180.06338810418, H2O 18.01056468403.
 TEST_F(Ion, MzOfGlucoseAsComputedByHand) {
   double glucose = massesOf("C6H12O6").monoisotopic;
-  struct Case {
-    const char *adduct;
-    double mz;
-  } cases[] = {
+  const std::pair<const char *, double> cases[] = {
       {"[M+H]+", 181.070664556501},      // M + H - me
       {"[M-H]-", 179.056111651859},      // M - H + me
       {"[M+2H]2+", 91.038970504411},     // (M + 2H - 2me) / 2
       {"[2M+Na]+", 383.115996910451},    // 2M + Na - me
       {"[M-H2O+H]+", 163.060099872471},  // M - H2O + H - me
   };
-  for (const Case &c : cases)
-    EXPECT_NEAR(adductMz(glucose, readAdduct(c.adduct)), c.mz, 1e-6) << c.adduct;
+  for (const auto &[adduct, mz] : cases)
+    EXPECT_NEAR(adductMz(glucose, readAdduct(adduct)), mz, 1e-6) << adduct;
   // A plain charge: (M - me) / 1 and (M + 2me) / 2.
   EXPECT_NEAR(chargedMz(glucose, 1), 180.062839524271, 1e-9);
   EXPECT_NEAR(chargedMz(glucose, -2), 90.032242631999, 1e-9);

@@ -212,10 +212,7 @@ TEST_F(Pattern, ThreadsAtOnceGetWhatOneThreadGets) {
 
 TEST_F(Pattern, RefusesWhatItCannotCompute) {
   const char *tooMany = "the pattern has more than 1000 peaks; leave out more of the small ones";
-  struct Case {
-    PatternRequest request;
-    const char *error;
-  } cases[] = {
+  const std::pair<PatternRequest, const char *> cases[] = {
       {{PeakGrouping::kResolution, 0}, "resolution must be a number above 0"},
       {{PeakGrouping::kResolution, NAN}, "resolution must be a number above 0"},
       {{PeakGrouping::kFine, 0, 0}, "min-relative must be above 0 and at most 100"},
@@ -224,7 +221,8 @@ TEST_F(Pattern, RefusesWhatItCannotCompute) {
       {{PeakGrouping::kFine, 0, 1e-6, 0, true, 1000}, tooMany},
       {{PeakGrouping::kResolution, 1e6, 1, 0, true, 1000}, tooMany},
   };
-  for (const Case &c : cases) EXPECT_EQ(isotopePattern(atomsOf("C100H200Sn10"), c.request).error, c.error);
+  for (const auto &[request, error] : cases)
+    EXPECT_EQ(isotopePattern(atomsOf("C100H200Sn10"), request).error, error);
   EXPECT_EQ(isotopePattern({{"C", 99, 1}}, {}).error, "'99C' is not in the element table");
   // Ten thousand tin atoms spread over thousands of mass numbers: refused, not computed for minutes.
   EXPECT_EQ(isotopePattern(atomsOf("Sn10000"), {}).error, "too many Sn atoms for a nominal pattern");
