@@ -122,8 +122,7 @@ void checkTokens(const Text &formula, uint8_t options) {
   const Tokens tokens = parseTokens(formula.get(), separated, maxTokens);
   if (tokens.result <= 0) return;
   std::string written;
-  for (int32_t i = 0; i < tokens.result; ++i) {
-    const size_t k = size_t(i);
+  for (size_t k = 0; k < size_t(tokens.result); ++k) {
     FsElementRecord record;
     FUZZ_CHECK(fsFindElement(tokens.symbols[k].data(), &record) >= 0);
     FUZZ_CHECK(tokens.atomicNumbers[k] == record.atomicNumber && tokens.shifts[k] == record.isotopeShift);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The classic parsers against the example element file (records 0 to 9); the richer formula text,
-// composition and adducts against the shipped one; fskit formula and fskit elements.
+// composition and adducts against the shipped one; fskit formula, elements and pattern.
+#include <algorithm>
+#include <cctype>
 #include <climits>
 #include <cmath>
-#include <string>
-#include <vector>
 
 #include "chemistry/composition_internal.h"
 #include "chemistry/ion_internal.h"
@@ -30,18 +30,17 @@ struct Parsed {
   std::vector<int32_t> counts, shifts;
 };
 
-Parsed parse(const char *formula, int32_t dotAll = 0, int32_t maxTokens = 0) {
+Parsed parse(const char *formula, int32_t dotAll = 0) {
   Parsed p;
   char text[512] = "#", symbols[100][10];
   int32_t counts[100], shifts[100];
-  p.result = fsTblParseMF(formula, 0, dotAll, text, &p.nominal, &p.mono, &p.average, &p.rdb,
-                          maxTokens, symbols, counts, nullptr, shifts);
+  p.result = fsTblParseMF(formula, 0, dotAll, text, &p.nominal, &p.mono, &p.average, &p.rdb, 0,
+                          symbols, counts, nullptr, shifts);
   p.text = text;
-  for (int32_t i = 0; i < p.result; ++i) {
-    p.symbols.emplace_back(symbols[i]);
-    p.counts.push_back(counts[i]);
-    p.shifts.push_back(shifts[i]);
-  }
+  const int32_t n = std::max(p.result, 0);
+  p.symbols.assign(symbols, symbols + n);
+  p.counts.assign(counts, counts + n);
+  p.shifts.assign(shifts, shifts + n);
   return p;
 }
 
@@ -56,12 +55,11 @@ Ranged parseRange(const char *formula, int32_t maxTokens = 0) {
   char symbols[100][10];
   int32_t low[100], high[100], flags[100];
   r.result = fsTblParseMFRange(formula, 0, maxTokens, symbols, low, high, nullptr, nullptr, flags);
-  for (int32_t i = 0; i < r.result; ++i) {
-    r.symbols.emplace_back(symbols[i]);
-    r.low.push_back(low[i]);
-    r.high.push_back(high[i]);
-    r.flags.push_back(flags[i]);
-  }
+  const int32_t n = std::max(r.result, 0);
+  r.symbols.assign(symbols, symbols + n);
+  r.low.assign(low, low + n);
+  r.high.assign(high, high + n);
+  r.flags.assign(flags, flags + n);
   return r;
 }
 
@@ -72,17 +70,7 @@ using FormulaText = ShippedTableTest;
 using Composition = ShippedTableTest;
 using Ion = ShippedTableTest;
 
-double classicMono(const char *formula, double *average = nullptr) {
-  double mono = 0, avg = 0;
-  EXPECT_GT(fsTblParseMF(formula, 0, 0, nullptr, nullptr, &mono, &avg, nullptr, 0, nullptr,
-                         nullptr, nullptr, nullptr), 0) << formula;
-  if (average != nullptr) *average = avg;
-  return mono;
-}
-
 FormulaMasses massesOf(const char *formula) { return formulaMasses(atomsOf(formula)); }
-
-MassComposition compositionOf(const char *formula) { return massComposition(atomsOf(formula)); }
 
 // A text that a reader (of formulas or adducts) refuses, and its words.
 struct ErrorCase {
@@ -115,7 +103,6 @@ TEST_F(Formula, MergingParserSumsMassesAndWritesCanonicalText) {
     int32_t nominal;
     double mono, average, rdb;
   } rows[] = {
-      {"C6H12O6", 0, 3, "C6H12O6", 180, 180.06339, 180.156, 1.0},
       {"CH3CH2OH", 0, 3, "C2H6O", 46, 46.041865, 46.069, 0.0},
       {"C5 13C H12 O6", 0, 4, "C5.13CH12O6", 181, 181.066745, 181.148355, 1.0},
       {"C6H12O6", 1, 3, "C6.H12.O6", 180, 180.06339, 180.156, 1.0},
@@ -125,7 +112,6 @@ TEST_F(Formula, MergingParserSumsMassesAndWritesCanonicalText) {
       {"C0H", 0, 2, "CH", 13, 13.007825, 13.019, 1.5},              // C0 counts 1
       {"C1_5!H*2", 0, 2, "CH2", 14, 14.01565, 14.027, 1.0},         // marks and ranges ignored
       {"C613C", 0, 1, "C614", 7368, 7368.0, 7374.754, 615.0},       // the count swallows 13
-      {"C6 13C", 0, 2, "C6.13C", 85, 85.003355, 85.069355, 8.0},
       {"C\tO", 0, 2, "CO", 28, 27.994915, 28.01, 2.0},              // a tab does not separate
       {"2HHO", 0, 3, "H.2HO", 19, 19.016842, 19.021102, 0.0},
   };
@@ -143,8 +129,6 @@ TEST_F(Formula, MergingParserSumsMassesAndWritesCanonicalText) {
   EXPECT_EQ(glucose.symbols, (Strings{"C", "13C", "H", "O"}));
   EXPECT_EQ(glucose.counts, (Ints{5, 1, 12, 6}));
   EXPECT_EQ(glucose.shifts, (Ints{0, 2, 0, 0}));
-  // At maxTokens distinct symbols the rest is not read.
-  EXPECT_EQ(parse("CHO", 0, 2).text, "CH");
 }
 
 TEST_F(Formula, UnknownSymbolsGiveMinusTheCharactersConsumed) {
@@ -188,7 +172,6 @@ TEST_F(Formula, UnknownSymbolsGiveMinusTheCharactersConsumed) {
 
 TEST_F(Formula, RangeParserKeepsEveryTokenWithRangesAndMarks) {
   Ranged r = parseRange("C6_10H10..20!O*2");
-  EXPECT_EQ(r.result, 3);
   EXPECT_EQ(r.symbols, (Strings{"C", "H", "O"}));
   EXPECT_EQ(r.low, (Ints{6, 10, 2}));
   EXPECT_EQ(r.high, (Ints{10, 20, 2}));
@@ -232,11 +215,7 @@ TEST_F(Formula, BadInputStaysWithinItsBounds) {
 }
 
 TEST_F(FormulaText, ReadsCompositionsInFirstAppearanceOrder) {
-  struct Case {
-    const char *formula;
-    std::vector<FormulaAtom> atoms;
-  } cases[] = {
-      {"C6H12O6", {{"C", 0, 6}, {"H", 0, 12}, {"O", 0, 6}}},
+  const std::pair<const char *, std::vector<FormulaAtom>> cases[] = {
       {"(CH3)3COH", {{"C", 0, 4}, {"H", 0, 10}, {"O", 0, 1}}},
       {"Ca(OH)2", {{"Ca", 0, 1}, {"O", 0, 2}, {"H", 0, 2}}},
       {"((CH2)2O)3Na", {{"C", 0, 6}, {"H", 0, 12}, {"O", 0, 3}, {"Na", 0, 1}}},
@@ -250,29 +229,44 @@ TEST_F(FormulaText, ReadsCompositionsInFirstAppearanceOrder) {
       {"C5.13CH12O6", {{"C", 0, 5}, {"C", 13, 1}, {"H", 0, 12}, {"O", 0, 6}}},
       {"H1000000000", {{"H", 0, 1'000'000'000}}},
   };
-  for (const Case &c : cases) EXPECT_EQ(atomsOf(c.formula), c.atoms) << c.formula;
+  for (const auto &[formula, atoms] : cases) EXPECT_EQ(atomsOf(formula), atoms) << formula;
 }
 
-TEST_F(FormulaText, MassesAgreeWithTheClassicParser) {
-  for (const char *plain : {"C6H12O6", "CuSO4", "UF6", "C1000H1600N280O300S10"}) {
-    double average = 0, mono = classicMono(plain, &average);
-    FormulaMasses masses = massesOf(plain);
-    EXPECT_TRUE(masses.ok);
-    EXPECT_DOUBLE_EQ(masses.monoisotopic, mono) << plain;
-    EXPECT_DOUBLE_EQ(masses.average, average) << plain;
+// PubChem's "Monoisotopic Mass" and "Molecular Weight" (0: rounded more coarsely than 0.01; every
+// element used is in one of them) from the classic parser, and the same from the richer text.
+TEST_F(FormulaText, MassesArePublishedOnesAndTheClassicParsers) {
+  struct Compound {
+    const char *text;
+    double mono, average;
+    const char *plain = nullptr;  // in classic text, when the text is not
+  } compounds[] = {
+      {"H2O", 18.010565, 18.015},       {"NH3", 17.026549, 17.031},
+      {"C6H12O6", 180.063388, 180.16},  {"C27H46O", 386.354866, 0},
+      {"C3H7NO2S", 121.019749, 121.16}, {"NaCl", 57.958622, 58.44},
+      {"C6H5Br", 155.957462, 157.01},   {"C6H5F", 96.037528, 96.10},
+      {"CH3I", 141.927947, 141.939},    {"H3PO4", 97.976896, 97.994},
+      {"KCl", 73.932560, 74.55},        {"C4H12Si", 88.070827, 88.22},
+      {"CuSO4", 0, 0},                  {"UF6", 0, 0},
+      {"C1000H1600N280O300S10", 0, 0},  {"(CH3)3COH", 0, 0, "C4H10O"},
+      {"CuSO4*5H2O", 0, 0, "CuSO9H10"}, {"Ca(OH)2", 0, 0, "CaO2H2"},
+      {"[13C]2C4H12O6", 0, 0, "C4.13C2H12O6"},
+  };
+  for (const Compound &c : compounds) {
+    SCOPED_TRACE(c.text);
+    const char *plain = c.plain != nullptr ? c.plain : c.text;
+    bool hill = plain[0] == 'C' && !std::islower(plain[1]);  // the shipped file is in Hill order
+    char text[64] = "";
+    double mono = 0, average = 0;  // the text null when not compared
+    ASSERT_GT(fsTblParseMF(plain, 0, 0, hill ? text : nullptr, nullptr, &mono, &average, nullptr,
+                           0, nullptr, nullptr, nullptr, nullptr),
+              0);
+    if (hill) { EXPECT_EQ(std::string(text), plain); }
+    if (c.mono != 0) { EXPECT_NEAR(mono, c.mono, 1e-6); }
+    if (c.average != 0) { EXPECT_NEAR(average, c.average, 0.01); }
+    FormulaMasses masses = massesOf(c.text);
+    EXPECT_DOUBLE_EQ(masses.monoisotopic, mono);
+    EXPECT_DOUBLE_EQ(masses.average, average);
   }
-  struct Same {
-    const char *text, *plain;
-  } same[] = {{"(CH3)3COH", "C4H10O"}, {"CuSO4*5H2O", "CuSO9H10"}, {"Ca(OH)2", "CaO2H2"}};
-  for (const Same &s : same) {
-    double average = 0, mono = classicMono(s.plain, &average);
-    EXPECT_NEAR(massesOf(s.text).monoisotopic, mono, 1e-9) << s.text;
-    EXPECT_NEAR(massesOf(s.text).average, average, 1e-9) << s.text;
-  }
-  FsElementRecord c13;
-  ASSERT_GE(fsFindElement("13C", &c13), 0);
-  EXPECT_NEAR(massesOf("[13C]2C4H12O6").monoisotopic,
-              classicMono("C6H12O6") + 2 * (c13.monoMass - 12.0), 1e-9);
   EXPECT_FALSE(formulaMasses({{"Xx", 0, 1}}).ok);
 }
 
@@ -307,11 +301,8 @@ TEST_F(FormulaText, NamesEachErrorWithItsPosition) {
 }
 
 TEST_F(FormulaText, LimitsGroupNesting) {
-  auto nested = [](size_t depth) {
-    return std::string(depth, '(') + "H" + std::string(depth, ')');
-  };
-  FormulaComposition deepest = readFormulaText(nested(kMaxGroupDepth).c_str());
-  EXPECT_EQ(deepest.atoms, (std::vector<FormulaAtom>{{"H", 0, 1}})) << deepest.error;
+  auto nested = [](size_t n) { return std::string(n, '(') + "H" + std::string(n, ')'); };
+  EXPECT_EQ(atomsOf(nested(kMaxGroupDepth).c_str()), (std::vector<FormulaAtom>{{"H", 0, 1}}));
   EXPECT_EQ(readFormulaText(nested(kMaxGroupDepth + 1).c_str()).error,
             "groups nested deeper than 32 at position 32");
   // Far deeper text is refused, not a stack overflow.
@@ -322,8 +313,7 @@ TEST_F(Composition, PercentsAddUpToExactlyOneHundred) {
   for (const char *formula :
        {"C6H12O6", "C8H10N4O2", "CuSO4*5H2O", "H2O", "NaCl", "UF6", "C254H377N65O75S6",
         "C1000H1600N280O300S10", "[13C]2C4H12O6", "CHNOPSClBrIFNaKMgCaFeZnCuSe", "C3H3"}) {
-    MassComposition shares = compositionOf(formula);
-    ASSERT_TRUE(shares.ok) << formula;
+    MassComposition shares = massComposition(atomsOf(formula));
     int64_t steps = 0;
     double mass = 0.0;
     for (const ElementShare &share : shares.elements) {
@@ -340,7 +330,7 @@ TEST_F(Composition, PercentsAddUpToExactlyOneHundred) {
 
 // Each isotope on its own, at its exact mass (the rounding is checked on the tool's output).
 TEST_F(Composition, IsotopesApartAndUnknownElements) {
-  MassComposition labelled = compositionOf("[13C]C");
+  MassComposition labelled = massComposition(atomsOf("[13C]C"));
   ASSERT_EQ(labelled.elements.size(), 2u);
   EXPECT_EQ(labelled.elements[0].label, "13C");
   EXPECT_NEAR(labelled.elements[0].mass, 13.00335483507, 1e-9);
@@ -351,21 +341,15 @@ TEST_F(Composition, IsotopesApartAndUnknownElements) {
 // me 0.000548579909: glucose M = 180.06338810418, H2O 18.01056468403.
 TEST_F(Ion, MzOfGlucoseAsComputedByHand) {
   double glucose = massesOf("C6H12O6").monoisotopic;
-  struct Case {
-    const char *adduct;
-    double mz;
-  } cases[] = {
+  const std::pair<const char *, double> cases[] = {
       {"[M+H]+", 181.070664556501},      // M + H - me
       {"[M-H]-", 179.056111651859},      // M - H + me
       {"[M+2H]2+", 91.038970504411},     // (M + 2H - 2me) / 2
       {"[2M+Na]+", 383.115996910451},    // 2M + Na - me
       {"[M-H2O+H]+", 163.060099872471},  // M - H2O + H - me
   };
-  for (const Case &c : cases) {
-    Adduct adduct = readAdduct(c.adduct);
-    ASSERT_TRUE(adduct.ok()) << c.adduct << ": " << adduct.error;
-    EXPECT_NEAR(adductMz(glucose, adduct), c.mz, 1e-6) << c.adduct;
-  }
+  for (const auto &[adduct, mz] : cases)
+    EXPECT_NEAR(adductMz(glucose, readAdduct(adduct)), mz, 1e-6) << adduct;
   // A plain charge: (M - me) / 1 and (M + 2me) / 2.
   EXPECT_NEAR(chargedMz(glucose, 1), 180.062839524271, 1e-9);
   EXPECT_NEAR(chargedMz(glucose, -2), 90.032242631999, 1e-9);
@@ -384,14 +368,12 @@ TEST_F(Ion, ReadsMoleculesChargeAndTerms) {
       {"[M+Cl]-", 1, -1, {{"Cl", 0, 1}}, {}},
       {"[M]+", 1, 1, {}, {}},
       {"[3M-2H]2-", 3, -2, {}, {{"H", 0, 2}}},
-      {"[M-H2O+H]+", 1, 1, {{"H", 0, 1}}, {{"H", 0, 2}, {"O", 0, 1}}},
       {"[M+2(CH3)2CO]+", 1, 1, {{"C", 0, 6}, {"H", 0, 12}, {"O", 0, 2}}, {}},
       {"[M+[13C]H3]12+", 1, 12, {{"C", 13, 1}, {"H", 0, 3}}, {}},
   };
   for (const Case &c : cases) {
     Adduct adduct = readAdduct(c.text);
-    ASSERT_TRUE(adduct.ok()) << c.text << ": " << adduct.error;
-    EXPECT_EQ(adduct.molecules, c.molecules) << c.text;
+    EXPECT_EQ(adduct.molecules, c.molecules) << c.text << ": " << adduct.error;
     EXPECT_EQ(adduct.charge, c.charge) << c.text;
     EXPECT_EQ(adduct.added, c.added) << c.text;
     EXPECT_EQ(adduct.removed, c.removed) << c.text;
@@ -409,7 +391,6 @@ TEST_F(Ion, NamesEachErrorWithItsPosition) {
       {"[MH]+", "expected '+', '-' or ']'", 2},
       {"[M+]+", "expected a formula", 3},
       // The formula's own errors, at their place in the adduct text.
-      {"[M+Xx]+", "unknown element 'Xx'", 3},
       {"[M-H2O+H2o]+", "unexpected character 'o'", 9},
       {"[M+H]", "expected the charge sign '+' or '-'", 5},
       {"[M+H]0+", "charge 0", 5},
@@ -419,68 +400,100 @@ TEST_F(Ion, NamesEachErrorWithItsPosition) {
   EXPECT_EQ(readAdduct(nullptr).error, "expected '[' at position 0");
 }
 
-// fskit formula in an empty directory (the shipped table found by the tool's own place).
-TEST(ChemistryTool, FormulaOutputsAndErrors) {
+// fskit formula and fskit pattern where the shipped table is found only by the tool's own place.
+TEST(ChemistryTool, OutputsAndErrors) {
   const std::string header = "formula\tcanonical\tnominal\tmonoisotopic\taverage\trdb";
   const std::string composition = "formula\telement\tcount\tmass\tpercent\n";
+  const std::string peaks = "formula\tmz\tfraction\trelative\n";
+  const std::string badCharge = "--charge needs a signed integer other than 0";
   struct Case {
     std::vector<std::string> args;
     std::string input;
     int status;
-    std::string out, err;
+    std::string out, error;  // error: the message after "fskit COMMAND: "
   } cases[] = {
-      {{"C6H12O6", "C5 13C H12 O6"}, "", 0,
-       header + "\nC6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0\n"
-                "C5 13C H12 O6\tC5.13CH12O6\t181\t181.066743\t181.1484\t1.0\n", ""},
-      {{"--json", "H2O"}, "", 0,
+      {{"formula", "C5 13C H12 O6"}, "", 0,
+       header + "\nC5 13C H12 O6\tC5.13CH12O6\t181\t181.066743\t181.1484\t1.0\n", ""},
+      {{"formula", "--json", "H2O"}, "", 0,
        "{\"formula\":\"H2O\",\"canonical\":\"H2O\",\"nominal\":18,"
        "\"monoisotopic\":18.010565,\"average\":18.0150,\"rdb\":0.0}\n", ""},
       // A single - reads one formula per line, blank lines skipped.
-      {{"-"}, "H2O\n\n  \nNA.CL\r\n", 0,
+      {{"formula", "-"}, "H2O\n\n  \nNA.CL\r\n", 0,
        header + "\nH2O\tH2O\t18\t18.010565\t18.0150\t0.0\nNA.CL\tClNa\t58\t57.958622\t58.4398\t0.0\n", ""},
       // A formula that does not read is reported; the others are printed.
-      {{"H2O", "C6H5(CH3)"}, "", 1, header + "\nH2O\tH2O\t18\t18.010565\t18.0150\t0.0\n",
-       "fskit formula: unknown symbol '(C' at position 5 of 'C6H5(CH3)'\n"},
-      {{}, "", 2, "", "fskit formula: no formula given\n"},
-      {{"--elements"}, "", 2, "", "fskit formula: --elements and --ini need a file name\n"},
-      {{"--adduct", "[M+H]+", "C6H12O6"}, "", 0,
+      {{"formula", "H2O", "C6H5(CH3)"}, "", 1, header + "\nH2O\tH2O\t18\t18.010565\t18.0150\t0.0\n",
+       "unknown symbol '(C' at position 5 of 'C6H5(CH3)'"},
+      {{"formula"}, "", 2, "", "no formula given"},
+      {{"formula", "--elements"}, "", 2, "", "--elements and --ini need a file name"},
+      {{"formula", "--ini", "lab.ini", "C6H12O6"}, "", 0,
+       header + "\nC6H12O6\tC6H12O6\t180\t180.063390\t180.1560\t1.0\n", ""},
+      {{"formula", "--elements", "none.tbl", "C"}, "", 1, "",
+       "none.tbl: No such file or directory"},
+      {{"formula", "--adduct", "[M+H]+", "C6H12O6"}, "", 0,
        header + "\tmz\nC6H12O6\tC6H12O6\t180\t180.063388\t180.1560\t1.0\t181.070665\n", ""},
-      {{"--json", "--adduct=[M+2H]2+", "C6H12O6"}, "", 0,
+      {{"formula", "--json", "--adduct=[M+2H]2+", "C6H12O6"}, "", 0,
        "{\"formula\":\"C6H12O6\",\"canonical\":\"C6H12O6\",\"nominal\":180,"
        "\"monoisotopic\":180.063388,\"average\":180.1560,\"rdb\":1.0,\"mz\":91.038971}\n", ""},
       // H2CO3: H 3.250355, C 19.365084, O 77.384561 % round to 100.0001; cut to 4 decimals the
       // two missing steps go to the largest remainders, C's and O's.
-      {{"--composition", "H2CO3"}, "", 0,
+      {{"formula", "--composition", "H2CO3"}, "", 0,
        composition + "H2CO3\tH\t2\t2.0160\t3.2503\nH2CO3\tC\t1\t12.0110\t19.3651\n"
                      "H2CO3\tO\t3\t47.9970\t77.3846\n", ""},
-      {{"--composition", "--json", "H2O"}, "", 0,
+      {{"formula", "--composition", "--json", "H2O"}, "", 0,
        "{\"formula\":\"H2O\",\"element\":\"H\",\"count\":2,\"mass\":2.0160,\"percent\":11.1907}\n"
        "{\"formula\":\"H2O\",\"element\":\"O\",\"count\":1,\"mass\":15.9990,\"percent\":88.8093}\n", ""},
-      {{"--adduct", "[M+Xx]+", "C6H12O6"}, "", 1, "",
-       "fskit formula: unknown element 'Xx' at position 3 of adduct '[M+Xx]+'\n"},
-      {{"--adduct"}, "", 2, "", "fskit formula: --adduct needs an adduct such as [M+H]+\n"},
-      {{"--adduct", "[M+H]+", "--composition", "C"}, "", 2, "",
-       "fskit formula: give --adduct or --composition, not both\n"},
-      {{"--composition", "C6H1Xx2", "H2"}, "", 1, composition + "H2\tH\t2\t2.0160\t100.0000\n",
-       "fskit formula: unknown element 'Xx' at position 4 of 'C6H1Xx2'\n"},
+      {{"formula", "--adduct", "[M+Xx]+", "C6H12O6"}, "", 1, "",
+       "unknown element 'Xx' at position 3 of adduct '[M+Xx]+'"},
+      {{"formula", "--adduct"}, "", 2, "", "--adduct needs an adduct such as [M+H]+"},
+      {{"formula", "--adduct", "[M+H]+", "--composition", "C"}, "", 2, "",
+       "give --adduct or --composition, not both"},
+      {{"formula", "--composition", "C6H1Xx2", "H2"}, "", 1,
+       composition + "H2\tH\t2\t2.0160\t100.0000\n",
+       "unknown element 'Xx' at position 4 of 'C6H1Xx2'"},
+      // By hand from NIST's abundances (1H 99.9885, 2H 0.0115; 16O 99.757, 17O 0.038, 18O 0.205):
+      // M 0.999885^2 * 0.99757; M+3 (4.7e-7) is below 0.01 % of M.
+      {{"pattern", "H2O"}, "", 0,
+       peaks + "H2O\t18.010565\t0.997340572\t100.0000\nH2O\t19.015557\t0.000609327319\t0.0611\n"
+               "H2O\t20.014810\t0.00204962911\t0.2055\n", ""},
+      // From standard input, as JSON, as [M+H]+: M 0.999885^3 * 0.99757.
+      {{"pattern", "--json", "--adduct", "[M+H]+", "--min-relative", "1", "-"}, "H2O\n\n", 0,
+       "{\"formula\":\"H2O\",\"mz\":19.017841,\"fraction\":0.997225878,"
+       "\"relative\":100.0000}\n", ""},
+      {{"pattern", "--adduct", "[M+H]+", "--charge", "1", "C"}, "", 2, "",
+       "give --adduct or --charge, not both"},
+      {{"pattern", "--resolution", "1000", "--fine", "C"}, "", 2, "",
+       "give --resolution or --fine, not both"},
+      {{"pattern", "--coverage", "0.9", "--min-relative", "1", "C"}, "", 2, "",
+       "give --min-relative or --coverage, not both"},
+      {{"pattern", "--charge", "0", "C"}, "", 2, "", badCharge},
+      {{"pattern", "--charge", "2x", "C"}, "", 2, "", badCharge},
+      {{"pattern", "--resolution", "-5", "C"}, "", 2, "", "--resolution needs a number above 0"},
+      {{"pattern", "--min-relative", "0", "C"}, "", 2, "",
+       "--min-relative needs a percent above 0 and at most 100"},
+      {{"pattern", "--coverage", "99.9", "C"}, "", 2, "",
+       "--coverage needs a fraction above 0 and at most 1 (e.g. 0.999)"},
+      {{"pattern", "--svg", "a.svg", "C", "H2"}, "", 2, "", "--svg draws one formula"},
+      {{"pattern", "--resolution"}, "", 2, "", "an option is missing its value"},
+      {{"pattern", "--wide", "C"}, "", 2, "", "unknown option --wide"},
+      {{"pattern", "C6(H2O"}, "", 1, peaks, "unclosed '(' at position 2 of 'C6(H2O'"},
+      {{"pattern", "--adduct", "[M+H", "C"}, "", 1, "",
+       "unclosed '[' at position 0 of adduct '[M+H'"},
+      {{"pattern", "--adduct", "[M-H2O+H]+", "CH4"}, "", 1, peaks,
+       "the adduct removes more O than the molecule has in [M-H2O+H]+ of 'CH4'"},
   };
-  TempDir empty;
-  for (Case &c : cases) {
-    c.args.insert(c.args.begin(), "formula");
-    auto result = runTool(c.args, c.input, empty.path());
-    std::string trace = c.args.size() > 1 ? c.args[1] + " " + c.args.back() : "";
-    EXPECT_EQ(result.status, c.status) << trace;
-    EXPECT_EQ(result.out, c.out) << trace;
-    EXPECT_EQ(result.err, c.err) << trace;
-  }
-}
-
-TEST(ChemistryTool, ElementFileFromOptionOrIniFile) {
   TempDir dir;
   writeFile(dir.file("example.tbl"), kExampleTable);
   writeFile(dir.file("lab.ini"), "[Formula Files]\nelementFile=example.tbl\n");
+  for (const Case &c : cases) {
+    auto result = runTool(c.args, c.input, dir.path());
+    std::string trace = ::testing::PrintToString(c.args);
+    EXPECT_EQ(result.status, c.status) << trace;
+    EXPECT_EQ(result.out, c.out) << trace;
+    std::string error = c.error.empty() ? "" : "fskit " + c.args[0] + ": " + c.error + "\n";
+    EXPECT_EQ(result.err, error) << trace;
+  }
+
   auto listed = runTool({"elements", "--elements", "example.tbl"}, "", dir.path());
-  EXPECT_EQ(listed.status, 0) << listed.err;
   EXPECT_NE(listed.out.find("\n3\tH\tH\t1\t1\t1.007825000\t1.008000000\t100\t-1\t0\n"),
             std::string::npos) << listed.out;
   auto json = runTool({"elements", "--json", "--elements", "example.tbl"}, "", dir.path());
@@ -488,12 +501,6 @@ TEST(ChemistryTool, ElementFileFromOptionOrIniFile) {
                           "\"nominal\":1,\"monoisotopic\":1.007825000,\"average\":1.008000000,"
                           "\"abundance\":100,\"rdbFactor\":-1,\"shift\":0}\n"),
             std::string::npos) << json.out;
-  auto viaIni = runTool({"formula", "--ini", "lab.ini", "C6H12O6"}, "", dir.path());
-  EXPECT_EQ(viaIni.out.substr(viaIni.out.find('\n') + 1),
-            "C6H12O6\tC6H12O6\t180\t180.063390\t180.1560\t1.0\n");
-  auto missing = runTool({"formula", "--elements", "none.tbl", "C"}, "", dir.path());
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, "fskit formula: none.tbl: No such file or directory\n");
   // The library's own message goes to standard error as one line naming the command.
   writeFile(dir.file("bad.ini"), "[Formula Files]\nelementFile=none.tbl\n");
   auto viaLibrary = runTool({"formula", "--ini", "bad.ini", "C"}, "", dir.path());
