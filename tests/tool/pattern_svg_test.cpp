@@ -1,25 +1,38 @@
 // SPDX-License-Identifier: MIT
-// The picture of an isotope pattern (tools/pattern_svg.h): well-formed SVG whose ticks, sticks
-// and labels stay on the canvas and never collide, the same under every locale.
+// The picture of an isotope pattern (tools/pattern_svg.h): well-formed SVG, nothing colliding, the
+// same under every locale; and the file it goes to (tools/write_file.h), replaced only whole.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <locale>
-#include <stdexcept>
 #include <regex>
+#include <stdexcept>
 #include <string>
 #include <vector>
+#if !defined(_WIN32)
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
 
 #include "tests/support/test_support.h"
 #include "tools/pattern_svg.h"
+#include "tools/write_file.h"
 
 namespace {
 
+using fskit::test::readFile;
+using fskit::test::TempDir;
 using fskit::tool::PatternPicture;
 using fskit::tool::patternSvg;
+using fskit::tool::writeWholeFile;
 
 // A number as the document must write it: the whole text, a point for the decimal separator.
 double number(const std::string &text) {
@@ -233,19 +246,41 @@ TEST(PatternSvg, TheDocumentIsTheSameUnderADecimalCommaLocale) {
   EXPECT_EQ(underComma, plain);
 }
 
+std::vector<std::string> namesIn(const std::string &directory) {
+  std::vector<std::string> names;
+  for (const auto &entry : std::filesystem::directory_iterator(directory))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+TEST(WriteWholeFile, ReplacesAFileWholeOrSaysWhyNot) {
+  TempDir dir;
+  const std::string path = dir.file("p.svg"), bytes("<svg>\r\n\0</svg>\n", 15);
+  EXPECT_EQ(writeWholeFile(path, "an old picture, longer than the new one"), std::nullopt);
+  EXPECT_EQ(writeWholeFile(path, bytes), std::nullopt);
+  EXPECT_EQ(readFile(path), bytes) << "every byte as it is, on Windows too";
+  EXPECT_EQ(namesIn(dir.path()), std::vector<std::string>{"p.svg"});
+  const std::string none = dir.file("none/p.svg");
+  EXPECT_EQ(writeWholeFile(none, "x"), "cannot write " + none + ": " + std::strerror(ENOENT));
+#if !defined(_WIN32)
+  EXPECT_EQ(writeWholeFile(dir.path(), "x"), "cannot write " + dir.path() + ": " + std::strerror(EISDIR));
+#endif
+}
+
 #if !defined(_WIN32)
 // Drawn by a real SVG renderer (librsvg's rsvg-convert, where installed): the documents parse
 // into 800x450 PNGs, a pattern's larger than an empty frame's, larger than a blank page's.
 TEST(PatternSvg, ARendererDrawsIt) {
   if (std::system("command -v rsvg-convert >/dev/null 2>&1") != 0)
     GTEST_SKIP() << "rsvg-convert is not installed (Debian: librsvg2-bin)";
-  fskit::test::TempDir dir;
+  TempDir dir;
   const auto render = [&](const std::string &name, const std::string &svg) {
     fskit::test::writeFile(dir.file(name + ".svg"), svg);
     std::string command = "rsvg-convert -b white -o '" + dir.file(name + ".png") + "' '" +
                           dir.file(name + ".svg") + "'";
     EXPECT_EQ(std::system(command.c_str()), 0) << name;
-    std::string png = fskit::test::readFile(dir.file(name + ".png"));
+    std::string png = readFile(dir.file(name + ".png"));
     // The signature, then the header chunk of an image 800 (0x320) wide, 450 (0x1c2) high.
     const std::string header("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0\x03\x20\0\0\x01\xc2", 24);
     EXPECT_EQ(png.substr(0, 24), header) << name;
@@ -257,6 +292,24 @@ TEST(PatternSvg, ARendererDrawsIt) {
   EXPECT_GT(blank, 0);
   EXPECT_GT(frame, 2 * blank);
   EXPECT_GT(pattern, frame + blank);
+}
+
+// A file size limit fails the write half-way (EFBIG): the old file stays, no temporary file left.
+TEST(WriteWholeFile, AWriteFailingHalfWayLeavesTheOldFile) {
+  TempDir dir;
+  const std::string path = dir.file("p.svg");
+  fskit::test::writeFile(path, "the old picture");
+  rlimit saved{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+  const rlimit small{.rlim_cur = 4096, .rlim_max = saved.rlim_max};
+  auto previous = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  std::optional<std::string> error = writeWholeFile(path, std::string(100000, 'x'));
+  setrlimit(RLIMIT_FSIZE, &saved);
+  std::signal(SIGXFSZ, previous);
+  EXPECT_EQ(error, "cannot write " + path + ": " + std::strerror(EFBIG));
+  EXPECT_EQ(readFile(path), "the old picture");
+  EXPECT_EQ(namesIn(dir.path()), std::vector<std::string>{"p.svg"});
 }
 #endif
 
