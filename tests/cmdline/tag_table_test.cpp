@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Tag tables: reading tag files, adding pairs, lookups both ways, the two comparators; the
-// cmdline and tags commands of the tool.
+// Tag files, tables, lookups and comparators; the tool's cmdline and tags commands.
 #include <fskit/cmdline.h>
 #include <gtest/gtest.h>
 
@@ -43,8 +42,7 @@ struct Table {
 }  // namespace
 
 TEST(TagFile, ReadsPairsAndKeywords) {
-  // A line longer than one read (254 characters) goes on as a line of its own (the rest used to
-  // be skipped); a comment covers only the first read; at exactly 254 the line feed is a read.
+  // Past a 254-character read a line goes on as a new one (was skipped), a comment's rest too.
   const std::string file = "ms Mass spectrum\n! ignored\n\n  uv    Ultra   violet  \n"
                            "MASS Mass range ! scanned\nonlytag\n\tTab\tlabel\r\n!" +
                            std::string(260, 'c') + " TAIL comment\n" + std::string(70, 't') + " " +
@@ -87,8 +85,7 @@ TEST(TagTable, AddsLooksUpAndGrowsByTen) {
   EXPECT_EQ(table.pairs().substr(0, 50), "MS=Mass spectrum;UV=Ultra violet;MX=mass spectrum ");
   EXPECT_EQ(std::string(table.entries[20].tag) + table.entries[20].label, "T20l20");
 
-  // A count that does not describe the block changes nothing; a table that cannot grow is
-  // released (else the leak checker objects); only the full table's first record is read.
+  // A count beyond the block changes nothing; a table that cannot grow is released, not leaked.
   int32_t count = 1, capacity = 10;
   KwaTagEntry *none = nullptr;
   EXPECT_EQ(kwaAddToTbl("A", "x", &count, &capacity, &none), 0);
@@ -121,8 +118,10 @@ TEST(CmdlineTool, PrintsPartsOrStopCharacter) {
   EXPECT_EQ(runTool({"cmdline", "copy", "a.dat,b.dat", "/log=out.txt /verbose"}).out,
             "part\ttext\tvalue\tend\nargument\tcopy\t\t\nargument\ta.dat\t\t,\n"
             "argument\tb.dat\t\t\nqualifier\tlog\tout.txt\t\nqualifier\tverbose\t\t\n");
-  EXPECT_EQ(runTool({"cmdline", "--json", "--", "--x"}).out,
-            "{\"part\":\"argument\",\"text\":\"--x\",\"value\":\"\",\"end\":\"\"}\n");
+  // The JSON texts escape quotes, backslashes and control characters.
+  EXPECT_EQ(runTool({"cmdline", "--json", "--", "--x", "\"a\"\"\\\t\""}).out,
+            "{\"part\":\"argument\",\"text\":\"--x\",\"value\":\"\",\"end\":\"\"}\n"
+            "{\"part\":\"argument\",\"text\":\"a\\\"\\\\\\u0009\",\"value\":\"\",\"end\":\"\"}\n");
   // A stop, or a quote or a list left open: the parser's line, nothing printed, status 1.
   for (const char *line : {"/q=a=b", "copy \"a b", "/q=(a,b"}) {
     auto failed = runTool({"cmdline", line});
