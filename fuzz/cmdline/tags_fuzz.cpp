@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// kwaReadTags on any tag file: every record is well formed, and the table written back as a tag
-// file reads into the same table. Input: one byte (odd: keyword mode), then the file.
+// kwaReadTags on any file (first byte odd: keywords): records well formed, written back read alike.
 #include <fskit/cmdline.h>
 
 #include "fuzz/support/fuzz_support.h"

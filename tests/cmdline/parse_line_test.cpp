@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// kwaCmdLnPrts: the documented examples, and generated lines checked against a plain
-// implementation that builds each token's text by appending characters; kwaCmdLnStr, kwaArrayAlloc.
+// kwaCmdLnPrts: examples and generated lines against a plain model; kwaCmdLnStr, kwaArrayAlloc.
 #include <fskit/cmdline.h>
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
@@ -196,8 +195,7 @@ TEST(CommandLine, ExamplesAndEdgeCases) {
 }
 
 TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
-  // Pieces that reach the limits of 20 arguments and 50 qualifiers; each line draws from its own
-  // subset, so that long lines without stopping characters are common.
+  // Pieces reaching the 20 and 50 limits; a subset per line makes long unstopped lines common.
   const std::vector<std::string> pieces = {" ", "\t", "\"", ",", "(", ")", "/", ":", "=", "a", "b",
                                            "\n", "\x80", "\xff", "/a", "/b=", "a,"};
   std::mt19937 random(20240611);

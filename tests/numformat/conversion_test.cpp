@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The converters: examples, values against their definitions over generated bit patterns and
-// every 16-bit word, the array converters against the one-value functions; fskit convert.
+// The converters: examples, values against their definitions, arrays as one-value calls; convert.
 #include <fskit/numformat.h>
 #include <gtest/gtest.h>
 
@@ -320,7 +319,6 @@ TEST(ConvertTool, DumpsAFileAndReportsWhatDoesNotFit) {
   auto missing = runTool({"convert", "--file", dir.file("none"), "--format", "vaxf"});
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "fskit convert: cannot open " + dir.file("none") + ": No such file or directory\n");
-  // FILE - is standard input.
   auto piped = runTool({"convert", "--json", "--file", "-", "--format", "hpshort"},
                        std::string("\x12\x34\x00\x01\xff", 5));
   EXPECT_EQ(piped.out, "{\"offset\":0,\"value\":\"4660\"}\n{\"offset\":2,\"value\":\"1\"}\n");
