@@ -12,6 +12,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/test_support.h"
@@ -192,11 +193,7 @@ struct Table {
 }  // namespace
 
 TEST(CommandLine, ExamplesAndEdgeCases) {
-  const struct {
-    std::string line;
-    int32_t result;
-    std::string parts, err;
-  } cases[] = {
+  const std::tuple<std::string, int32_t, std::string, std::string> cases[] = {
       {"copy a.dat,b.dat /log=out.txt /verbose", 0,
        "[copy] [a.dat],[b.dat] /log=[out.txt]/verbose", ""},
       {"/list=(a, b c) x", 0, "[x] /list=[(a, b c)]", ""},
@@ -214,11 +211,11 @@ TEST(CommandLine, ExamplesAndEdgeCases) {
       {"/q=\"x\"\"\"\"y", 0, "/q=[x\"\"y\"y]", "Unmatched quoted string.\n"},
       {"x \"ab", 0, "[x] [ab] ", "Unmatched quoted string.\n"},
   };
-  for (const auto &c : cases) {
-    Outcome out = parseWithLibrary(c.line);
-    EXPECT_EQ(out.result, c.result) << c.line;
-    EXPECT_EQ(out.parts, c.parts) << c.line;
-    EXPECT_EQ(out.err, c.err.empty() ? "" : kLabel + c.err) << c.line;
+  for (const auto &[line, result, parts, err] : cases) {
+    Outcome out = parseWithLibrary(line);
+    EXPECT_EQ(out.result, result) << line;
+    EXPECT_EQ(out.parts, parts) << line;
+    EXPECT_EQ(out.err, err.empty() ? "" : kLabel + err) << line;
   }
   KwaCmdLnParts parts;
   EXPECT_EQ(kwaCmdLnPrts(nullptr, &parts) + parts.nArgs + parts.nQuals, 0);
@@ -252,17 +249,15 @@ TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
 }
 
 TEST(JoinArguments, JoinsWithSingleBlanksAndReportsSize) {
-  const struct {
-    std::vector<const char *> argv;
-    std::string line;
-    int32_t length;  // -5: not written
-  } cases[] = {{{"prog", "a b", "c"}, "a b c", 7}, {{"prog", "", nullptr, "x"}, "  x", 5},
-               {{"prog"}, "", -5},                  {{}, "", -5}};
-  for (const auto &c : cases) {
+  // The arguments, their line and the length reported (-5: not written).
+  const std::tuple<std::vector<const char *>, std::string, int32_t> cases[] = {
+      {{"prog", "a b", "c"}, "a b c", 7}, {{"prog", "", nullptr, "x"}, "  x", 5},
+      {{"prog"}, "", -5},                  {{}, "", -5}};
+  for (const auto &[args, joined, reported] : cases) {
     int32_t length = -5;
-    char *line = kwaCmdLnStr(int32_t(c.argv.size()), const_cast<char **>(c.argv.data()), &length);
-    EXPECT_EQ(std::string(line), c.line);
-    EXPECT_EQ(length, c.length) << c.line;
+    char *line = kwaCmdLnStr(int32_t(args.size()), const_cast<char **>(args.data()), &length);
+    EXPECT_EQ(std::string(line), joined);
+    EXPECT_EQ(length, reported) << joined;
     fsFree(&line);
   }
   // 2100 arguments of 1 MiB: more than a 32-bit length can report.

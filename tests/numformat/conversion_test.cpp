@@ -10,6 +10,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "numformat/arrays_internal.h"
@@ -224,14 +225,8 @@ TEST(SixteenBitWords, EveryIncosAndQuorIntensityWordAlsoInPlace) {
 }
 
 TEST(QuorRecord, ExamplesAndGeneratedMassWordsAtAnyAlignment) {
-  struct Case {  // what is encoded, the record, what it decodes to
-    double mass;
-    float intensity;
-    uint8_t flags;
-    const char *record;
-    double mass2;
-    float intensity2;
-  } cases[] = {
+  // What is encoded, the record, what it decodes to.
+  const std::tuple<double, float, uint8_t, const char *, double, float> cases[] = {
       {1.0, 1.0f, 0, "00 08 00 00 00 02", 1.0, 1.0f},
       {500.25, 1000.0f, 2, "A0 57 00 80 E8 93", 500.25, 1000.0f},
       {500.25, 1000.0f, 6, "A0 57 00 80 E8 93", 500.25, 1000.0f},
@@ -241,18 +236,18 @@ TEST(QuorRecord, ExamplesAndGeneratedMassWordsAtAnyAlignment) {
   };
   unsigned char buffer[7];
   unsigned char *record = buffer + 1;  // the mass word lands at an odd address
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.record);
-    encodeQuorMassInty(&c.mass, &c.intensity, &c.flags, record);
-    EXPECT_EQ(std::vector(record, record + 6), hexBytes(c.record));
-    double mass = 0;
-    float intensity = 0;
-    uint8_t flags = 9;
-    decodeQuorMassInty(record, nullptr, &intensity, &flags);  // a null pointer skips its part
-    decodeQuorMassInty(record, &mass, nullptr, nullptr);
-    EXPECT_EQ(mass, c.mass2);
-    EXPECT_EQ(intensity, c.intensity2);
-    EXPECT_EQ(flags, c.flags & 3);
+  for (const auto &[mass, intensity, flags, bytes, mass2, intensity2] : cases) {
+    SCOPED_TRACE(bytes);
+    encodeQuorMassInty(&mass, &intensity, &flags, record);
+    EXPECT_EQ(std::vector(record, record + 6), hexBytes(bytes));
+    double massOut = 0;
+    float intensityOut = 0;
+    uint8_t flagsOut = 9;
+    decodeQuorMassInty(record, nullptr, &intensityOut, &flagsOut);  // a null pointer skips its part
+    decodeQuorMassInty(record, &massOut, nullptr, nullptr);
+    EXPECT_EQ(massOut, mass2);
+    EXPECT_EQ(intensityOut, intensity2);
+    EXPECT_EQ(flagsOut, flags & 3);
   }
 
   std::mt19937 random(5);
@@ -400,11 +395,8 @@ std::vector<unsigned char> everyExponent(bool bigEndian, bool vaxOrder) {
 
 // Counts around the lane widths (eight or four lanes, then one value at a time), at odd addresses.
 TEST(ArrayConverters, RandomBytesAsTheOneValueFunctions) {
-  const struct {
-    const char *name;
-    size_t hostSize;
-    Convert decode, encode;  // encode: null where the library only decodes
-  } formats[] = {
+  // Name, host size, the one-value decoder and encoder (null where the library only decodes).
+  const std::tuple<const char *, size_t, Convert, Convert> formats[] = {
       {"vaxf", 4, decodeVaxFloat, encodeVaxFloat},   {"vaxd", 8, decodeVaxDouble, encodeVaxDouble},
       {"hpshort", 2, decodeHpShort, encodeHpShort},  {"hplong", 4, decodeHpLong, encodeHpLong},
       {"hpdouble", 8, call<decodeHpDouble>, encodeHpDouble},
@@ -416,20 +408,20 @@ TEST(ArrayConverters, RandomBytesAsTheOneValueFunctions) {
       {"ieeed", 8, call<decodeIeeeDouble>, call<encodeIeeeDouble>},
       {"quorrec", 13, decodeRecord, encodeRecord},
   };
-  for (const auto &one : formats) {
-    SCOPED_TRACE(one.name);
-    const ArrayFormat *format = findArrayFormat(one.name);
+  for (const auto &[name, hostSize, decode, encode] : formats) {
+    SCOPED_TRACE(name);
+    const ArrayFormat *format = findArrayFormat(name);
     ASSERT_NE(format, nullptr);
-    ASSERT_EQ(format->encode == nullptr, one.encode == nullptr);
+    ASSERT_EQ(format->encode == nullptr, encode == nullptr);
     for (size_t count : {0, 1, 3, 4, 5, 7, 8, 9, 15, 16, 17, 33, 1000}) {
       auto in = randomBytes(count * format->size, unsigned(count));
-      auto expected = oneAtATime(one.decode, in, format->size, one.hostSize);
-      EXPECT_EQ(throughArray(format->decode, in, format->size, one.hostSize), expected) << count;
-      EXPECT_EQ(throughArray(format->decode, in, format->size, one.hostSize, 3), expected) << count;
-      if (one.encode == nullptr) continue;
-      auto host = randomBytes(count * one.hostSize, unsigned(count) + 99);
-      EXPECT_EQ(throughArray(format->encode, host, one.hostSize, format->size, 3),
-                oneAtATime(one.encode, host, one.hostSize, format->size))
+      auto expected = oneAtATime(decode, in, format->size, hostSize);
+      EXPECT_EQ(throughArray(format->decode, in, format->size, hostSize), expected) << count;
+      EXPECT_EQ(throughArray(format->decode, in, format->size, hostSize, 3), expected) << count;
+      if (encode == nullptr) continue;
+      auto host = randomBytes(count * hostSize, unsigned(count) + 99);
+      EXPECT_EQ(throughArray(format->encode, host, hostSize, format->size, 3),
+                oneAtATime(encode, host, hostSize, format->size))
           << count;
     }
   }

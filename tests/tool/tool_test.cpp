@@ -15,6 +15,7 @@
 #include <regex>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 #if !defined(_WIN32)
 #include <sys/resource.h>
@@ -36,11 +37,7 @@ using fskit::tool::patternSvg;
 using fskit::tool::writeWholeFile;
 
 TEST(Tool, VersionPlatformAndUsageErrors) {
-  const struct {
-    std::vector<std::string> args;
-    int status;
-    std::string out, err;
-  } cases[] = {
+  const std::tuple<std::vector<std::string>, int, std::string, std::string> cases[] = {
       {{"version"}, 0, "fskit " FSKIT_PROJECT_VERSION "\n", ""},
       {{"--version"}, 0, "fskit " FSKIT_PROJECT_VERSION "\n", ""},
       {{"platform"}, 0, "property\tvalue\nos\twinnt\nbyte order\tlittle\nfloat format\tieee\n", ""},
@@ -53,11 +50,11 @@ TEST(Tool, VersionPlatformAndUsageErrors) {
       {{"version", "x"}, 2, "", "fskit version: takes no arguments\n"},
       {{"--version", "x"}, 2, "", "fskit version: takes no arguments\n"},
   };
-  for (const auto &c : cases) {
-    auto result = runTool(c.args);
-    EXPECT_EQ(result.status, c.status) << c.out << c.err;
-    EXPECT_EQ(result.out, c.out);
-    EXPECT_EQ(result.err, c.err);
+  for (const auto &[args, status, out, err] : cases) {
+    auto result = runTool(args);
+    EXPECT_EQ(result.status, status) << out << err;
+    EXPECT_EQ(result.out, out);
+    EXPECT_EQ(result.err, err);
   }
 }
 
@@ -175,13 +172,8 @@ PatternPicture crowded() {  // 60 peaks across 3 Da, a bell of intensities
 }
 
 TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
-  struct Case {
-    const char *what;
-    PatternPicture picture;
-    size_t sticks;
-    std::string title;  // as written, when not the picture's own
-  };
-  const Case cases[] = {
+  // What the row is, the picture, its sticks, and its title as written when not the picture's own.
+  const std::tuple<const char *, PatternPicture, size_t, std::string> cases[] = {
       {"empty", {"C [M]", {}, {}}, 0, ""},
       {"one peak", {"P [M]+", {30.97376}, {100}}, 1, ""},
       {"nominal", {"C6H12O6 [M+H]+", {181.0707, 182.0741, 183.0749, 184.0777}, {100, 6.9, 1.3, 0.08}}, 4, ""},
@@ -196,13 +188,13 @@ TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
       {"not UTF-8", {"a\xff\x01\xc3\xa9", {1}, {100}}, 1, "a\xEF\xBF\xBD \xC3\xA9"},
   };
   static const std::regex coordinate(R"~( (x|y|x1|y1|x2|y2|width|height)="([^"]*)")~");
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.what);
-    const std::string svg = patternSvg(c.picture);
+  for (const auto &[what, picture, stickCount, written] : cases) {
+    SCOPED_TRACE(what);
+    const std::string svg = patternSvg(picture);
     expectWellFormed(svg);
     EXPECT_NE(svg.find(" viewBox=\"0 0 800 450\" font-family=\"sans-serif\">"), std::string::npos);
     EXPECT_EQ(svg.find("href"), std::string::npos) << "refers outside itself";
-    const std::string title = c.title.empty() ? c.picture.title : c.title;
+    const std::string title = written.empty() ? picture.title : written;
     for (const std::string &text : std::vector<std::string>{"<title>" + title + "</title>", ">" + title + "</text>",
                                                             ">m/z</text>", ">relative intensity (%)</text>"})
       EXPECT_NE(svg.find(text), std::string::npos) << text;
@@ -212,9 +204,9 @@ TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
           << it->str();
     }
     std::vector<Mark> sticks = marks(svg, "peaks"), labels = marks(svg, "peak-labels");
-    EXPECT_EQ(sticks.size(), c.sticks);
+    EXPECT_EQ(sticks.size(), stickCount);
     for (const Mark &stick : sticks) EXPECT_TRUE(stick.x > 73 && stick.x < 775) << "on the frame's side";
-    EXPECT_EQ(labels.empty(), c.sticks == 0);
+    EXPECT_EQ(labels.empty(), stickCount == 0);
     expectApartWithin(labels, 11, {72, 776, 48, 392});                       // in the frame
     expectApartWithin(marks(svg, "x-labels"), 12, {0, 800, 392, 450});  // under it
     EXPECT_EQ(textsOf(marks(svg, "y-labels")), (std::vector<std::string>{"0", "20", "40", "60", "80", "100"}));
