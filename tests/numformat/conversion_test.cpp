@@ -58,8 +58,7 @@ long double vaxFloatValue(uint32_t w) {
   return w & 0x8000 ? -v : v;
 }
 long double vaxDoubleValue(uint64_t d) {
-  uint64_t d0 = d & 0xFFFFFFFF, d1 = d >> 32;
-  uint64_t e = d0 >> 7 & 0xFF;
+  uint64_t d0 = d & 0xFFFFFFFF, d1 = d >> 32, e = d0 >> 7 & 0xFF;
   uint64_t f = (d0 & 0x7F) << 48 | (d0 >> 16) << 32 | (d1 & 0xFFFF) << 16 | d1 >> 16;
   long double v = std::ldexp(static_cast<long double>((uint64_t(1) << 55) + f), int(e) - 184);
   return d0 & 0x8000 ? -v : v;

@@ -266,16 +266,13 @@ TEST(PatternSvg, TheLargestPeakGetsTheLabel) {
 // A program that set a locale with a decimal comma (C and C++) gets the same document.
 TEST(PatternSvg, TheDocumentIsTheSameUnderADecimalCommaLocale) {
   const std::string plain = patternSvg(crowded());
-  const char *chosen = nullptr;
-  for (const char *name : {"ru_RU.UTF-8", "de_DE.UTF-8"})
-    if (std::setlocale(LC_ALL, name) != nullptr) {
-      chosen = name;
-      break;
-    }
+  const char *chosen =
+      std::setlocale(LC_ALL, "ru_RU.UTF-8") != nullptr ? "ru_RU.UTF-8" : "de_DE.UTF-8";
+  const bool found = std::setlocale(LC_ALL, chosen) != nullptr;
 #if defined(_WIN32)
-  if (chosen == nullptr) GTEST_SKIP() << "no locale with a decimal comma here";
+  if (!found) GTEST_SKIP() << "no locale with a decimal comma here";
 #endif
-  ASSERT_NE(chosen, nullptr) << "no ru_RU.UTF-8 or de_DE.UTF-8: run tests/support/ensure_locales.sh";
+  ASSERT_TRUE(found) << "no ru_RU.UTF-8 or de_DE.UTF-8: run tests/support/ensure_locales.sh";
   ASSERT_STREQ(std::localeconv()->decimal_point, ",");
   std::locale previous;
   try {
