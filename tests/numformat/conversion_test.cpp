@@ -16,7 +16,6 @@
 #include "numformat/arrays_internal.h"
 #include "tests/support/test_support.h"
 
-using fskit::numformat::ArrayFormat;
 using fskit::numformat::findArrayFormat;
 using fskit::test::runTool;
 
@@ -409,7 +408,7 @@ TEST(ArrayConverters, RandomBytesAsTheOneValueFunctions) {
   };
   for (const auto &[name, hostSize, decode, encode] : formats) {
     SCOPED_TRACE(name);
-    const ArrayFormat *format = findArrayFormat(name);
+    const auto *format = findArrayFormat(name);
     ASSERT_NE(format, nullptr);
     ASSERT_EQ(format->encode == nullptr, encode == nullptr);
     for (size_t count : {0, 1, 3, 4, 5, 7, 8, 9, 15, 16, 17, 33, 1000}) {
@@ -429,7 +428,7 @@ TEST(ArrayConverters, RandomBytesAsTheOneValueFunctions) {
 TEST(ArrayConverters, FourByteFormatsOverEveryExponent) {
   auto vax = everyExponent(false, true), nova = everyExponent(true, false);
   auto ieee = everyExponent(false, false);  // what encoding takes: the patterns as host words
-  const ArrayFormat &vaxf = *findArrayFormat("vaxf"), &novaf = *findArrayFormat("novaf");
+  const auto &vaxf = *findArrayFormat("vaxf"), &novaf = *findArrayFormat("novaf");
   EXPECT_EQ(throughArray(vaxf.decode, vax, 4, 4), oneAtATime(decodeVaxFloat, vax, 4, 4));
   EXPECT_EQ(throughArray(novaf.decode, nova, 4, 4), oneAtATime(decodeNovaFloat, nova, 4, 4));
   EXPECT_EQ(throughArray(vaxf.encode, ieee, 4, 4), oneAtATime(encodeVaxFloat, ieee, 4, 4));

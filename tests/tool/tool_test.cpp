@@ -48,7 +48,6 @@ TEST(Tool, VersionPlatformAndUsageErrors) {
       {{"no-such-command"}, 2, "",
        "fskit: unknown command 'no-such-command' (try 'fskit --help')\n"},
       {{"version", "x"}, 2, "", "fskit version: takes no arguments\n"},
-      {{"--version", "x"}, 2, "", "fskit version: takes no arguments\n"},
   };
   for (const auto &[args, status, out, err] : cases) {
     auto result = runTool(args);
@@ -326,7 +325,6 @@ TEST(PatternSvg, ARendererDrawsIt) {
   long blank = render("blank", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"450\"/>");
   long frame = render("frame", patternSvg({"C [M]", {}, {}}));
   long pattern = render("pattern", patternSvg(crowded()));
-  EXPECT_GT(blank, 0);
   EXPECT_GT(frame, 2 * blank);
   EXPECT_GT(pattern, frame + blank);
 }
