@@ -153,8 +153,7 @@ TEST(VaxDouble, AgreesWithTheValueDefinitionOverGeneratedPatterns) {
         EXPECT_EQ(through(decodeVaxDouble, vax), ieee);
       }
 
-      uint64_t word = random() & ~uint64_t(0xFF80);  // every exponent, low ones first
-      word |= uint64_t(i % 256) << 7;
+      uint64_t word = (random() & ~uint64_t(0xFF80)) | uint64_t(i % 256) << 7;  // all exponents
       double expected = static_cast<double>(vaxDoubleValue(word));
       EXPECT_EQ(through(decodeVaxDouble, word), std::bit_cast<uint64_t>(expected)) << std::hex << word;
       if (i % 256 != 0) {  // back to VAX: only the three lowest fraction bits go
