@@ -1,25 +1,88 @@
 // SPDX-License-Identifier: MIT
-// The picture of an isotope pattern (tools/pattern_svg.h): well-formed SVG whose ticks, sticks
-// and labels stay on the canvas and never collide, the same under every locale.
+// The tool's help, version and usage errors; an isotope pattern's picture (tools/pattern_svg.h):
+// well formed, uncluttered, locale-free; the file it goes to (tools/write_file.h), only whole.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <locale>
-#include <stdexcept>
 #include <regex>
+#include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
+#if !defined(_WIN32)
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
 
 #include "tests/support/test_support.h"
 #include "tools/pattern_svg.h"
+#include "tools/write_file.h"
 
 namespace {
 
+using fskit::test::readFile;
+using fskit::test::runTool;
+using fskit::test::TempDir;
 using fskit::tool::PatternPicture;
 using fskit::tool::patternSvg;
+using fskit::tool::writeWholeFile;
+
+TEST(Tool, VersionPlatformAndUsageErrors) {
+  const std::tuple<std::vector<std::string>, int, std::string, std::string> cases[] = {
+      {{"version"}, 0, "fskit " FSKIT_PROJECT_VERSION "\n", ""},
+      {{"--version"}, 0, "fskit " FSKIT_PROJECT_VERSION "\n", ""},
+      {{"platform"}, 0, "property\tvalue\nos\twinnt\nbyte order\tlittle\nfloat format\tieee\n", ""},
+      {{"platform", "--json"}, 0,
+       "{\"property\":\"os\",\"value\":\"winnt\"}\n{\"property\":\"byte order\",\"value\":"
+       "\"little\"}\n{\"property\":\"float format\",\"value\":\"ieee\"}\n", ""},
+      {{}, 2, "", "fskit: no command given (try 'fskit --help')\n"},
+      {{"no-such-command"}, 2, "",
+       "fskit: unknown command 'no-such-command' (try 'fskit --help')\n"},
+      {{"version", "x"}, 2, "", "fskit version: takes no arguments\n"},
+  };
+  for (const auto &[args, status, out, err] : cases) {
+    auto result = runTool(args);
+    EXPECT_EQ(result.status, status) << out << err;
+    EXPECT_EQ(result.out, out);
+    EXPECT_EQ(result.err, err);
+  }
+}
+
+// Every listed command has a usage line and an example, and refuses an unknown option in one line.
+TEST(Tool, EveryCommandHasHelpAndRefusesUnknownOptions) {
+  auto listing = runTool({"--help"});
+  EXPECT_EQ(listing.status, 0);
+  const std::string &overview = listing.out;
+  std::vector<std::string> names;
+  for (size_t at = overview.find("\n  ", overview.find("commands:")); at != std::string::npos;
+       at = overview.find("\n  ", at + 1)) {
+    size_t end = overview.find(' ', at + 3);
+    names.push_back(overview.substr(at + 3, end - at - 3));
+    EXPECT_NE(overview.find_first_not_of(' ', end), overview.find('\n', end))
+        << names.back() << " has no summary";
+  }
+  ASSERT_GE(names.size(), 9u);
+  for (const std::string &name : names) {
+    auto help = runTool({name, "--help"});
+    EXPECT_EQ(help.status, 0) << name;
+    EXPECT_EQ(help.out.rfind("usage: fskit " + name, 0), 0u) << help.out;
+    EXPECT_NE(help.out.find("\nexample: fskit " + name), std::string::npos) << help.out;
+    auto bad = runTool({name, "--no-such-option"});
+    EXPECT_EQ(bad.status, 2) << name;
+    EXPECT_EQ(bad.out, "") << name;
+    EXPECT_EQ(bad.err.rfind("fskit " + name + ": ", 0), 0u) << bad.err;
+    EXPECT_EQ(bad.err.find('\n'), bad.err.size() - 1) << bad.err;
+  }
+}
 
 // A number as the document must write it: the whole text, a point for the decimal separator.
 double number(const std::string &text) {
@@ -29,8 +92,7 @@ double number(const std::string &text) {
   return value;
 }
 
-// Fails the test unless the tags of `svg` balance under one root, every <
-// starts a tag and every & a predefined reference.
+// Fails unless the tags balance under one root, every < starts a tag and every & is predefined.
 void expectWellFormed(const std::string &svg) {
   static const std::regex tag(R"(<(/?)([a-z]+)(?:\s+[A-Za-z0-9:-]+="[^"<]*")*\s*(/?)>)");
   EXPECT_EQ(svg.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg ", 0), 0u);
@@ -75,8 +137,7 @@ std::vector<std::string> textsOf(const std::vector<Mark> &marks) {
   return texts;
 }
 
-// A label's ink as DejaVu Sans (the widest common sans-serif digits) draws
-// it: digits 0.636 em wide, a point 0.318 em, 0.73 em high.
+// Label ink in DejaVu Sans (widest common digits): digits 0.636 em, a point 0.318, 0.73 high.
 struct Ink {
   double left, right, top, bottom;
 };
@@ -110,13 +171,8 @@ PatternPicture crowded() {  // 60 peaks across 3 Da, a bell of intensities
 }
 
 TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
-  struct Case {
-    const char *what;
-    PatternPicture picture;
-    size_t sticks;
-    std::string title;  // as written, when not the picture's own
-  };
-  const Case cases[] = {
+  // What the row is, the picture, its sticks, and its title as written when not the picture's own.
+  const std::tuple<const char *, PatternPicture, size_t, std::string> cases[] = {
       {"empty", {"C [M]", {}, {}}, 0, ""},
       {"one peak", {"P [M]+", {30.97376}, {100}}, 1, ""},
       {"nominal", {"C6H12O6 [M+H]+", {181.0707, 182.0741, 183.0749, 184.0777}, {100, 6.9, 1.3, 0.08}}, 4, ""},
@@ -131,13 +187,13 @@ TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
       {"not UTF-8", {"a\xff\x01\xc3\xa9", {1}, {100}}, 1, "a\xEF\xBF\xBD \xC3\xA9"},
   };
   static const std::regex coordinate(R"~( (x|y|x1|y1|x2|y2|width|height)="([^"]*)")~");
-  for (const Case &c : cases) {
-    SCOPED_TRACE(c.what);
-    const std::string svg = patternSvg(c.picture);
+  for (const auto &[what, picture, stickCount, written] : cases) {
+    SCOPED_TRACE(what);
+    const std::string svg = patternSvg(picture);
     expectWellFormed(svg);
     EXPECT_NE(svg.find(" viewBox=\"0 0 800 450\" font-family=\"sans-serif\">"), std::string::npos);
     EXPECT_EQ(svg.find("href"), std::string::npos) << "refers outside itself";
-    const std::string title = c.title.empty() ? c.picture.title : c.title;
+    const std::string title = written.empty() ? picture.title : written;
     for (const std::string &text : std::vector<std::string>{"<title>" + title + "</title>", ">" + title + "</text>",
                                                             ">m/z</text>", ">relative intensity (%)</text>"})
       EXPECT_NE(svg.find(text), std::string::npos) << text;
@@ -147,17 +203,16 @@ TEST(PatternSvg, EveryPictureIsWellFormedOnItsCanvasWithLabelsApart) {
           << it->str();
     }
     std::vector<Mark> sticks = marks(svg, "peaks"), labels = marks(svg, "peak-labels");
-    EXPECT_EQ(sticks.size(), c.sticks);
+    EXPECT_EQ(sticks.size(), stickCount);
     for (const Mark &stick : sticks) EXPECT_TRUE(stick.x > 73 && stick.x < 775) << "on the frame's side";
-    EXPECT_EQ(labels.empty(), c.sticks == 0);
+    EXPECT_EQ(labels.empty(), stickCount == 0);
     expectApartWithin(labels, 11, {72, 776, 48, 392});                       // in the frame
     expectApartWithin(marks(svg, "x-labels"), 12, {0, 800, 392, 450});  // under it
     EXPECT_EQ(textsOf(marks(svg, "y-labels")), (std::vector<std::string>{"0", "20", "40", "60", "80", "100"}));
   }
 }
 
-// Tick labels for windows from 0.001 Da to thousands: a 1, 2 or 5 x 10^k step, three to twelve
-// ticks, the step's decimals, within a step of the peaks at either end.
+// From 0.001 Da to thousands: 3 to 12 ticks 1, 2 or 5 x 10^k apart, reaching both end peaks.
 TEST(PatternSvg, MzTicksAreOneTwoFiveStepsSpanningThePeaks) {
   for (double at : {0.5, 181.07, 4999.9, 99999.9})
     for (double span : {0.0, 0.001, 0.0123, 0.7, 3.0, 42.0, 700.0, 3000.0}) {
@@ -184,8 +239,7 @@ TEST(PatternSvg, MzTicksAreOneTwoFiveStepsSpanningThePeaks) {
     }
 }
 
-// A label goes to the largest of peaks too close for two, whichever comes first; one m/z (or one
-// peak) sits in the middle of its window.
+// The largest of peaks too close for two labels gets one; a lone m/z sits mid-window.
 TEST(PatternSvg, TheLargestPeakGetsTheLabel) {
   for (bool tallFirst : {true, false}) {
     PatternPicture picture{"close", {100.0, 100.01, 103.0}, {98, 98, 10}};
@@ -211,16 +265,13 @@ TEST(PatternSvg, TheLargestPeakGetsTheLabel) {
 // A program that set a locale with a decimal comma (C and C++) gets the same document.
 TEST(PatternSvg, TheDocumentIsTheSameUnderADecimalCommaLocale) {
   const std::string plain = patternSvg(crowded());
-  const char *chosen = nullptr;
-  for (const char *name : {"ru_RU.UTF-8", "de_DE.UTF-8"})
-    if (std::setlocale(LC_ALL, name) != nullptr) {
-      chosen = name;
-      break;
-    }
+  const char *chosen =
+      std::setlocale(LC_ALL, "ru_RU.UTF-8") != nullptr ? "ru_RU.UTF-8" : "de_DE.UTF-8";
+  const bool found = std::setlocale(LC_ALL, chosen) != nullptr;
 #if defined(_WIN32)
-  if (chosen == nullptr) GTEST_SKIP() << "no locale with a decimal comma here";
+  if (!found) GTEST_SKIP() << "no locale with a decimal comma here";
 #endif
-  ASSERT_NE(chosen, nullptr) << "no ru_RU.UTF-8 or de_DE.UTF-8: run tests/support/ensure_locales.sh";
+  ASSERT_TRUE(found) << "no ru_RU.UTF-8 or de_DE.UTF-8: run tests/support/ensure_locales.sh";
   ASSERT_STREQ(std::localeconv()->decimal_point, ",");
   std::locale previous;
   try {
@@ -233,19 +284,39 @@ TEST(PatternSvg, TheDocumentIsTheSameUnderADecimalCommaLocale) {
   EXPECT_EQ(underComma, plain);
 }
 
+std::vector<std::string> namesIn(const std::string &directory) {
+  std::vector<std::string> names;
+  for (const auto &entry : std::filesystem::directory_iterator(directory))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+TEST(WriteWholeFile, ReplacesAFileWholeOrSaysWhyNot) {
+  TempDir dir;
+  const std::string path = dir.file("p.svg"), bytes("<svg>\r\n\0</svg>\n", 15);
+  EXPECT_EQ(writeWholeFile(path, "an old picture, longer than the new one"), std::nullopt);
+  EXPECT_EQ(writeWholeFile(path, bytes), std::nullopt);
+  EXPECT_EQ(readFile(path), bytes) << "every byte as it is, on Windows too";
+  EXPECT_EQ(namesIn(dir.path()), std::vector<std::string>{"p.svg"});
 #if !defined(_WIN32)
-// Drawn by a real SVG renderer (librsvg's rsvg-convert, where installed): the documents parse
-// into 800x450 PNGs, a pattern's larger than an empty frame's, larger than a blank page's.
+  EXPECT_EQ(writeWholeFile(dir.path(), "x"),
+            "cannot write " + dir.path() + ": " + std::strerror(EISDIR));
+#endif
+}
+
+#if !defined(_WIN32)
+// rsvg-convert (where installed) draws 800x450 PNGs: a pattern's beyond a frame's, beyond blank.
 TEST(PatternSvg, ARendererDrawsIt) {
   if (std::system("command -v rsvg-convert >/dev/null 2>&1") != 0)
     GTEST_SKIP() << "rsvg-convert is not installed (Debian: librsvg2-bin)";
-  fskit::test::TempDir dir;
+  TempDir dir;
   const auto render = [&](const std::string &name, const std::string &svg) {
     fskit::test::writeFile(dir.file(name + ".svg"), svg);
     std::string command = "rsvg-convert -b white -o '" + dir.file(name + ".png") + "' '" +
                           dir.file(name + ".svg") + "'";
     EXPECT_EQ(std::system(command.c_str()), 0) << name;
-    std::string png = fskit::test::readFile(dir.file(name + ".png"));
+    std::string png = readFile(dir.file(name + ".png"));
     // The signature, then the header chunk of an image 800 (0x320) wide, 450 (0x1c2) high.
     const std::string header("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0\x03\x20\0\0\x01\xc2", 24);
     EXPECT_EQ(png.substr(0, 24), header) << name;
@@ -254,9 +325,26 @@ TEST(PatternSvg, ARendererDrawsIt) {
   long blank = render("blank", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"450\"/>");
   long frame = render("frame", patternSvg({"C [M]", {}, {}}));
   long pattern = render("pattern", patternSvg(crowded()));
-  EXPECT_GT(blank, 0);
   EXPECT_GT(frame, 2 * blank);
   EXPECT_GT(pattern, frame + blank);
+}
+
+// A file size limit fails the write half-way (EFBIG): the old file stays, no temporary file left.
+TEST(WriteWholeFile, AWriteFailingHalfWayLeavesTheOldFile) {
+  TempDir dir;
+  const std::string path = dir.file("p.svg");
+  fskit::test::writeFile(path, "the old picture");
+  rlimit saved{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+  const rlimit small{.rlim_cur = 4096, .rlim_max = saved.rlim_max};
+  auto previous = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  std::optional<std::string> error = writeWholeFile(path, std::string(100000, 'x'));
+  setrlimit(RLIMIT_FSIZE, &saved);
+  std::signal(SIGXFSZ, previous);
+  EXPECT_EQ(error, "cannot write " + path + ": " + std::strerror(EFBIG));
+  EXPECT_EQ(readFile(path), "the old picture");
+  EXPECT_EQ(namesIn(dir.path()), std::vector<std::string>{"p.svg"});
 }
 #endif
 

@@ -1,18 +1,23 @@
 // SPDX-License-Identifier: MIT
-// kwaCmdLnPrts: the documented examples, and generated lines checked against a plain
-// implementation that builds each token's text by appending characters; kwaCmdLnStr, kwaArrayAlloc.
+// kwaCmdLnPrts: examples and generated lines against a plain model; kwaCmdLnStr, kwaArrayAlloc;
+// tag files, tables, lookups and comparators; the tool's cmdline and tags commands.
 #include <fskit/cmdline.h>
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/test_support.h"
+
+using fskit::test::runTool;
 
 // The sanitizer's allocator answers an impossible request with null, as malloc does.
 extern "C" const char *__asan_default_options() { return "allocator_may_return_null=1"; }
@@ -160,14 +165,35 @@ std::string repeat(const std::string &piece, int n) {
   return out;
 }
 
+struct Table {
+  int32_t count = 0, capacity = 0;
+  KwaTagEntry *entries = nullptr;
+  ~Table() { std::free(entries); }
+
+  int32_t add(const std::string &tag, const std::string &label) {
+    return kwaAddToTbl(tag.c_str(), label.c_str(), &count, &capacity, &entries);
+  }
+  void read(std::string text, int32_t mode) {
+    std::FILE *stream = fskit::test::streamOf(text);
+    EXPECT_EQ(kwaReadTags(stream, mode, &count, &capacity, &entries), 1);
+    EXPECT_EQ(kwaReadTags(stream, mode, &count, &capacity, &entries), 1);  // at its end already
+    std::fclose(stream);
+  }
+  // "TAG=label;" for every record.
+  std::string pairs() const {
+    std::string out;
+    for (int32_t i = 0; i < count; ++i) {
+      EXPECT_EQ(entries[i].labelLen, int32_t(std::strlen(entries[i].label)));
+      out += std::string(entries[i].tag) + "=" + entries[i].label + ";";
+    }
+    return out;
+  }
+};
+
 }  // namespace
 
 TEST(CommandLine, ExamplesAndEdgeCases) {
-  const struct {
-    std::string line;
-    int32_t result;
-    std::string parts, err;
-  } cases[] = {
+  const std::tuple<std::string, int32_t, std::string, std::string> cases[] = {
       {"copy a.dat,b.dat /log=out.txt /verbose", 0,
        "[copy] [a.dat],[b.dat] /log=[out.txt]/verbose", ""},
       {"/list=(a, b c) x", 0, "[x] /list=[(a, b c)]", ""},
@@ -185,19 +211,18 @@ TEST(CommandLine, ExamplesAndEdgeCases) {
       {"/q=\"x\"\"\"\"y", 0, "/q=[x\"\"y\"y]", "Unmatched quoted string.\n"},
       {"x \"ab", 0, "[x] [ab] ", "Unmatched quoted string.\n"},
   };
-  for (const auto &c : cases) {
-    Outcome out = parseWithLibrary(c.line);
-    EXPECT_EQ(out.result, c.result) << c.line;
-    EXPECT_EQ(out.parts, c.parts) << c.line;
-    EXPECT_EQ(out.err, c.err.empty() ? "" : kLabel + c.err) << c.line;
+  for (const auto &[line, result, parts, err] : cases) {
+    Outcome out = parseWithLibrary(line);
+    EXPECT_EQ(out.result, result) << line;
+    EXPECT_EQ(out.parts, parts) << line;
+    EXPECT_EQ(out.err, err.empty() ? "" : kLabel + err) << line;
   }
   KwaCmdLnParts parts;
   EXPECT_EQ(kwaCmdLnPrts(nullptr, &parts) + parts.nArgs + parts.nQuals, 0);
 }
 
 TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
-  // Pieces that reach the limits of 20 arguments and 50 qualifiers; each line draws from its own
-  // subset, so that long lines without stopping characters are common.
+  // Pieces reaching the 20 and 50 limits; a subset per line makes long unstopped lines common.
   const std::vector<std::string> pieces = {" ", "\t", "\"", ",", "(", ")", "/", ":", "=", "a", "b",
                                            "\n", "\x80", "\xff", "/a", "/b=", "a,"};
   std::mt19937 random(20240611);
@@ -224,17 +249,15 @@ TEST(CommandLine, GeneratedLinesAgreeWithPlainImplementation) {
 }
 
 TEST(JoinArguments, JoinsWithSingleBlanksAndReportsSize) {
-  const struct {
-    std::vector<const char *> argv;
-    std::string line;
-    int32_t length;  // -5: not written
-  } cases[] = {{{"prog", "a b", "c"}, "a b c", 7}, {{"prog", "", nullptr, "x"}, "  x", 5},
-               {{"prog"}, "", -5},                  {{}, "", -5}};
-  for (const auto &c : cases) {
+  // The arguments, their line and the length reported (-5: not written).
+  const std::tuple<std::vector<const char *>, std::string, int32_t> cases[] = {
+      {{"prog", "a b", "c"}, "a b c", 7}, {{"prog", "", nullptr, "x"}, "  x", 5},
+      {{"prog"}, "", -5},                  {{}, "", -5}};
+  for (const auto &[args, joined, reported] : cases) {
     int32_t length = -5;
-    char *line = kwaCmdLnStr(int32_t(c.argv.size()), const_cast<char **>(c.argv.data()), &length);
-    EXPECT_EQ(std::string(line), c.line);
-    EXPECT_EQ(length, c.length) << c.line;
+    char *line = kwaCmdLnStr(int32_t(args.size()), const_cast<char **>(args.data()), &length);
+    EXPECT_EQ(std::string(line), joined);
+    EXPECT_EQ(length, reported) << joined;
     fsFree(&line);
   }
   // 2100 arguments of 1 MiB: more than a 32-bit length can report.
@@ -267,4 +290,115 @@ TEST(ArrayAlloc, GrowsByElementCountAndNeverShrinks) {
   EXPECT_EQ(kwaArrayAlloc(&array, INT32_MAX, UINT32_MAX), 0);
   EXPECT_EQ(array.data, nullptr);
   EXPECT_EQ(shape(array), std::vector<int64_t>({INT32_MAX, INT32_MAX, UINT32_MAX}));
+}
+
+TEST(TagFile, ReadsPairsAndKeywords) {
+  // Past a 254-character read a line goes on as a new one (was skipped), a comment's rest too.
+  const std::string file = "ms Mass spectrum\n! ignored\n\n  uv    Ultra   violet  \n"
+                           "MASS Mass range ! scanned\nonlytag\n\tTab\tlabel\r\n!" +
+                           std::string(260, 'c') + " TAIL comment\n" + std::string(70, 't') + " " +
+                           std::string(353, 'l') + " ZZ tail\nT " + std::string(252, 'a') +
+                           "\nU v\nlast line";
+  Table plain, keywords;
+  plain.read(file, 0);
+  EXPECT_EQ(plain.pairs(), "MS=Mass spectrum;UV=Ultra violet;MASS=Mass range;TAB=label;"
+                           "CCCCCCC=TAIL comment;" + std::string(63, 'T') + "=" +
+                               std::string(63, 'l') + ";" + std::string(63, 'L') +
+                               "=ZZ tail;T=" + std::string(63, 'a') + ";U=v;LAST=line;");
+  keywords.read(file, 1);
+  EXPECT_EQ(keywords.pairs(), "MS=##MASS SPECTRUM=;UV=##ULTRA VIOLET=;MASS=##MASS RANGE=;"
+                              "TAB=##LABEL=;CCCCCCC=##TAIL COMMENT=;" + std::string(63, 'T') +
+                                  "=##" + std::string(60, 'L') + "=;" + std::string(63, 'L') +
+                                  "=##ZZ TAIL=;T=##" + std::string(60, 'A') + "=;U=##V=;LAST=##LINE=;");
+  // Records are compared whole: no bytes after the NULs from an earlier, longer line's buffers.
+  KwaTagEntry expected{"U", "v", 1};
+  EXPECT_EQ(std::memcmp(&plain.entries[8], &expected, sizeof expected), 0);
+}
+
+TEST(TagTable, AddsLooksUpAndGrowsByTen) {
+  Table table;
+  EXPECT_EQ(table.add("ms", "Mass spectrum") + table.add("uv", "Ultra violet"), 3);
+  EXPECT_EQ(table.add("MS", "mass spectrum extra"), 2);  // its label's first match has tag MS
+  EXPECT_EQ(table.add("MX", "mass spectrum extra") + table.add("", "x") + table.add("x", ""), 9);
+  char text[64];
+  EXPECT_EQ(kwaLabelToTag(table.count, table.entries, "MASS SPECTRUM", text), 0);
+  EXPECT_STREQ(text, "MS");
+  EXPECT_EQ(kwaLabelToTag(table.count, table.entries, "ultra", text), -1);  // shorter
+  EXPECT_STREQ(text, "");
+  EXPECT_EQ(kwaTagToLabel(table.count, table.entries, "UV", text), 1);
+  EXPECT_STREQ(text, "Ultra violet");
+  EXPECT_EQ(kwaTagToLabel(table.count, table.entries, "ms", text), -1);
+  EXPECT_STREQ(text, "");
+  for (int i = 3; i < 21; ++i) {
+    EXPECT_EQ(table.add("t" + std::to_string(i), "l" + std::to_string(i)), i + 1);
+    EXPECT_EQ(table.capacity, i < 10 ? 10 : i < 20 ? 20 : 30);
+  }
+  EXPECT_EQ(table.pairs().substr(0, 50), "MS=Mass spectrum;UV=Ultra violet;MX=mass spectrum ");
+  EXPECT_EQ(std::string(table.entries[20].tag) + table.entries[20].label, "T20l20");
+
+  // A count beyond the block changes nothing; a table that cannot grow is released, not leaked.
+  int32_t count = 1, capacity = 10;
+  KwaTagEntry *none = nullptr;
+  EXPECT_EQ(kwaAddToTbl("A", "x", &count, &capacity, &none), 0);
+  auto *full = static_cast<KwaTagEntry *>(std::calloc(1, sizeof(KwaTagEntry)));
+  *full = KwaTagEntry{"A", "x", 1};
+  count = capacity = INT32_MAX - 5;
+  EXPECT_EQ(kwaAddToTbl("B", "x", &count, &capacity, &full), 0);
+  EXPECT_EQ(full, nullptr);
+}
+
+TEST(TagTable, ComparatorsOrderByTagOrLabelFirst) {
+  KwaTagEntry entries[] = {{"B", "a", 1}, {"A", "y", 1}, {"A", "x", 1}, {"\x80", "0", 1}};
+  auto sorted = [&](int (*compare)(const void *, const void *)) {
+    std::qsort(entries, 4, sizeof(KwaTagEntry), compare);
+    std::string order;
+    for (const KwaTagEntry &e : entries) order += std::string(e.tag) + e.label + " ";
+    return order;
+  };
+  EXPECT_EQ(sorted(kwaTblTagCmp), "Ax Ay Ba \x80" "0 ");
+  EXPECT_EQ(sorted(kwaTblLblCmp), "\x80" "0 Ba Ax Ay ");
+  EXPECT_EQ(kwaTblTagCmp(&entries[0], &entries[1]) - kwaTblTagCmp(&entries[1], &entries[0]), 2);
+  // A null record (once read through) comes first.
+  for (auto compare : {kwaTblTagCmp, kwaTblLblCmp})
+    EXPECT_EQ(std::to_string(compare(nullptr, nullptr)) + std::to_string(compare(nullptr, entries)) +
+                  std::to_string(compare(entries, nullptr)),
+              "0-11");
+}
+
+TEST(CmdlineTool, PrintsPartsOrStopCharacter) {
+  EXPECT_EQ(runTool({"cmdline", "copy", "a.dat,b.dat", "/log=out.txt /verbose"}).out,
+            "part\ttext\tvalue\tend\nargument\tcopy\t\t\nargument\ta.dat\t\t,\n"
+            "argument\tb.dat\t\t\nqualifier\tlog\tout.txt\t\nqualifier\tverbose\t\t\n");
+  // JSON escapes quotes, backslashes and controls; "" and a quote in a list leave nothing open.
+  EXPECT_EQ(runTool({"cmdline", "--json", "--", "--x", "\"a\"\"\\\t\" /q=(\"x)"}).out,
+            "{\"part\":\"argument\",\"text\":\"--x\",\"value\":\"\",\"end\":\"\"}\n"
+            "{\"part\":\"argument\",\"text\":\"a\\\"\\\\\\u0009\",\"value\":\"\",\"end\":\"\"}\n"
+            "{\"part\":\"qualifier\",\"text\":\"q\",\"value\":\"(\\\"x)\",\"end\":\"\"}\n");
+  // A stop, or a quote or a list left open: the parser's line, nothing printed, status 1.
+  for (const char *line : {"/q=a=b", "copy \"a b", "/q=(a,b"}) {
+    auto failed = runTool({"cmdline", line});
+    EXPECT_EQ(failed.status, 1) << line;
+    EXPECT_EQ(failed.out, "") << line;
+    EXPECT_EQ(failed.err.rfind("%kwaCmdLnPrts, ", 0), 0u) << line;
+  }
+  EXPECT_EQ(runTool({"cmdline"}).status, 2);
+}
+
+TEST(TagsTool, ListsAndLooksUp) {
+  fskit::test::TempDir dir;
+  std::string file = dir.file("tags.tbl");
+  fskit::test::writeFile(file, "ms Mass spectrum ! comment\n\n  uv   Ultra  violet\n");
+  EXPECT_EQ(runTool({"tags", file}).out, "tag\tlabel\nMS\tMass spectrum\nUV\tUltra violet\n");
+  EXPECT_EQ(runTool({"tags", "--json", file}).out,
+            "{\"tag\":\"MS\",\"label\":\"Mass spectrum\"}\n{\"tag\":\"UV\",\"label\":\"Ultra violet\"}\n");
+  EXPECT_EQ(runTool({"tags", "--json", file, "--tag", "MS"}).status, 2);
+  EXPECT_EQ(runTool({"tags", "--keywords", file, "--tag", "UV"}).out, "##ULTRA VIOLET=\n");
+  // --label finds the first label that begins with it, ignoring case.
+  EXPECT_EQ(runTool({"tags", file, "--label=mass"}).out, "MS\n");
+  EXPECT_EQ(runTool({"tags", file, "--label", "mass spectrum scan"}).status, 1);
+  auto missing = runTool({"tags", file, "--tag", "uv"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "fskit tags: no record with the tag 'uv'\n");
+  EXPECT_EQ(runTool({"tags", dir.file("none")}).status, 1);
+  EXPECT_EQ(runTool({"tags", file, "--tag", "A", "--label", "b"}).status, 2);
 }
