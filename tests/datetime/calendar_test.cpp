@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <ctime>
-#include <string>
 
 namespace chrono = std::chrono;
 

@@ -6,9 +6,7 @@
 
 #include <algorithm>
 #include <ctime>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "datetime/conversion_internal.h"
 #include "tests/support/test_support.h"

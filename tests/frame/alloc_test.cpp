@@ -3,8 +3,6 @@
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 using namespace std::string_literals;
 
 namespace {

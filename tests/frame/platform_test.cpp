@@ -5,7 +5,6 @@
 
 #include <climits>
 #include <ctime>
-#include <string>
 
 #include "platform/file_offset.h"
 #include "platform/platform.h"

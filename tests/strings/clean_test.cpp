@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string>
-#include <vector>
 
 #include "tests/strings/random_text.h"
 
@@ -69,12 +67,14 @@ Tokens readTokens(const char *s, int32_t maxLen) {
   return tokens;
 }
 
+// strqtoks' tokens; it writes no start past `max`.
 Tokens quotedTokens(const std::string &s, int32_t max = 16) {
-  char *starts[16];
+  char *starts[17] = {};
   int32_t lengths[16];
   Tokens tokens;
   for (int32_t i = 0, n = strqtoks(s.c_str(), " ,", max, starts, lengths); i < n; ++i)
     tokens.emplace_back(starts[i], lengths[i]);
+  EXPECT_EQ(starts[max], nullptr);
   return tokens;
 }
 

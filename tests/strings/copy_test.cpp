@@ -6,8 +6,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <memory>
-#include <string>
 
 using namespace std::string_literals;
 

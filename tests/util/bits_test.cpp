@@ -5,7 +5,6 @@
 
 #include <bit>
 #include <bitset>
-#include <string>
 #include <utility>
 
 TEST(Bits, TablesMatchADirectComputation) {

@@ -3,8 +3,6 @@
 #include <fskit/util.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "tests/support/test_support.h"
 #include "util/des.h"
 

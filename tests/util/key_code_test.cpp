@@ -13,9 +13,7 @@
 #endif
 
 #include <chrono>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
