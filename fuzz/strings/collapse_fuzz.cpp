@@ -40,8 +40,7 @@ std::string edited(std::string_view s, Edit edit, int32_t *length) {
 }
 
 void checkField(std::string_view field, uint32_t dstSize) {
-  // The field on the heap without a NUL after it: a read past srcLen bytes
-  // is caught.
+  // The field on the heap without a NUL after it: a read past srcLen bytes is caught.
   std::unique_ptr<char[]> src(new char[field.size()]);
   if (!field.empty()) std::memcpy(src.get(), field.data(), field.size());
   Text dst(dstSize, '~');
@@ -69,8 +68,7 @@ FUZZ_TARGET(input) {
   const std::string collapsed = edited(s, strcollapse, &length);
   FUZZ_CHECK(collapsed == without(s, isSpace) && length == int32_t(collapsed.size()));
 
-  // strqcollapse removes only white space and quotes (one of a doubled
-  // pair), and without quotes it is strcollapse.
+  // strqcollapse removes only white space and quotes; without quotes it is strcollapse.
   const std::string qcollapsed = edited(s, strqcollapse, &length);
   FUZZ_CHECK(length == int32_t(qcollapsed.size()));
   FUZZ_CHECK(isSubsequence(qcollapsed, s));

@@ -5,8 +5,7 @@
 
 #include "fuzz/support/fuzz_support.h"
 
-// Read one token at a time, the tokens hold every character that is not a delimiter, in order,
-// and none longer than maxLen.
+// The tokens hold every character that is not a delimiter, in order, none longer than maxLen.
 FUZZ_TARGET(input) {
   const int32_t maxLen = takeByte(input) & 15;
   const auto [delims, text] = splitAtNul(input, " ,");

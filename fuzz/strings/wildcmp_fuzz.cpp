@@ -7,8 +7,7 @@
 
 namespace {
 
-// matches[i][j]: the first i characters of the pattern match the first j of
-// the text. A NUL wildcard stands for nothing.
+// table[i][j]: the pattern's first i characters match the text's first j; a NUL wildcard is none.
 bool matches(std::string_view pattern, std::string_view text, char anyChar, char anyRun) {
   std::vector<std::vector<bool>> table(pattern.size() + 1, std::vector<bool>(text.size() + 1));
   table[0][0] = true;

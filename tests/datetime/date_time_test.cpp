@@ -37,8 +37,7 @@ std::string localNow(const char *format) {
   return text;
 }
 
-// `got` is the current time in `format`, read before or after it was made,
-// so a second (or midnight) passing in between does no harm.
+// `got` is the current time in `format` as read before or after it (a second may pass).
 template <typename Body>
 void expectNow(const char *format, Body body) {
   std::string before = localNow(format), got = body(), after = localNow(format);
@@ -72,13 +71,11 @@ TEST(DateTime, WritesTheRecordInEveryOutputLayout) {
     EXPECT_EQ(c.text, expected[out]) << "layout " << out;
     EXPECT_EQ(c.err, "");
   }
-  // A 32-bit build counted seconds in a 32-bit time_t: 2040 could be neither
-  // read from layout 9 nor written to it.
+  // A 32-bit time_t once kept 2040 from being read from layout 9 or written to it.
   EXPECT_EQ(convert(6, "20400101000000+0000", 9).text, "2208988800");
   fskit::test::setTimeZone("EST5");  // seconds count the date as local time
   EXPECT_EQ(convert(6, kSample, 9).text, std::to_string(889279509 + 5 * 3600));
-  // The widest output fits the 60 characters promised; fuzz/datetime/convert_fuzz writes every
-  // layout from any input into a buffer of 61 bytes.
+  // The widest output fits the 60 characters promised (any input: fuzz/datetime/convert_fuzz).
   Converted widest = convert(4, "Sat Mar 07 -2147483648:-2147483648:-2147483648 2147483647", 10);
   EXPECT_EQ(widest.text.substr(3), " Mar 07 2147483647 -2147483648:-2147483648:-2147483648 AM");
 }
@@ -137,8 +134,7 @@ TEST(DateTime, CurrentTimeFillsWhatTheInputLacks) {
   expectNow("%Y%m%d140509+0000", [] { return convert(5, "14:05:09", 6, "", 1).text; });
   expectNow("19980307%H%M%S+0000", [] { return convert(1, "1998/3/7", 6, "", 1).text; });
   EXPECT_EQ(convert(5, "14:05:09", 0).text, " 0/00/00");  // no date: 0-0-0 is valid
-  // A null input is the current time whatever the layout, even an unknown one;
-  // an unreadable input with useNow is replaced without a word.
+  // A null input is now in any layout; an unreadable one with useNow is replaced silently.
   struct Case { int in; const char *input; int useNow; };
   for (Case c : {Case{99, nullptr, 0}, Case{12, "x", 1}, Case{0, "3/7", 1}})
     expectNow("%a %b %d %H:%M:%S %Y", [c] {
@@ -177,8 +173,7 @@ TEST(DateTime, NamesReadBeforeAFailedInputStayWithTheCurrentTime) {
 }
 
 TEST(DateTime, NumbersBeyondAnIntMakeTheInputUnreadable) {
-  // They were stored wrapped: "1/2/4294967394" read as year 98. Every field
-  // read without a width (@ is the number) is tried.
+  // Once stored wrapped ("1/2/4294967394" read as year 98); @ is each field without a width.
   const std::vector<std::pair<int32_t, std::vector<std::string>>> layouts = {
       {0, {"@/2/98", "1/@/98", "1/2/@"}},
       {1, {"@/1/2", "98/@/2", "98/1/@"}},

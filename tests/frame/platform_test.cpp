@@ -48,8 +48,7 @@ TEST(Platform, SystemNoWaitWaitsAndReturnsTheStatus) {
   EXPECT_EQ(systemNoWait("exit 3"), exitThree);
 }
 
-// The library's own asctime text (no shared buffer) is the runtime's, also for five-digit years
-// and years before 1900.
+// The library's asctime (no shared buffer) is the runtime's, also for years past 9999 or pre-1900.
 TEST(Platform, AscTimeTextIsTheRuntimes) {
 #if defined(_WIN32)
   // The Windows runtime's local time covers 1970 to 3000 only.
@@ -77,8 +76,7 @@ TEST(Platform, AscTimeTextIsTheRuntimes) {
   EXPECT_FALSE(fskit::platform::ascTime(farFuture, text));
 }
 
-// Positions past 4 GiB, in a sparse file: a 32-bit long would have failed
-// (Windows, 32-bit systems) or wrapped.
+// Positions past 4 GiB in a sparse file, where a 32-bit long would have failed or wrapped.
 TEST(Platform, StreamPositionsPastFourGibibytes) {
   namespace platform = fskit::platform;
   fskit::test::TempDir dir;

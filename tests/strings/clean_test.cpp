@@ -101,8 +101,7 @@ Tokens referenceTokens(const std::string &s) {
 TEST(Clean, Tokens) {
   EXPECT_EQ(readTokens("a,,b", 9), (Tokens{"a", "", "b", "@4"}));
   EXPECT_EQ(readTokens(";a;b,", 9), (Tokens{"", "a", "b", "@5"}));
-  // Over-long tokens are split, nothing lost; one that fills maxLen exactly
-  // still takes its delimiter.
+  // Over-long tokens are split; one that fills maxLen exactly still takes its delimiter.
   EXPECT_EQ(readTokens("abcde,fg", 2), (Tokens{"ab", "cd", "e", "fg", "@8"}));
   EXPECT_EQ(readTokens("ab,c", 2), (Tokens{"ab", "c", "@4"}));
   EXPECT_EQ(readTokens("ab,c", 0), (Tokens{"", "", "@4"}));

@@ -11,8 +11,7 @@ using namespace std::string_literals;
 
 namespace {
 
-// A destination pre-filled with a sentinel byte, so that a test sees every
-// byte a function wrote and that it wrote nothing beyond.
+// A destination pre-filled with a sentinel byte: a test sees every byte a function wrote.
 struct Sentinel {
   char bytes[64];
   Sentinel() { std::memset(bytes, '~', sizeof bytes); }
@@ -56,8 +55,7 @@ TEST(Copy, WritesExactlyTheseBytes) {
       {[](char *d) { return strcenter(d, "ab", 7); }, "  ab\0"s},
       {[](char *d) { return strcenter(d, "ab", 3); }, "ab\0"s},
       {[](char *d) { return strcenter(d, "ab", 0); }, "ab\0"s},
-      // strfcpy on any field and size: fuzz/strings/collapse_fuzz.
-      // Substrings.
+      // Substrings (strfcpy on any field and size: fuzz/strings/collapse_fuzz).
       {[](char *d) { return strleft(d, "abcdef", 3); }, "abc\0"s},
       {[](char *d) { return strleft(d, "ab", 5); }, "ab\0"s},
       {[](char *d) { return strleft(d, "abc", 0); }, "\0"s},
@@ -85,8 +83,7 @@ TEST(Copy, WritesExactlyTheseBytes) {
       {[](char *d) { return strRemOuter(d, ")(", '(', ')'); }, ")(\0"s},
       {[](char *d) { return strRemOuter(d, "a)b(c", '(', ')'); }, "\0"s},
       {[](char *d) { return strRemOuter(d, nullptr, '(', ')'); }, "\0"s},
-      // Escapes: numbers end at the first non-digit, which is handled afresh (each kind's round
-      // trip: fuzz/strings/escapes_fuzz).
+      // Escapes: numbers end at the first non-digit (round trips: fuzz/strings/escapes_fuzz).
       {[](char *d) { return strcvtesc(d, R"(\x41\x6a\x6Az)"); }, "Ajjz\0"s},
       {[](char *d) { return strcvtesc(d, R"(\0x\xg\1018)"); }, "\0x\0gA8\0"s},
       {[](char *d) { return strcvtesc(d, R"(\777\x141\7777777777777)"); }, "\xFF" "A\xFF\0"s},
@@ -109,14 +106,12 @@ TEST(Copy, InPlace) {
 }
 
 TEST(Copy, NothingIsReadPastTheEndOfTheSource) {
-  // strncpyb read the n-byte field from the one-byte empty text a null source
-  // stands for (the sanitizer build sees it).
+  // strncpyb read n bytes from the one-byte empty text a null source stands for.
   Sentinel field;
   EXPECT_EQ(strncpyb(field.bytes, nullptr, 6), field.bytes);
   EXPECT_EQ(field.written(), "\0"s);
 
-  // strtoken went on reading after the NUL from a position beyond the end:
-  // here the bytes after it were taken for a token.
+  // strtoken from a position past the end read on after the NUL and took those bytes for a token.
   const char hidden[] = "ab\0yz,c";
   char token[8] = "~";
   for (int32_t start : {2, 3, 5}) {

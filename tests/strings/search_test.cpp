@@ -12,8 +12,7 @@ TEST(Search, FindAndCompare) {
     const char *pattern, *text;
     int32_t exact, folded;  // stridx, striidx
   } finds[] = {
-      // A partial match is not retried from within itself (the property
-      // test below covers patterns whose first character does not recur).
+      // A partial match is not retried from within itself.
       {"aab", "aaab", -1, -1}, {"aab", "aaabaab", 4, 4}, {"", "abc", 0, 0},
       {"\xE4", "a\xC4\xE4", 2, 2},
   };
@@ -42,9 +41,7 @@ TEST(Search, StridxProperties) {
     const std::string pattern = random("ab", 4) + "a", text = random("abAB", 12);
     const int32_t found = stridx(pattern.c_str(), text.c_str());
     const size_t first = text.find(pattern);
-    // Whatever is found is an occurrence; nothing is found without one; and
-    // when the first character does not recur in the pattern, no occurrence
-    // can begin inside a partial match, so the first one is found.
+    // Whatever is found is an occurrence; the first one if the first character does not recur.
     if (found >= 0) {
       ASSERT_EQ(text.compare(size_t(found), pattern.size(), pattern), 0);
     }
@@ -96,8 +93,7 @@ TEST(Search, QuitWordsAndHash) {
   for (const char *other : {"quitting", " quit", "quit\r\n", "", "abort\n\n", "fi"})
     EXPECT_EQ(strQuit(other), 0) << other;
 
-  // Bytes are signed: 0xFF is -1, so "\xFF" gives 1 + 107 + 10009; for two
-  // 0x80 bytes each step adds 16384 * 10117, giving 1 and then 2 modulo 7.
+  // Bytes are signed: "\xFF" gives 1 + 107 + 10009; each 0x80 adds 16384 * 10117 (1, 2 mod 7).
   struct Hash { const char *text; uint32_t size, hash; };
   for (Hash h : {Hash{"abc", 1000, 887}, {"a", 1000, 853}, {"ab", 1000, 413}, {"", 1000, 1},
                  {"", 0, 1}, {"\xFF", 100000, 10117}, {"\x80\x80", 7, 2}})

@@ -34,8 +34,7 @@ TEST(Bits, ItobGroupsEightsFromTheRightForEveryWidth) {
 }
 
 TEST(Bits, FieldsAndCounts) {
-  // Word, highest bit, bit count, field; past the documented range: the whole
-  // word, nothing, zero bits below bit 0.
+  // Word, highest bit, bit count, field; past the range: whole word, nothing, zeros below bit 0.
   const uint32_t fields[][4] = {{0xABCD, 15, 4, 0xA},          {0xABCD, 3, 4, 0xD},
                                 {0xABCD, 7, 1, 1},             {0x80000000, 31, 1, 1},
                                 {0xDEADBEEF, 31, 31, 0x6F56DF77}, {0xDEADBEEF, 31, 32, 0xDEADBEEF},
