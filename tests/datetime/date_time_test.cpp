@@ -18,6 +18,7 @@ namespace {
 struct Converted {
   int32_t result = -1;
   std::string text, err;
+  std::string all() const { return std::to_string(result) + text + err; }
 };
 
 // The output buffer starts as "#", so an untouched output shows as "#".
@@ -65,12 +66,8 @@ TEST(DateTime, WritesTheRecordInEveryOutputLayout) {
                             " 7-MAR-98 14:05:09", " 7-MAR-1998 14:05:09",
                             "889279509",  // date -u -d "1998-03-07 14:05:09" +%s
                             "Sat Mar 07 1998 02:05:09 PM"};
-  for (int out = 0; out <= 10; ++out) {
-    Converted c = convert(6, kSample, out);
-    EXPECT_EQ(c.result, 1);
-    EXPECT_EQ(c.text, expected[out]) << "layout " << out;
-    EXPECT_EQ(c.err, "");
-  }
+  for (int out = 0; out <= 10; ++out)
+    EXPECT_EQ(convert(6, kSample, out).all(), "1" + std::string(expected[out])) << out;
   // A 32-bit time_t once kept 2040 from being read from layout 9 or written to it.
   EXPECT_EQ(convert(6, "20400101000000+0000", 9).text, "2208988800");
   fskit::test::setTimeZone("EST5");  // seconds count the date as local time
@@ -148,13 +145,9 @@ TEST(DateTime, FailuresAreReportedOnStandardError) {
   struct Case { int in; std::string input; std::string before; };  // before the unreadable input
   const Case cases[] = {{2, std::string(5000, 'x'), ""}, {12, "3/7/98", ""}, {0, "3/7", ""},
                         {0, "13/7/98", ""},             {9, "soon", ""},    {13, "3/7/98", unsupported}};
-  for (const Case &c : cases) {
-    Converted got = convert(c.in, c.input.c_str(), 1);
-    EXPECT_EQ(std::to_string(got.result) + got.text + got.err, "0#" + c.before + unreadable(c.input));
-  }
-  Converted output = convert(0, "3/7/98", 11);
-  EXPECT_EQ(std::to_string(output.result) + output.text + output.err,
-            "0Unsupported date/time output format 11");
+  for (const Case &c : cases)
+    EXPECT_EQ(convert(c.in, c.input.c_str(), 1).all(), "0#" + c.before + unreadable(c.input));
+  EXPECT_EQ(convert(0, "3/7/98", 11).all(), "0Unsupported date/time output format 11");
   Converted replaced = convert(13, "3/7/98", 5, nullptr, 1);
   EXPECT_EQ(std::to_string(replaced.result) + replaced.err, "1" + unsupported);
   EXPECT_EQ(fsDateTime(0, "3/7/98", 0, nullptr, nullptr, 0), 0);
@@ -188,8 +181,7 @@ TEST(DateTime, NumbersBeyondAnIntMakeTheInputUnreadable) {
     for (const auto &[in, fields] : layouts)
       for (std::string input : fields) {
         input.replace(input.find('@'), 1, number);
-        Converted got = convert(in, input.c_str(), 5, "");
-        EXPECT_EQ(std::to_string(got.result) + got.text + got.err, "0#" + unreadable(input));
+        EXPECT_EQ(convert(in, input.c_str(), 5, "").all(), "0#" + unreadable(input));
       }
   // Up to the limits of an int (leading zeros or not) numbers read as before.
   const std::pair<const char *, const char *> hours[] = {
@@ -208,7 +200,6 @@ TEST(DateCommand, ConvertsListsLayoutsAndReportsErrors) {
   EXPECT_EQ(layouts.rfind("direction\tlayout\texample\tfields\n", 0), 0u) << layouts;
   EXPECT_NE(layouts.find("\nin\t6\t19980307140509+0000\tyyyymmddhhmmss and zone\n"),
             std::string::npos) << layouts;
-  EXPECT_NE(layouts.find("\nout\t4\tSat Mar 07 14:05:09 1998\t\n"), std::string::npos);
   auto json = runTool({"date", "--layouts", "--json"}).out;
   EXPECT_NE(json.find("\n{\"direction\":\"out\",\"layout\":4,\"example\":\"Sat Mar 07 14:05:09 "
                       "1998\",\"fields\":\"\"}\n"), std::string::npos) << json;
@@ -233,8 +224,7 @@ TEST(DateConversion, SameResultAndTheMessagesFsDateTimePrints) {
                                                                 nullptr, 0, &quiet.err);
               }),
               "");
-    EXPECT_EQ(std::to_string(quiet.result) + buffer + quiet.err,
-              std::to_string(printed.result) + printed.text + printed.err);
+    EXPECT_EQ(std::to_string(quiet.result) + buffer + quiet.err, printed.all());
     EXPECT_EQ(quiet.err.empty(), quiet.result == 1) << c.input;
   }
 }
