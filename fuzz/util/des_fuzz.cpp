@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// desDecrypt on any text, into a buffer of exactly the documented size, and
-// desDecrypt(desEncrypt(x)) giving x up to its first blank.
+// desDecrypt on any text into a buffer of the documented size; a round trip keeps x up to a blank.
 #include <fskit/util.h>
 
 #include "fuzz/support/fuzz_support.h"

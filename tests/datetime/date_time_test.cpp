@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// fsDateTime: every input and output layout, separators, useNow and messages;
-// the internal conversion, which hands those messages back byte for byte.
+// fsDateTime: every layout, separators, useNow and messages; the quiet internal conversion.
 #include <fskit/datetime.h>
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The message framework: default layouts, the log file, registration and the
-// arguments that registered functions receive.
+// The message framework: default layouts, the log file, registered functions and their arguments.
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
@@ -57,7 +56,7 @@ class Message : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(Message, DefaultLayoutsOnStandardOutput) {
+TEST_F(Message, DefaultLayoutsOnStandardOutputUntilSwitchedOff) {
   for (auto [code, expected] : {std::pair{1, "r: text\n"}, {0, "text\n"}, {3, "r: text\r"},
                                 {5, "r: text "}, {-7, "r: text\n"}, {4, "r: text\n"}})
     EXPECT_EQ(captureStdout([&] { fsMessage("r", code, 0, "text"); }), expected) << code;
@@ -65,6 +64,11 @@ TEST_F(Message, DefaultLayoutsOnStandardOutput) {
             "r: 42-x-y\n");
   // Without fsRegisterMsgLog nothing is logged.
   EXPECT_FALSE(fileExists("fsmessage.log"));
+  EXPECT_EQ(fsMsgFunctionIs(), &fsDefaultMessageFunction);
+  fsRegisterMessage(nullptr);
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "silent"); }), "");
+  fsDefaultMessage();
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "back"); }), "r: back\n");
 }
 
 TEST_F(Message, RegisteredFunctionsReceiveAllSixArgumentsAndCutTexts) {
@@ -81,14 +85,6 @@ TEST_F(Message, RegisteredFunctionsReceiveAllSixArgumentsAndCutTexts) {
   send("r", 1, 0, nullptr, 42, "ignored");
   const Recorded cut{"r", 1, {0}, {0}, {1023}, {std::string(1023, 'a')}};
   EXPECT_EQ(messageCalls, (std::vector<Recorded>{expected, cut, {"r", 1, {1}, {0}, {0}, {""}}}));
-}
-
-TEST_F(Message, RegistrationAndRestore) {
-  EXPECT_EQ(fsMsgFunctionIs(), &fsDefaultMessageFunction);
-  fsRegisterMessage(nullptr);
-  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "silent"); }), "");
-  fsDefaultMessage();
-  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "back"); }), "r: back\n");
 }
 
 TEST_F(Message, LogFileMirrorsScreenAndStartsAfreshOnEachRegistration) {

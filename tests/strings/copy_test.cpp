@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Functions that write into a caller's buffer: exactly which bytes each
-// writes, checked against a sentinel.
+// Functions that write into a caller's buffer: exactly which bytes each writes.
 #include <fskit/strings.h>
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Random texts over a small alphabet for the property tests: a small
-// alphabet makes repeats, partial matches and quote pairs common.
+// Random texts over a small alphabet (common repeats, partial matches and quote pairs).
 #pragma once
 
 #include <random>

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Console keys: the extended-key table, _getch's two codes for a terminal's
-// escape sequences, and getKeyCode() on a pseudo-terminal.
+// Console keys: the key table, _getch's codes for escape sequences, a pseudo-terminal.
 #include <fskit/util.h>
 #include <gtest/gtest.h>
 #if !defined(_WIN32)
