@@ -26,13 +26,10 @@ int32_t messageResult = 0, logResult = 0;
 template <std::vector<Recorded> &calls, int32_t &result>
 int32_t recordInto(const char *routine, int32_t *count, int32_t *codes, int32_t *auxCodes,
                    int32_t *lengths, char **texts) {
-  Recorded &r = calls.emplace_back(Recorded{routine, *count, {}, {}, {}, {}});
-  for (int32_t i = 0; i < *count; ++i) {
-    r.codes.push_back(codes[i]);
-    r.auxCodes.push_back(auxCodes[i]);
-    r.lengths.push_back(lengths[i]);
-    r.texts.emplace_back(texts[i] != nullptr ? texts[i] : "<null>");
-  }
+  const int32_t n = *count;
+  Recorded &r = calls.emplace_back(Recorded{routine, n, {codes, codes + n},
+                                            {auxCodes, auxCodes + n}, {lengths, lengths + n}, {}});
+  for (int32_t i = 0; i < n; ++i) r.texts.emplace_back(texts[i] != nullptr ? texts[i] : "<null>");
   return result;
 }
 
