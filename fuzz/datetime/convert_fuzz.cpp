@@ -11,8 +11,7 @@ constexpr size_t kOutput = 61;  // enough for any input, as the header promises
 
 struct Converted {
   int32_t result;
-  std::string output;  // "~" when not written at all
-  std::string err;
+  std::string output, err;  // output: "~" when not written at all
 };
 
 Converted convert(int32_t inLayout, const char *input, int32_t outLayout,

@@ -26,8 +26,7 @@ bool matches(std::string_view pattern, std::string_view text, char anyChar, char
 }  // namespace
 
 FUZZ_TARGET(input) {
-  const char anyChar = char(takeByte(input));
-  const char anyRun = char(takeByte(input));
+  const char anyChar = char(takeByte(input)), anyRun = char(takeByte(input));
   if (input.size() > 1024) return;  // the plain matcher is quadratic
   const size_t nul = input.find('\0');
   const Text pattern(input.substr(0, nul));

@@ -28,8 +28,7 @@ TEST(Bits, ItobGroupsEightsFromTheRightForEveryWidth) {
     guard.copy(buf, sizeof buf);
     EXPECT_EQ(itob(value, width, buf), buf);
     EXPECT_EQ(buf, expected) << width;
-    // Nothing is written past the text's terminator.
-    EXPECT_EQ(buf[expected.size() + 1], '#') << width;
+    EXPECT_EQ(buf[expected.size() + 1], '#') << width;  // nothing past the terminator
   }
 }
 
