@@ -9,10 +9,8 @@ namespace {
 
 constexpr size_t kOutput = 61;  // enough for any input, as the header promises
 
-struct Converted {
-  int32_t result;
-  std::string output, err;  // output: "~" when not written at all
-};
+// The output is "~" when not written at all.
+struct Converted { int32_t result; std::string output, err; };
 
 Converted convert(int32_t inLayout, const char *input, int32_t outLayout,
                   const char *separators, int32_t useNow) {

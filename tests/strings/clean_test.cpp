@@ -12,10 +12,7 @@ using Tokens = std::vector<std::string>;
 using namespace std::string_literals;
 
 TEST(Clean, InPlaceEdits) {
-  struct Row {
-    int32_t (*edit)(char *);
-    const char *in, *out;
-  } rows[] = {
+  struct Row { int32_t (*edit)(char *); const char *in, *out; } rows[] = {
       // strcompress, strtrim and strcollapse on any text: fuzz/strings/collapse_fuzz.
       {strqcollapse, R"(a = "b  c" d)", R"(a="b  c"d)"},
       {strqcollapse, R"(x "say ""hi"" now")", R"(x"say "hi" now")"},
@@ -40,9 +37,7 @@ TEST(Clean, InPlaceEdits) {
 }
 
 TEST(Clean, Replace) {
-  struct Row {
-    const char *src, *find, *repl, *out;
-  } rows[] = {
+  struct Row { const char *src, *find, *repl, *out; } rows[] = {
       {"abcabab", "ab", "x", "xcxx"}, {"aaa", "aa", "b", "ba"},     {"abc", "", "x", "abc"},
       {"abc", nullptr, "x", "abc"},   {"abcb", "b", nullptr, "ac"}, {"", "a", "x", ""},
       {"aa", "a", "aa", "aaaa"},  // replaced text is not searched again

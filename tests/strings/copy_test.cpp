@@ -8,10 +8,7 @@
 using namespace std::string_literals;
 
 TEST(Copy, WritesExactlyTheseBytes) {
-  struct Row {
-    char *(*call)(char *);
-    std::string written;
-  } rows[] = {
+  struct Row { char *(*call)(char *); std::string written; } rows[] = {
       // Case: only A-Z and a-z change.
       {[](char *d) { return strcpyl(d, "AbCz-1\xE4@[`{"); }, "abcz-1\xE4@[`{\0"s},
       {[](char *d) { return strcpyu(d, "AbCz-1\xE4@[`{"); }, "ABCZ-1\xE4@[`{\0"s},

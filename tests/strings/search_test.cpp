@@ -8,10 +8,7 @@
 #include "tests/strings/random_text.h"
 
 TEST(Search, FindCompareAndWildcards) {
-  struct Find {
-    const char *pattern, *text;
-    int32_t exact, folded;  // stridx, striidx
-  } finds[] = {
+  struct Find { const char *pattern, *text; int32_t exact, folded; } finds[] = {  // folded: striidx
       // A partial match is not retried from within itself.
       {"aab", "aaab", -1, -1}, {"aab", "aaabaab", 4, 4}, {"", "abc", 0, 0},
       {"\xE4", "a\xC4\xE4", 2, 2},
@@ -20,10 +17,7 @@ TEST(Search, FindCompareAndWildcards) {
     EXPECT_EQ(stridx(f.pattern, f.text), f.exact) << f.pattern << " in " << f.text;
     EXPECT_EQ(striidx(f.pattern, f.text), f.folded) << f.pattern << " in " << f.text;
   }
-  struct Compare {
-    const char *a, *b;
-    int32_t exact, folded;  // strcmps, stricmps
-  } compares[] = {
+  struct Compare { const char *a, *b; int32_t exact, folded; } compares[] = {  // folded: stricmps
       {"abc", "abd", 'c' - 'd', 'C' - 'D'}, {"ABC", "abc", 'A' - 'a', 0},
       {"abc", "ab", 0, 0},                  {"", "x", 0, 0},
       {"a[", "A{", 'a' - 'A', '[' - '{'},   {"a", "\x80", 'a' + 128, 'A' + 128},
@@ -58,11 +52,8 @@ TEST(Search, StridxProperties) {
 
 TEST(Search, Abbreviations) {
   const char *commands[] = {"list", "load", "log"};
-  struct Row {
-    const char *word;
-    int32_t minLen, index;
-    const char *out;  // null: left untouched
-  } rows[] = {
+  // A null `out`: left untouched.
+  struct Row { const char *word; int32_t minLen, index; const char *out; } rows[] = {
       {"li", 0, 0, "list"},   {"lo", 0, -2, ""},      {"log", 0, 2, "log"}, {"x", 0, -1, ""},
       {"li", 3, -2, nullptr}, {"", 0, -2, nullptr},   {"LIST", 0, -1, ""},  {"lis", 3, 0, "list"},
   };
