@@ -56,7 +56,7 @@ class Message : public ::testing::Test {
 TEST_F(Message, DefaultLayoutsOnStandardOutputUntilSwitchedOff) {
   for (auto [code, expected] : {std::pair{1, "r: text\n"}, {0, "text\n"}, {3, "r: text\r"},
                                 {5, "r: text "}, {-7, "r: text\n"}, {4, "r: text\n"}})
-    EXPECT_EQ(captureStdout([&] { fsMessage("r", code, 0, "text"); }), expected) << code;
+    EXPECT_EQ(captureStdout([code = code] { fsMessage("r", code, 0, "text"); }), expected) << code;
   EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "%d-%s-%c", 42, "x", 'y'); }),
             "r: 42-x-y\n");
   // Without fsRegisterMsgLog nothing is logged.
