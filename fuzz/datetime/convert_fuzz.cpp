@@ -9,11 +9,8 @@ namespace {
 
 constexpr size_t kOutput = 61;  // enough for any input, as the header promises
 
-struct Converted {
-  int32_t result;
-  std::string output;  // "~" when not written at all
-  std::string err;
-};
+// The output is "~" when not written at all.
+struct Converted { int32_t result; std::string output, err; };
 
 Converted convert(int32_t inLayout, const char *input, int32_t outLayout,
                   const char *separators, int32_t useNow) {
@@ -30,8 +27,8 @@ Converted convert(int32_t inLayout, const char *input, int32_t outLayout,
 }  // namespace
 
 FUZZ_TARGET(input) {
-  // The input layout, the output layout, options (bit 0: useNow; bits 1-2: separators null, "",
-  // "NONE" or the text up to the first NUL; bit 3: a null input), then the text.
+  // In and out layouts, options (bit 0: useNow; 1-2: separators null, "", "NONE" or up to a
+  // NUL; 3: a null input), then the text.
   const int32_t inLayout = takeByte(input) % 14;  // 13: unsupported
   const int32_t outLayout = takeByte(input) % 12;  // 11: unsupported
   const uint8_t options = takeByte(input);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// strcvtesc on any text, in place and into a separate buffer, and on an
-// escaped form of the input that must turn back into the input.
+// strcvtesc on any text, in place and apart, and on an escaped form that turns back into the input.
 #include <fskit/strings.h>
 
 #include "fuzz/support/fuzz_support.h"

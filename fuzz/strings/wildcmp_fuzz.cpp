@@ -7,8 +7,7 @@
 
 namespace {
 
-// matches[i][j]: the first i characters of the pattern match the first j of
-// the text. A NUL wildcard stands for nothing.
+// table[i][j]: the pattern's first i characters match the text's first j; a NUL wildcard is none.
 bool matches(std::string_view pattern, std::string_view text, char anyChar, char anyRun) {
   std::vector<std::vector<bool>> table(pattern.size() + 1, std::vector<bool>(text.size() + 1));
   table[0][0] = true;
@@ -27,8 +26,7 @@ bool matches(std::string_view pattern, std::string_view text, char anyChar, char
 }  // namespace
 
 FUZZ_TARGET(input) {
-  const char anyChar = char(takeByte(input));
-  const char anyRun = char(takeByte(input));
+  const char anyChar = char(takeByte(input)), anyRun = char(takeByte(input));
   if (input.size() > 1024) return;  // the plain matcher is quadratic
   const size_t nul = input.find('\0');
   const Text pattern(input.substr(0, nul));

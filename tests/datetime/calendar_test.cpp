@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <ctime>
-#include <string>
 
 namespace chrono = std::chrono;
 
@@ -62,8 +61,7 @@ TEST(Calendar, WeekdayOfEveryDateOfThe1900sAndOfOtherCenturies) {
   check(chrono::year(1900) / 1 / 1, chrono::year(1999) / 12 / 31, 1);
   check(chrono::year(-1) / 1 / 1, chrono::year(1899) / 12 / 31, 13);
   check(chrono::year(2000) / 1 / 1, chrono::year(9999) / 12 / 31, 13);
-  // Day counts below zero in the 1900s keep the negative remainder (they were
-  // once brought into 1 to 7).
+  // Day counts below zero in the 1900s keep the negative remainder (once brought into 1 to 7).
   EXPECT_EQ(fsWeekday(98, 3, -301), -1);
   EXPECT_EQ(fsWeekday(1950, -1000, 1), -5);
   for (int value : {INT32_MIN, -100, 0, 13, INT32_MAX})

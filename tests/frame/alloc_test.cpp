@@ -3,8 +3,6 @@
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 using namespace std::string_literals;
 
 namespace {
@@ -47,8 +45,7 @@ TEST(Alloc, ReallocReleasesOldUnlessItIsTheSource) {
   EXPECT_NE(fresh, kept);
   EXPECT_EQ(taken(fresh, 2), "x\0"s);
   EXPECT_EQ(taken(kept, 2), "x\0"s);
-  // A source inside the old block is copied before the block is freed (it
-  // was once copied out of the freed block).
+  // A source inside the old block is copied before it is freed (once read from the freed block).
   const std::string text = "abcdefghijklmnopqrstuvwxyz0123456789";
   for (size_t k : {size_t{1}, size_t{8}, size_t{35}}) {
     char *old = strmalloc(text.c_str());

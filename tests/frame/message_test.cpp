@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The message framework: default layouts, the log file, registration and the
-// arguments that registered functions receive.
+// The message framework: default layouts, the log file, registered functions and their arguments.
 #include <fskit/frame.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include "tests/support/test_support.h"
 
@@ -29,13 +26,10 @@ int32_t messageResult = 0, logResult = 0;
 template <std::vector<Recorded> &calls, int32_t &result>
 int32_t recordInto(const char *routine, int32_t *count, int32_t *codes, int32_t *auxCodes,
                    int32_t *lengths, char **texts) {
-  Recorded &r = calls.emplace_back(Recorded{routine, *count, {}, {}, {}, {}});
-  for (int32_t i = 0; i < *count; ++i) {
-    r.codes.push_back(codes[i]);
-    r.auxCodes.push_back(auxCodes[i]);
-    r.lengths.push_back(lengths[i]);
-    r.texts.emplace_back(texts[i] != nullptr ? texts[i] : "<null>");
-  }
+  const int32_t n = *count;
+  Recorded &r = calls.emplace_back(Recorded{routine, n, {codes, codes + n},
+                                            {auxCodes, auxCodes + n}, {lengths, lengths + n}, {}});
+  for (int32_t i = 0; i < n; ++i) r.texts.emplace_back(texts[i] != nullptr ? texts[i] : "<null>");
   return result;
 }
 
@@ -59,17 +53,19 @@ class Message : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(Message, DefaultLayoutsOnStandardOutput) {
-  const std::pair<int32_t, const char *> layouts[] = {
-      {1, "r: text\n"}, {0, "text\n"}, {3, "r: text\r"}, {5, "r: text "}, {-7, "r: text\n"},
-      {4, "r: text\n"},
-  };
-  for (auto [code, expected] : layouts)
-    EXPECT_EQ(captureStdout([&] { fsMessage("r", code, 0, "text"); }), expected) << code;
+TEST_F(Message, DefaultLayoutsOnStandardOutputUntilSwitchedOff) {
+  for (auto [code, expected] : {std::pair{1, "r: text\n"}, {0, "text\n"}, {3, "r: text\r"},
+                                {5, "r: text "}, {-7, "r: text\n"}, {4, "r: text\n"}})
+    EXPECT_EQ(captureStdout([code = code] { fsMessage("r", code, 0, "text"); }), expected) << code;
   EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "%d-%s-%c", 42, "x", 'y'); }),
             "r: 42-x-y\n");
   // Without fsRegisterMsgLog nothing is logged.
   EXPECT_FALSE(fileExists("fsmessage.log"));
+  EXPECT_EQ(fsMsgFunctionIs(), &fsDefaultMessageFunction);
+  fsRegisterMessage(nullptr);
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "silent"); }), "");
+  fsDefaultMessage();
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "back"); }), "r: back\n");
 }
 
 TEST_F(Message, RegisteredFunctionsReceiveAllSixArgumentsAndCutTexts) {
@@ -80,23 +76,12 @@ TEST_F(Message, RegisteredFunctionsReceiveAllSixArgumentsAndCutTexts) {
   EXPECT_EQ(messageCalls, std::vector{expected});
   EXPECT_EQ(logCalls, std::vector{expected});
   fsRegisterMsgLog(nullptr);
-  // An overlong text is cut at 1023 bytes; a null format is the empty text (called through a
-  // pointer, so that the compiler sees no null format at the call).
+  // An overlong text is cut at 1023 bytes; a null format (through a pointer) is the empty text.
   fsMessage("r", 0, 0, "%s", std::string(3000, 'a').c_str());
   void (*const send)(const char *, int32_t, int32_t, const char *, ...) = fsMessage;
   send("r", 1, 0, nullptr, 42, "ignored");
-  ASSERT_EQ(messageCalls.size(), 3u);
-  EXPECT_EQ(messageCalls[1].lengths[0], 1023);
-  EXPECT_EQ(messageCalls[1].texts[0], std::string(1023, 'a'));
-  EXPECT_EQ(messageCalls[2], (Recorded{"r", 1, {1}, {0}, {0}, {""}}));
-}
-
-TEST_F(Message, RegistrationAndRestore) {
-  EXPECT_EQ(fsMsgFunctionIs(), &fsDefaultMessageFunction);
-  fsRegisterMessage(nullptr);
-  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "silent"); }), "");
-  fsDefaultMessage();
-  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "back"); }), "r: back\n");
+  const Recorded cut{"r", 1, {0}, {0}, {1023}, {std::string(1023, 'a')}};
+  EXPECT_EQ(messageCalls, (std::vector<Recorded>{expected, cut, {"r", 1, {1}, {0}, {0}, {""}}}));
 }
 
 TEST_F(Message, LogFileMirrorsScreenAndStartsAfreshOnEachRegistration) {
@@ -127,23 +112,19 @@ TEST_F(Message, LogFileMirrorsScreenAndStartsAfreshOnEachRegistration) {
 TEST_F(Message, UnopenableLogFileSwitchesLoggingOffAndReportsOnScreenOnly) {
   ASSERT_TRUE(std::filesystem::create_directory("fsmessage.log"));  // fopen(..., "w") fails on it
   fsRegisterMsgLog(fsDefaultMsgLogFunction);
-  std::string screen = captureStdout([] { fsMessage("r", 1, 0, "hello"); });
-  EXPECT_EQ(screen, "r: hello\nfsDefaultMsgLogFunction: Unable to open logfile fsmessage.log\n");
+  const std::string report = "Unable to open logfile fsmessage.log";
+  EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "hello"); }),
+            "r: hello\nfsDefaultMsgLogFunction: " + report + "\n");
 
-  // The report carried code 1 and auxCode 1; logging is off afterwards.
+  // The report carries code 1 and auxCode 1; logging is off afterwards: no further report.
   fsRegisterMessage(recordMessage);
   fsRegisterMsgLog(fsDefaultMsgLogFunction);
   fsMessage("r", 1, 0, "again");
-  ASSERT_EQ(messageCalls.size(), 2u);
-  EXPECT_EQ(messageCalls[1].routine, "fsDefaultMsgLogFunction");
-  EXPECT_EQ(messageCalls[1].codes[0], 1);
-  EXPECT_EQ(messageCalls[1].auxCodes[0], 1);
   fsMessage("r", 1, 0, "third");
-  EXPECT_EQ(messageCalls.size(), 3u);  // no further attempt, no further report
+  ASSERT_EQ(messageCalls.size(), 3u);
+  EXPECT_EQ(messageCalls[1], (Recorded{"fsDefaultMsgLogFunction", 1, {1}, {1}, {36}, {report}}));
 
-  // As the message function too, it once reported its failure to itself until
-  // the stack ran out; now the report is dropped, and once the file can be
-  // made the next message goes into it.
+  // As the message function it once reported its failure to itself until the stack ran out.
   fsRegisterMessage(fsDefaultMsgLogFunction);
   EXPECT_EQ(captureStdout([] { fsMessage("r", 1, 0, "hello"); }), "");
   std::filesystem::remove("fsmessage.log");
@@ -182,8 +163,7 @@ TEST_F(Message, MessagesResultRules) {
   EXPECT_EQ(fsMessages("r", &none, codes, auxCodes, texts), 0);
   EXPECT_EQ(logCalls.back().count, 0);
   EXPECT_EQ(fsMessages("r", nullptr, codes, auxCodes, texts), 1);
-  // Null arrays for a positive count call nothing (the lengths were once
-  // measured from a null `texts`); a null text has the length 0.
+  // Null arrays call nothing (lengths were once measured from a null `texts`); null text: 0.
   const size_t calls = logCalls.size();
   EXPECT_EQ(fsMessages("r", &count, codes, auxCodes, nullptr), 1);
   EXPECT_EQ(fsMessages("r", &count, nullptr, auxCodes, texts), 1);
@@ -194,8 +174,7 @@ TEST_F(Message, MessagesResultRules) {
   EXPECT_EQ(logCalls.back().lengths, (std::vector<int32_t>{0, 5}));
   fsRegisterMsgLog(nullptr);
 
-  // The defaults write nothing for a count of 0, or null arrays, and return 0;
-  // a null text or routine is empty.
+  // The defaults write nothing for a count of 0 or null arrays; a null text or routine is empty.
   fsDefaultMessage();
   EXPECT_EQ(captureStdout([&] { result = fsMessages("r", &none, codes, auxCodes, texts); }), "");
   EXPECT_EQ(result, 0);

@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string>
-#include <vector>
 
 #include "tests/strings/random_text.h"
 
@@ -14,10 +12,7 @@ using Tokens = std::vector<std::string>;
 using namespace std::string_literals;
 
 TEST(Clean, InPlaceEdits) {
-  struct Row {
-    int32_t (*edit)(char *);
-    const char *in, *out;
-  } rows[] = {
+  struct Row { int32_t (*edit)(char *); const char *in, *out; } rows[] = {
       // strcompress, strtrim and strcollapse on any text: fuzz/strings/collapse_fuzz.
       {strqcollapse, R"(a = "b  c" d)", R"(a="b  c"d)"},
       {strqcollapse, R"(x "say ""hi"" now")", R"(x"say "hi" now")"},
@@ -42,9 +37,7 @@ TEST(Clean, InPlaceEdits) {
 }
 
 TEST(Clean, Replace) {
-  struct Row {
-    const char *src, *find, *repl, *out;
-  } rows[] = {
+  struct Row { const char *src, *find, *repl, *out; } rows[] = {
       {"abcabab", "ab", "x", "xcxx"}, {"aaa", "aa", "b", "ba"},     {"abc", "", "x", "abc"},
       {"abc", nullptr, "x", "abc"},   {"abcb", "b", nullptr, "ac"}, {"", "a", "x", ""},
       {"aa", "a", "aa", "aaaa"},  // replaced text is not searched again
@@ -69,12 +62,14 @@ Tokens readTokens(const char *s, int32_t maxLen) {
   return tokens;
 }
 
+// strqtoks' tokens; it writes no start past `max`.
 Tokens quotedTokens(const std::string &s, int32_t max = 16) {
-  char *starts[16];
+  char *starts[17] = {};
   int32_t lengths[16];
   Tokens tokens;
   for (int32_t i = 0, n = strqtoks(s.c_str(), " ,", max, starts, lengths); i < n; ++i)
     tokens.emplace_back(starts[i], lengths[i]);
+  EXPECT_EQ(starts[max], nullptr);
   return tokens;
 }
 
@@ -101,14 +96,13 @@ Tokens referenceTokens(const std::string &s) {
 TEST(Clean, Tokens) {
   EXPECT_EQ(readTokens("a,,b", 9), (Tokens{"a", "", "b", "@4"}));
   EXPECT_EQ(readTokens(";a;b,", 9), (Tokens{"", "a", "b", "@5"}));
-  // Over-long tokens are split, nothing lost; one that fills maxLen exactly
-  // still takes its delimiter.
+  // Over-long tokens are split; one that fills maxLen exactly still takes its delimiter.
   EXPECT_EQ(readTokens("abcde,fg", 2), (Tokens{"ab", "cd", "e", "fg", "@8"}));
   EXPECT_EQ(readTokens("ab,c", 2), (Tokens{"ab", "c", "@4"}));
   EXPECT_EQ(readTokens("ab,c", 0), (Tokens{"", "", "@4"}));
 
   // strqtoks against the reference split, with every cap from 0 to 3.
-  fskit::test::RandomText random(99);
+  fskit::test::RandomText random{std::mt19937(99)};
   for (int i = 0; i < 20000; ++i) {
     const std::string s = random("ab ,'\"", 14);
     const Tokens expected = referenceTokens(s);

@@ -4,17 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string>
 
 #include "tests/strings/random_text.h"
 
-TEST(Search, FindAndCompare) {
-  struct Find {
-    const char *pattern, *text;
-    int32_t exact, folded;  // stridx, striidx
-  } finds[] = {
-      // A partial match is not retried from within itself (the property
-      // test below covers patterns whose first character does not recur).
+TEST(Search, FindCompareAndWildcards) {
+  struct Find { const char *pattern, *text; int32_t exact, folded; } finds[] = {  // folded: striidx
+      // A partial match is not retried from within itself.
       {"aab", "aaab", -1, -1}, {"aab", "aaabaab", 4, 4}, {"", "abc", 0, 0},
       {"\xE4", "a\xC4\xE4", 2, 2},
   };
@@ -22,10 +17,7 @@ TEST(Search, FindAndCompare) {
     EXPECT_EQ(stridx(f.pattern, f.text), f.exact) << f.pattern << " in " << f.text;
     EXPECT_EQ(striidx(f.pattern, f.text), f.folded) << f.pattern << " in " << f.text;
   }
-  struct Compare {
-    const char *a, *b;
-    int32_t exact, folded;  // strcmps, stricmps
-  } compares[] = {
+  struct Compare { const char *a, *b; int32_t exact, folded; } compares[] = {  // folded: stricmps
       {"abc", "abd", 'c' - 'd', 'C' - 'D'}, {"ABC", "abc", 'A' - 'a', 0},
       {"abc", "ab", 0, 0},                  {"", "x", 0, 0},
       {"a[", "A{", 'a' - 'A', '[' - '{'},   {"a", "\x80", 'a' + 128, 'A' + 128},
@@ -35,20 +27,19 @@ TEST(Search, FindAndCompare) {
     EXPECT_EQ(strcmps(c.a, c.b), c.exact) << c.a << " / " << c.b;
     EXPECT_EQ(stricmps(c.a, c.b), c.folded) << c.a << " / " << c.b;
   }
+  // strwildcmp against a plain matcher, for any wildcard bytes: fuzz/strings/wildcmp_fuzz.
+  EXPECT_EQ(strwildcmp(nullptr, "x", '?', '*'), 0);
+  EXPECT_EQ(strwildcmp("*ab", "aab", '?', '*'), 1);  // retried after a partial match
 }
 
 TEST(Search, StridxProperties) {
-  fskit::test::RandomText random(7);
+  fskit::test::RandomText random{std::mt19937(7)};
   for (int i = 0; i < 20000; ++i) {
     const std::string pattern = random("ab", 4) + "a", text = random("abAB", 12);
     const int32_t found = stridx(pattern.c_str(), text.c_str());
     const size_t first = text.find(pattern);
-    // Whatever is found is an occurrence; nothing is found without one; and
-    // when the first character does not recur in the pattern, no occurrence
-    // can begin inside a partial match, so the first one is found.
-    if (found >= 0) {
-      ASSERT_EQ(text.compare(size_t(found), pattern.size(), pattern), 0);
-    }
+    // Whatever is found is an occurrence; the first one if the first character does not recur.
+    ASSERT_TRUE(found < 0 || text.compare(size_t(found), pattern.size(), pattern) == 0) << found;
     if (first == std::string::npos || pattern.find(pattern[0], 1) == std::string::npos) {
       ASSERT_EQ(found, int32_t(first)) << pattern << " in " << text;
     }
@@ -59,19 +50,10 @@ TEST(Search, StridxProperties) {
   }
 }
 
-TEST(Search, Wildcards) {
-  // Matching against a plain matcher, for any wildcard bytes: fuzz/strings/wildcmp_fuzz.
-  EXPECT_EQ(strwildcmp(nullptr, "x", '?', '*'), 0);
-  EXPECT_EQ(strwildcmp("*ab", "aab", '?', '*'), 1);  // retried after a partial match
-}
-
 TEST(Search, Abbreviations) {
   const char *commands[] = {"list", "load", "log"};
-  struct Row {
-    const char *word;
-    int32_t minLen, index;
-    const char *out;  // null: left untouched
-  } rows[] = {
+  // A null `out`: left untouched.
+  struct Row { const char *word; int32_t minLen, index; const char *out; } rows[] = {
       {"li", 0, 0, "list"},   {"lo", 0, -2, ""},      {"log", 0, 2, "log"}, {"x", 0, -1, ""},
       {"li", 3, -2, nullptr}, {"", 0, -2, nullptr},   {"LIST", 0, -1, ""},  {"lis", 3, 0, "list"},
   };
@@ -97,8 +79,7 @@ TEST(Search, QuitWordsAndHash) {
   for (const char *other : {"quitting", " quit", "quit\r\n", "", "abort\n\n", "fi"})
     EXPECT_EQ(strQuit(other), 0) << other;
 
-  // Bytes are signed: 0xFF is -1, so "\xFF" gives 1 + 107 + 10009; for two
-  // 0x80 bytes each step adds 16384 * 10117, giving 1 and then 2 modulo 7.
+  // Bytes are signed: "\xFF" gives 1 + 107 + 10009; each 0x80 adds 16384 * 10117 (1, 2 mod 7).
   struct Hash { const char *text; uint32_t size, hash; };
   for (Hash h : {Hash{"abc", 1000, 887}, {"a", 1000, 853}, {"ab", 1000, 413}, {"", 1000, 1},
                  {"", 0, 1}, {"\xFF", 100000, 10117}, {"\x80\x80", 7, 2}})

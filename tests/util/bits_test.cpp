@@ -5,7 +5,6 @@
 
 #include <bit>
 #include <bitset>
-#include <string>
 #include <utility>
 
 TEST(Bits, TablesMatchADirectComputation) {
@@ -29,14 +28,12 @@ TEST(Bits, ItobGroupsEightsFromTheRightForEveryWidth) {
     guard.copy(buf, sizeof buf);
     EXPECT_EQ(itob(value, width, buf), buf);
     EXPECT_EQ(buf, expected) << width;
-    // Nothing is written past the text's terminator.
-    EXPECT_EQ(buf[expected.size() + 1], '#') << width;
+    EXPECT_EQ(buf[expected.size() + 1], '#') << width;  // nothing past the terminator
   }
 }
 
 TEST(Bits, FieldsAndCounts) {
-  // Word, highest bit, bit count, field; past the documented range: the whole
-  // word, nothing, zero bits below bit 0.
+  // Word, highest bit, bit count, field; past the range: whole word, nothing, zeros below bit 0.
   const uint32_t fields[][4] = {{0xABCD, 15, 4, 0xA},          {0xABCD, 3, 4, 0xD},
                                 {0xABCD, 7, 1, 1},             {0x80000000, 31, 1, 1},
                                 {0xDEADBEEF, 31, 31, 0x6F56DF77}, {0xDEADBEEF, 31, 32, 0xDEADBEEF},

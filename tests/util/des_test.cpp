@@ -3,8 +3,6 @@
 #include <fskit/util.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "tests/support/test_support.h"
 #include "util/des.h"
 
@@ -18,9 +16,8 @@ uint32_t reversed(uint32_t word) {
   return out;
 }
 
-// A block as the standard writes it (bit 1 is the most significant bit of the
-// 64-bit number) in the library's layout: bits 1-32 are word 1 from its
-// lowest bit up, bits 33-64 word 0.
+// A block as the standard writes it (bit 1 the number's highest) in the library's layout: bits
+// 1-32 are word 1 from its lowest bit up, bits 33-64 word 0.
 des::Block fromStandard(uint64_t value) {
   return {reversed(uint32_t(value)), reversed(uint32_t(value >> 32))};
 }
@@ -42,9 +39,8 @@ const std::string kPassword1 = "0E688E5551AA6337B8FCFDCFE3817807";
 }  // namespace
 
 TEST(Des, CoreMatchesPublishedVectorsUnderTheStandardSchedule) {
-  // Key, plaintext, ciphertext: a widely published worked example; FIPS PUB
-  // 81, appendix B ("Now is t"); SP 800-17, tables 1 (variable plaintext) and
-  // 2 (variable key).
+  // Key, plaintext, ciphertext: a widely published worked example; FIPS PUB 81, appendix B
+  // ("Now is t"); SP 800-17, tables 1 (variable plaintext) and 2 (variable key).
   const uint64_t vectors[][3] = {
       {0x133457799BBCDFF1, 0x0123456789ABCDEF, 0x85E813540F0AB405},
       {0x0123456789ABCDEF, 0x4E6F772069732074, 0x3FA40E8A984D4815},
