@@ -251,9 +251,8 @@ TEST(FileRecords, StampsOfFarDatesFitTheDocumentedSize) {
 
 namespace {
 
-// Windows matches names without regard to case; the POSIX side does not.
 #if defined(_WIN32)
-constexpr bool kMatchIgnoresCase = true;
+constexpr bool kMatchIgnoresCase = true;  // Windows matches names without regard to case
 #else
 constexpr bool kMatchIgnoresCase = false;
 #endif
@@ -263,12 +262,11 @@ std::string withBackslashes(std::string path) {
   return path;
 }
 
-// The directory and drive parts of the records of a listing of `path` + "\"
-// joined by `separator`: the drive is the text up to the first colon, which
-// only a Windows path ("C:\...") has.
-std::string partsOf(const std::string &path, const std::string &separator = "|") {
+// "directory|drive" of the records of a listing of `path` + "\": the drive is the text up to the
+// first colon, which only a Windows path ("C:\...") has.
+std::string partsOf(const std::string &path) {
   size_t drive = path.find(':') + 1;  // 0 when there is none
-  return path.substr(drive) + "\\" + separator + path.substr(0, drive);
+  return path.substr(drive) + "\\|" + path.substr(0, drive);
 }
 
 // The records as "name|extension|directory|drive", sorted.
@@ -294,8 +292,8 @@ TEST(ReadDir, PatternsSelectNamesSplitAtTheFirstDot) {
   for (const char *name : {"a.raw", "b.RAW", "notes", ".hidden", "run.tar.gz"}) writeFile(dir.file(name), "");
   std::filesystem::create_directory(dir.file("sub.d"));
   std::string at = "|" + partsOf(dir.path());
-  Records raw = {"a|raw" + at};
-  if (kMatchIgnoresCase) raw.push_back("b|RAW" + at);
+  const Records raw =
+      kMatchIgnoresCase ? Records{"a|raw" + at, "b|RAW" + at} : Records{"a|raw" + at};
   struct Case { const char *name, *ext; Records records; };
   const Case cases[] = {
       {"*", nullptr, {"a|raw" + at, "b|RAW" + at, "notes|" + at, "run|tar.gz" + at, "sub|d" + at}},
@@ -310,9 +308,8 @@ TEST(ReadDir, PatternsSelectNamesSplitAtTheFirstDot) {
   std::string backslashed = withBackslashes(dir.path());
   EXPECT_EQ(list(backslashed + "\\", "a", ".raw"), Records{"a|raw|" + partsOf(backslashed)});
   ChangeDir here(dir.path());
-  Records rawHere = {"a|raw||"};
-  if (kMatchIgnoresCase) rawHere.push_back("b|RAW||");
-  EXPECT_EQ(list("", "*", ".raw"), rawHere);
+  EXPECT_EQ(list("", "*", ".raw"),
+            (kMatchIgnoresCase ? Records{"a|raw||", "b|RAW||"} : Records{"a|raw||"}));
 }
 
 TEST(ReadDir, GrowsPastAHundredRecordsAndKeepsToItsLimits) {
