@@ -3,6 +3,8 @@
 // work file left. Input: the buffer byte (0: all), the mode (1: keep, 2: counts), the file.
 #include <fskit/sort.h>
 
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -51,14 +53,10 @@ FUZZ_TARGET(input) {
   FUZZ_CHECK(!input.empty() || (result == 0 && !std::filesystem::exists(out)));
 
   const auto chunks = chunksOf(input, buffer == 0 ? input.size() : size_t(buffer));
-  std::string written;
-  if (std::FILE *stream = std::fopen(out.c_str(), "rb")) {
-    for (int c; (c = std::getc(stream)) != EOF;) written += char(c);
-    std::fclose(stream);
-  }
-  const auto writtenChunks = chunksOf(written, written.size());  // the output's lines in one piece
-  const std::vector<std::string> lines =
-      writtenChunks.empty() ? std::vector<std::string>{} : writtenChunks[0];
+  std::ifstream stream(out, std::ios::binary);  // no file: nothing written
+  const std::string written{std::istreambuf_iterator<char>(stream), {}};
+  std::vector<std::string> lines;  // the output's lines, read in one piece
+  for (const auto &chunk : chunksOf(written, written.size())) lines = chunk;
   FUZZ_CHECK(long(lines.size()) == result && (written.empty() || written.back() == '\n'));
   std::vector<std::string> all;
   for (const auto &chunk : chunks) all.insert(all.end(), chunk.begin(), chunk.end());
