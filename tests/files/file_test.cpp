@@ -17,7 +17,6 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -26,9 +25,7 @@
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
-using fskit::test::runTool;
-using fskit::test::TempDir;
-using fskit::test::writeFile;
+using namespace fskit::test;
 using Records = std::vector<std::string>;
 
 TEST(FileNames, ParseAndAppendSubDirUseOnlyBackslashes) {
@@ -113,7 +110,7 @@ TEST(FileRecords, ExistsAndSize) {
 }
 
 TEST(FileRecords, LastModifiedIsTheLocalTimeStamp) {
-  fskit::test::setTimeZone("EST5");
+  setTimeZone("EST5");
   TempDir dir;
   std::string path = dir.file("stamped");
   writeFile(path, "x");
@@ -132,49 +129,35 @@ TEST(FileRecords, ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage) {
 #if defined(_WIN32)
   GTEST_SKIP() << "the C runtime of Windows has no translated error texts to select by locale";
 #else
-  // Each error path of fsFileOpen (the system's error, null arguments) and of fsFileClose, into
-  // exactly the 80 bytes files.h gives, in the C locale and in two whose texts run longer.
-  // "%d %s" was written unbounded: the Greek text of ELOOP (86 bytes) and the
-  // Russian text of ENOSPC (79 bytes, with "28 " 83) ran past the 80 bytes.
+  // Each error path of fsFileOpen and fsFileClose, in C and two locales whose texts run longer.
+  // "%d %s" ran unbounded past the 80 bytes: Greek ELOOP (86 bytes), Russian "28 " ENOSPC (83).
   constexpr size_t kErrTextSize = 80, kGuard = 16;
   TempDir dir;
   const std::string loop = dir.file("loop"), other = dir.file("other");
   ASSERT_EQ(symlink(other.c_str(), loop.c_str()), 0);
   ASSERT_EQ(symlink(loop.c_str(), other.c_str()), 0);
-  struct Failure {
-    int error;
-    std::function<int32_t(char *)> make;  // 0 with the error in the text
+  // Fails with `error` (ELOOP, EINVAL: a null path, ENOSPC): 0, with the error in `text`.
+  auto fail = [&](int error, char *text) {
+    FsFile f{};
+    if (error != ENOSPC) return fsFileOpen(error == ELOOP ? loop.c_str() : nullptr, "r", &f, text);
+    // A full device: closing fails to write what the stream holds.
+    if (fsFileOpen("/dev/full", "w", &f, nullptr) == 0) return -1;
+    std::fputs("x", f.stream);
+    return fsFileClose(&f, text);
   };
-  auto open = [](std::string path, const char *mode) {  // "" for a null path
-    return [=](char *text) {
-      FsFile f{};
-      return fsFileOpen(path.empty() ? nullptr : path.c_str(), mode, &f, text);
-    };
-  };
-  const Failure failures[] = {
-      {ELOOP, open(loop, "r")},
-      {EINVAL, open("", "r")},
-      // A full device: closing fails to write what the stream holds.
-      {ENOSPC, [](char *text) {
-         FsFile f{};
-         if (fsFileOpen("/dev/full", "w", &f, nullptr) == 0) return -1;
-         std::fputs("x", f.stream);
-         return fsFileClose(&f, text);
-       }}};
 
   unsetenv("LANGUAGE");  // it would choose the translation over the locale
   int cut = 0;
   for (const char *locale : {"C", "el_GR.UTF-8", "ru_RU.UTF-8"}) {
     ASSERT_NE(std::setlocale(LC_ALL, locale), nullptr)
-        << "locale " << locale << " is missing: run tests/support/ensure_locales.sh, or enable "
-        << locale << " in /etc/locale.gen and run locale-gen";
-    for (const Failure &failure : failures) {
-      SCOPED_TRACE(std::string(locale) + " " + std::to_string(failure.error));
+        << "locale " << locale << " is missing: run tests/support/ensure_locales.sh";
+    for (int error : {ELOOP, EINVAL, ENOSPC}) {
+      SCOPED_TRACE(std::string(locale) + " " + std::to_string(error));
       char text[kErrTextSize + kGuard];
       std::memset(text, '~', sizeof text);
       errno = 0;
-      ASSERT_EQ(failure.make(text), 0);
-      const std::string full = std::to_string(failure.error) + " " + std::strerror(failure.error);
+      ASSERT_EQ(fail(error, text), 0);
+      const std::string full = std::to_string(error) + " " + std::strerror(error);
       EXPECT_EQ(std::string(text + kErrTextSize, kGuard), std::string(kGuard, '~'));
       const size_t length = strnlen(text, kErrTextSize);
       ASSERT_LT(length, kErrTextSize);
@@ -197,25 +180,17 @@ TEST(FileRecords, ErrorTextsStayWithinEightyBytesInEveryPathAndLanguage) {
 }
 
 #if !defined(_WIN32)
-namespace {
-
-// The size files.h gives for a stamp: the digits of the largest year an int
-// (and so the asctime text) holds, then mmddhhmmss and "+0000", and the NUL.
-const size_t kStampSize = std::to_string(INT_MAX).size() + 10 + 5 + 1;
-
-// Dates the file `path` to `seconds`; false when its file system keeps
-// another date (ext4 stops at 2446).
-bool dateFile(const std::string &path, std::time_t seconds) {
-  const timespec times[2] = {{seconds, 0}, {seconds, 0}};
-  struct stat status;
-  return utimensat(AT_FDCWD, path.c_str(), times, 0) == 0 &&
-         stat(path.c_str(), &status) == 0 && status.st_mtime == seconds;
-}
-
-}  // namespace
-
 TEST(FileRecords, StampsOfFarDatesFitTheDocumentedSize) {
-  fskit::test::setTimeZone("UTC0");
+  setTimeZone("UTC0");
+  // The size files.h gives: the digits of the largest year an int holds, mmddhhmmss, "+0000", NUL.
+  const size_t kStampSize = std::to_string(INT_MAX).size() + 10 + 5 + 1;
+  // Dates a file; false when its file system keeps another date (ext4 stops at 2446).
+  auto dateFile = [](const std::string &path, std::time_t seconds) {
+    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+    struct stat status;
+    return utimensat(AT_FDCWD, path.c_str(), times, 0) == 0 &&
+           stat(path.c_str(), &status) == 0 && status.st_mtime == seconds;
+  };
   TempDir dir;
   std::time_t now = std::time(nullptr);
   std::tm today;
@@ -234,18 +209,13 @@ TEST(FileRecords, StampsOfFarDatesFitTheDocumentedSize) {
   }
   if (path.empty()) GTEST_SKIP() << "no file system here keeps a date after the year 9999";
 
-  // 2040: a 32-bit build read file times through a 32-bit time_t, and a file
-  // dated after January 2038 had no stamp or one wrapped back to 1901. After
-  // 9999 (any owner can date a file so): the header promised 20 bytes, it took 21.
+  // 2040: a 32-bit time_t gave no stamp or one of 1901. After 9999: promised 20 bytes, took 21.
   for (int year : {2040, 9999, 10000, 99999, INT_MAX, 5}) {
     std::tm date{};
     date.tm_year = year - 1900;
     date.tm_mon = 11;
     date.tm_mday = 31;
-    date.tm_hour = 23;
-    date.tm_min = 58;
-    date.tm_sec = 59;
-    const std::time_t seconds = timegm(&date);
+    const std::time_t seconds = timegm(&date) + 23 * 3600 + 58 * 60 + 59;
     SCOPED_TRACE(year);
     ASSERT_TRUE(dateFile(path, seconds));
     char text[64];
@@ -269,7 +239,7 @@ TEST(FileRecords, StampsOfFarDatesFitTheDocumentedSize) {
   ASSERT_TRUE(dateFile(path, timegm(&before)));
   char text[64] = "~";
   double value = -1;
-  const std::string err = fskit::test::captureStderr(
+  const std::string err = captureStderr(
       [&] { EXPECT_EQ(fsLastModified(path.c_str(), text, &value), 0); });
   EXPECT_EQ(err.rfind("Unable to generate valid input date from: ", 0), 0u) << err;
   EXPECT_STREQ(text, "");
@@ -280,9 +250,8 @@ TEST(FileRecords, StampsOfFarDatesFitTheDocumentedSize) {
 
 namespace {
 
-// Windows matches names without regard to case; the POSIX side does not.
 #if defined(_WIN32)
-constexpr bool kMatchIgnoresCase = true;
+constexpr bool kMatchIgnoresCase = true;  // Windows matches names without regard to case
 #else
 constexpr bool kMatchIgnoresCase = false;
 #endif
@@ -292,12 +261,11 @@ std::string withBackslashes(std::string path) {
   return path;
 }
 
-// The directory and drive parts of the records of a listing of `path` + "\"
-// joined by `separator`: the drive is the text up to the first colon, which
-// only a Windows path ("C:\...") has.
-std::string partsOf(const std::string &path, const std::string &separator = "|") {
+// "directory|drive" of the records of a listing of `path` + "\": the drive is the text up to the
+// first colon, which only a Windows path ("C:\...") has.
+std::string partsOf(const std::string &path) {
   size_t drive = path.find(':') + 1;  // 0 when there is none
-  return path.substr(drive) + "\\" + separator + path.substr(0, drive);
+  return path.substr(drive) + "\\|" + path.substr(0, drive);
 }
 
 // The records as "name|extension|directory|drive", sorted.
@@ -323,8 +291,8 @@ TEST(ReadDir, PatternsSelectNamesSplitAtTheFirstDot) {
   for (const char *name : {"a.raw", "b.RAW", "notes", ".hidden", "run.tar.gz"}) writeFile(dir.file(name), "");
   std::filesystem::create_directory(dir.file("sub.d"));
   std::string at = "|" + partsOf(dir.path());
-  Records raw = {"a|raw" + at};
-  if (kMatchIgnoresCase) raw.push_back("b|RAW" + at);
+  const Records raw =
+      kMatchIgnoresCase ? Records{"a|raw" + at, "b|RAW" + at} : Records{"a|raw" + at};
   struct Case { const char *name, *ext; Records records; };
   const Case cases[] = {
       {"*", nullptr, {"a|raw" + at, "b|RAW" + at, "notes|" + at, "run|tar.gz" + at, "sub|d" + at}},
@@ -338,10 +306,9 @@ TEST(ReadDir, PatternsSelectNamesSplitAtTheFirstDot) {
   // Backslashes separate as well as slashes; the records keep the text given.
   std::string backslashed = withBackslashes(dir.path());
   EXPECT_EQ(list(backslashed + "\\", "a", ".raw"), Records{"a|raw|" + partsOf(backslashed)});
-  fskit::test::ChangeDir here(dir.path());
-  Records rawHere = {"a|raw||"};
-  if (kMatchIgnoresCase) rawHere.push_back("b|RAW||");
-  EXPECT_EQ(list("", "*", ".raw"), rawHere);
+  ChangeDir here(dir.path());
+  EXPECT_EQ(list("", "*", ".raw"),
+            (kMatchIgnoresCase ? Records{"a|raw||", "b|RAW||"} : Records{"a|raw||"}));
 }
 
 TEST(ReadDir, GrowsPastAHundredRecordsAndKeepsToItsLimits) {
@@ -383,7 +350,7 @@ TEST(Directories, MakeAndRemove) {
 
   EXPECT_EQ(fsRemoveDirectory(made.c_str()), 0);  // not empty
   EXPECT_EQ(fsRemoveDirectory(inner.c_str()) + fsRemoveDirectory(made.c_str()), 2);
-  EXPECT_FALSE(fskit::test::fileExists(made));
+  EXPECT_FALSE(fileExists(made));
   EXPECT_EQ(fsRemoveDirectory(made.c_str()), 0);
   EXPECT_EQ(fsRemoveDirectory((dir.path() + std::string(300, '/')).c_str()), 0);
 }
@@ -405,8 +372,7 @@ TEST(DirectoryServices, SearchSurvivesAVanishingDirectory) {
 
 TEST(LsTool, SortedPathsWithDirectoriesMarked) {
   TempDir dir;
-  std::filesystem::create_directory(dir.file("sub"));
-  std::filesystem::create_directory(dir.file("b.d"));
+  for (const char *sub : {"sub", "b.d"}) std::filesystem::create_directory(dir.file(sub));
   for (const char *name : {"b.txt", "a.raw", "Z", ".hidden"}) writeFile(dir.file(name), "");
   auto listed = runTool({"ls", "."}, "", dir.path());
   EXPECT_EQ(listed.status, 0) << listed.err;

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/alloc_fault.h"
@@ -79,27 +80,21 @@ TEST(ReadDirScripted, ARecordWhoseTextCannotBeCopiedStaysInTheListing) {
 }
 
 TEST(ReadDirScripted, AFullListGrowsForANameItThenSkips) {
-  struct Case {
-    std::vector<std::string> after;  // names delivered after 100 listed ones
-    int32_t count;                   // with the growth refused
-  } cases[] = {
-      // The block used to grow only for a record to be added, so a skipped
-      // name after the 100th record did not need it: it grows for any name.
-      {{".."}, 0},
-      {{"next"}, 0},
-      {{}, 100},  // nothing more: no growth
-  };
-  for (const Case &c : cases) {
+  // The names after 100 listed ones, and the count with the growth refused. The block used to grow
+  // only for a record to be added, so a skipped name after the 100th did not need it.
+  const std::pair<std::vector<std::string>, int32_t> cases[] = {
+      {{".."}, 0}, {{"next"}, 0}, {{}, 100}};
+  for (const auto &[after, expected] : cases) {
     scriptedNames.clear();
     for (int i = 0; i < 100; ++i) scriptedNames.push_back("f" + std::to_string(i) + ".raw");
-    scriptedNames.insert(scriptedNames.end(), c.after.begin(), c.after.end());
+    scriptedNames.insert(scriptedNames.end(), after.begin(), after.end());
     FsFileSpec *list = nullptr;
     // The block, the search and four texts a record come first; the growth next.
     fskit::test::failOnlyAllocation(kBlockAndSearch + 100 * 4 + 1);
     int32_t count = fsReadDir("", "*", nullptr, &list);
     fskit::test::failAllocationFrom(0);
-    EXPECT_EQ(count, c.count) << c.after.size();
-    EXPECT_EQ(list == nullptr, c.count == 0) << c.after.size();
+    EXPECT_EQ(count, expected) << after.size();
+    EXPECT_EQ(list == nullptr, expected == 0) << after.size();
     fsReadDirFree(count, &list);
   }
 }
