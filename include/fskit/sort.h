@@ -83,7 +83,10 @@ FSKIT_API void fsSortArrays(int type, long n, long m, ...);
  * read error "Error reading input file", a work file that cannot be read
  * back "Error reading work file %s", memory short in the merge "Cannot create
  * sort buffer", the prefix of a sort still in progress "Work files
- * %ssort_*.tmp are in use by another sort" (nothing of that sort touched). */
+ * %ssort_*.tmp are in use by another sort" (nothing of that sort touched).
+ * Windows reads the input as a text stream: sorted in chunks, its lines must
+ * end in CR LF (with LF alone the seek back after a chunk can land elsewhere,
+ * and lines are lost or repeated). */
 FSKIT_API long fsStrSort(const char *input, const char *output, const char *prefix,
                          long bufferSize, uint8_t keepDuplicates, uint8_t withCounts);
 
