@@ -116,8 +116,7 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
 }
 
 TEST(EntryPointFaults, AShortTextInAHugeFieldNeedsLittleMemory) {
-  // The work copy was as large as the field said, 4 GiB here (and calloc'ed
-  // and filled); where that much cannot be had the copy failed.
+  // The work copy was as large as the field said (4 GiB here): without that much, it failed.
   refuseAllocationsAbove(1 << 20);
   char dst[16];
   std::memset(dst, '~', sizeof dst);
@@ -138,9 +137,8 @@ TEST(EntryPointFaults, JoinedLineEndsTheProcessWithoutMemory) {
 }
 
 TEST(EntryPointFaults, TableThatCannotGrowIsReleased) {
-  // Ten records fill the first block; the eleventh line needs a second. Every
-  // failure leaves either a null table (the old block released, which the
-  // leak checkers confirm) or all eleven records.
+  // Ten records fill the first block, the eleventh needs a second. Every failure leaves a null
+  // table (the old block released, as the leak checkers confirm) or all eleven records.
   std::string file;
   for (int i = 0; i < 11; ++i) file += "t" + std::to_string(i) + " label " + std::to_string(i) + "\n";
   int32_t count = 0, capacity = 0, result = 0;

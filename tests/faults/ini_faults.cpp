@@ -24,9 +24,8 @@ const std::string kWalk = "A|x|1;A|y|2;B|z|3;A|x|1;A|y|2;";  // a second A walks
 
 std::string walk(int32_t handle) { return iniWalk(handle, ";"); }
 
-// While armed (byteLimit >= 0), fdopen gives a stream that takes
-// `byteLimit` bytes and then fails, as a full disk would; with `closeFails`
-// its close fails too.
+// While armed (byteLimit >= 0), fdopen gives a stream that takes `byteLimit` bytes and then
+// fails, as a full disk would; with `closeFails` its close fails too.
 struct WriteFault {
   long byteLimit = -1;
   bool closeFails = false;
@@ -163,8 +162,7 @@ TEST_F(IniFaults, AFailedWriteLeavesTheOldFile) {
 }
 
 TEST_F(IniFaults, LookupsWithoutMemoryForTheirIndexScan) {
-  // Long lists get a hash index on their first lookup; without memory for it
-  // the lookup scans, and finds the same first match.
+  // Without memory for the hash index of a long list, a lookup scans and finds the same match.
   std::string text;
   for (int p = 0; p < 20; ++p) {
     text += "[P" + std::to_string(p) + "]\n";
