@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The INI readers on any text (an odd first byte: memory runs out after byte / 2 allocations):
 // classic lookups and round trips; the lossless document's bytes, one-line sets and agreement.
+#include <cctype>
 #include <unordered_map>
 
 #include "fuzz/support/fuzz_support.h"
@@ -13,14 +14,8 @@ using lossless::Document;
 
 namespace {
 
-struct Classic {
-  FsIniFile *file = FsIniFile::create("fuzz.ini");
-  Classic() { FUZZ_CHECK(file != nullptr); }
-  ~Classic() { delete file; }
-};
-
-// With `allocations` 0 or more, memory runs out after that many allocations
-// of the reading. True when the reading took in all of `text`.
+// With `allocations` 0 or more, memory runs out after that many allocations of the reading. True
+// when the reading took in all of `text`.
 bool read(FsIniFile &document, const std::string &text, long allocations = -1) {
   if (text.empty()) return true;  // fmemopen takes no empty buffer
   std::string bytes = text;
@@ -57,8 +52,6 @@ void checkLookups(const FsIniFile &document) {
   }
 }
 
-bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 // Whether a line of `text` is `longest` bytes or longer.
 bool hasLongLine(const std::string &text, size_t longest) {
   size_t start = 0;
@@ -67,10 +60,9 @@ bool hasLongLine(const std::string &text, size_t longest) {
   return text.size() - start >= longest;
 }
 
-// What a file cannot carry back: a name holding a line feed (its header had
-// no closing bracket), a value that begins with white space or "=" (it stood
-// in quotes, which only a ';' brings back), and a written line too long to be
-// read in one piece.
+// What a file cannot carry back: a name holding a line feed (its header had no closing bracket),
+// a value that begins with white space or "=" (it stood in quotes, which only a ';' brings back),
+// and a written line too long to be read in one piece.
 bool writtenBackAsRead(const FsIniFile &document, const std::string &text) {
   for (int32_t i = 0; i < document.count(); ++i) {
     const FsIniParagraph *paragraph = document.paragraphAt(i);
@@ -79,17 +71,15 @@ bool writtenBackAsRead(const FsIniFile &document, const std::string &text) {
     for (int32_t j = 0; j < paragraph->count(); ++j) {
       const FsIniLine *line = paragraph->lineAt(j);
       if (line != nullptr && line->value() != nullptr &&
-          (isSpace(line->value()[0]) || line->value()[0] == '='))
+          (std::isspace(static_cast<unsigned char>(line->value()[0])) || line->value()[0] == '='))
         return false;
     }
   }
   return !hasLongLine(text.substr(0, text.rfind('\n') + 1), size_t(kLineBuffer - 1));
 }
 
-// True when `after` differs from `before` within one line of `before` only:
-// the bytes between their common start and common end hold no line feed of
-// `before`, and at most three of `after` (a header and a line added after a
-// last line given its line end).
+// True when the bytes between the common start and end of `before` and `after` hold no line feed
+// of `before` and at most three of `after` (a header and a line after a last line given its end).
 bool changedOneLine(const std::string &before, const std::string &after) {
   size_t prefix = 0, suffix = 0;
   while (prefix < before.size() && prefix < after.size() && before[prefix] == after[prefix])
@@ -136,15 +126,15 @@ FUZZ_TARGET(input) {
   const uint8_t budget = takeByte(input);
   const std::string text(input);
   const bool faults = budget % 2 == 1;
-  Classic first;
-  const bool all = read(*first.file, text, faults ? budget / 2 : -1);
-  checkLookups(*first.file);
+  std::unique_ptr<FsIniFile> first(FsIniFile::create("fuzz.ini")), second(FsIniFile::create("2"));
+  FUZZ_CHECK(first != nullptr && second != nullptr);
+  const bool all = read(*first, text, faults ? budget / 2 : -1);
+  checkLookups(*first);
   const bool whole = all && !faults && !hasLongLine(text, size_t(kLineBuffer - 1));
-  checkLossless(text, whole ? first.file : nullptr);
+  checkLossless(text, whole ? first.get() : nullptr);
 
-  const std::string once = written(*first.file);
-  if (!writtenBackAsRead(*first.file, once)) return;
-  Classic second;
-  read(*second.file, once);
-  FUZZ_CHECK(written(*second.file) == once);
+  const std::string once = written(*first);
+  if (!writtenBackAsRead(*first, once)) return;
+  read(*second, once);
+  FUZZ_CHECK(written(*second) == once);
 }
