@@ -101,11 +101,13 @@ TEST(IniApi, GetSetAndWriteBack) {
   // "new " is never found: the value and the comment each add a line "new".
   EXPECT_EQ(fsIniSetValue(handle, "Other", "new ", "a;b", " why "), 1);
   EXPECT_EQ(fsIniSetValue(handle, "Formula Files", "elementFile", "e2.tbl", ""), 1);  // comment kept
+  EXPECT_EQ(fsIniSetValue(handle, "Other", "lead", "  \"x\"", ""), 1);  // written as given
   EXPECT_EQ(fsIniSetValue(handle, "New", "t", "   ", "note"), 1);  // blank value: none
+  EXPECT_EQ(fsIniSetValue(handle, "", "lost", "v", ""), 1);  // a paragraph without name: unwritten
   EXPECT_EQ(fsIniWriteFile(handle), 1);
   EXPECT_EQ(readText(path),
             "[Formula Files]\nelementFile = e2.tbl\t; the table\nempty = \n"
-            "[Other]\nk = 2\nnew = \"a;b\"\nnew = \t; why\n[New]\nt = \t; note\n");
+            "[Other]\nk = 2\nnew = \"a;b\"\nnew = \t; why\nlead =   \"x\"\n[New]\nt = \t; note\n");
   // A successful write releases the handle.
   EXPECT_EQ(captureStderr([&] { EXPECT_EQ(valueOf(handle, "Other", "k"), "<none:>"); }), "");
   EXPECT_EQ(fsIniWriteFile(handle), 0);

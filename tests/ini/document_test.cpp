@@ -145,18 +145,3 @@ TEST(IniFile, ReadsWhatTheHeadersAndLinesAllow) {
   EXPECT_EQ(document->count(), 3);  // a null stream leaves the document alone
   EXPECT_EQ(document->write(nullptr), kFailed);
 }
-
-TEST(IniFile, SetValues) {
-  std::unique_ptr<FsIniFile> document(FsIniFile::create("set.ini"));
-  document->setValue("P", "semi", "a;b");
-  document->setComment("P", "semi", "why");
-  document->setValue("P", "quoted", "\"x\"");
-  document->setValue("P", "lead", "   blanks");
-  document->setValue("", "lost", "v");  // a paragraph without name is never found: one each time
-  document->setValue("", "lost", "v");
-  document->setValue("Q", "t", "v");
-  document->setComment("Q", "t", "  ");
-  EXPECT_EQ(document->count(), 4);
-  EXPECT_EQ(written(*document),
-            "[P]\nsemi = \"a;b\"\t; why\nquoted = \"x\"\nlead =    blanks\n[Q]\nt = v\n");
-}
