@@ -131,34 +131,23 @@ void checkFile(const std::string &name, const std::string &text, const TempDir &
     EXPECT_EQ(losslessWalk(document), classic(dir, text));
   }
 
-  struct Target {
-    std::string paragraph, topic;
-    bool existing;
-  };
-  std::vector<Target> targets;
-  std::vector<Document::Entry> entries = document.values();
-  for (const Document::Entry &entry : entries)
-    if (entry.value) {
-      targets.push_back({entry.paragraph, entry.topic, true});
-      break;
-    }
-  if (!entries.empty()) targets.push_back({entries[0].paragraph, "fskitCorpusTopic", false});
-  targets.push_back({"fskit corpus", "fskitCorpusTopic", false});
-
-  for (const Target &target : targets) {
-    SCOPED_TRACE(target.paragraph + " / " + target.topic);
+  auto checkSet = [&](const std::string &paragraph, const std::string &topic, bool existing) {
+    SCOPED_TRACE(paragraph + " / " + topic);
     const std::string value = "corpus value";
-    std::string after = set(text, target.paragraph, target.topic, value);
+    std::string after = set(text, paragraph, topic, value);
     size_t lineEnd = 0;
-    std::string change = unexpectedChange(text, after, target.paragraph, target.topic, value,
-                                          target.existing, lineEnd);
-    EXPECT_EQ(change, "");
-    EXPECT_EQ(Document(after).value(target.paragraph, target.topic), value);
+    EXPECT_EQ(unexpectedChange(text, after, paragraph, topic, value, existing, lineEnd), "");
+    EXPECT_EQ(Document(after).value(paragraph, topic), value);
     // The C functions find the value wherever they read its line.
     if (!hasLongLine(after) && classicReach(after) >= long(lineEnd)) {
-      EXPECT_EQ(classic(dir, after, target.paragraph, target.topic), value);
+      EXPECT_EQ(classic(dir, after, paragraph, topic), value);
     }
-  }
+  };
+  std::vector<Document::Entry> entries = document.values();
+  auto valued = std::ranges::find_if(entries, [](const auto &entry) { return entry.value.has_value(); });
+  if (valued != entries.end()) checkSet(valued->paragraph, valued->topic, true);
+  if (!entries.empty()) checkSet(entries[0].paragraph, "fskitCorpusTopic", false);
+  checkSet("fskit corpus", "fskitCorpusTopic", false);
 }
 
 }  // namespace
