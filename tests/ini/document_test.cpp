@@ -73,8 +73,7 @@ TEST(IniLine, ReadsAndWritesTheExampleLines) {
   FsIniLine line;
   EXPECT_EQ(line.read(nullptr), kFailed);
   EXPECT_EQ(line.write(nullptr), kFailed);
-  std::string empty;
-  std::FILE *stream = fskit::test::streamOf(empty);
+  std::FILE *stream = fskit::test::streamOf("");
   EXPECT_EQ(line.read(stream), kFailed);
   std::fclose(stream);
 }
