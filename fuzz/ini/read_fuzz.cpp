@@ -34,10 +34,9 @@ std::string written(const FsIniFile &document) {
   return writtenTo([&](std::FILE *stream) { FUZZ_CHECK(document.write(stream) == kOk); });
 }
 
-// Checks that the lookups give the first item of each name, as a scan in order would. True when
-// a file can carry back what is written: no name holding a line feed (its header had no closing
-// bracket), no value that begins with white space or "=" (it stood in quotes, which only a ';'
-// brings back).
+// Checks that lookups give the first item of each name. True when a file can carry back what is
+// written: no name holding a line feed (a header without ']'), no value beginning with white
+// space or "=" (it stood in quotes, which only a ';' brings back).
 bool checkLookups(const FsIniFile &document) {
   bool carried = true;
   std::unordered_map<std::string, const FsIniParagraph *> firstParagraph;

@@ -36,8 +36,7 @@ std::string taken(char *&copy) {
 
 }  // namespace
 
-// Each function is called armed, then (unarmed) its result is told as text:
-// the whole result when nothing was refused, the failure otherwise.
+// Each call is made armed, then its result told as text: whole, or its failure when refused.
 TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
   TempDir dir;
   const std::string path = dir.file("f");

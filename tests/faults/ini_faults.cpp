@@ -53,7 +53,6 @@ extern "C" std::FILE *__wrap_fdopen(int fd, const char *mode) {
   return fopencookie(reinterpret_cast<void *>(intptr_t(fd)), mode, io);
 }
 
-// A file of kText in a directory of its own.
 class IniFaults : public testing::Test {
  protected:
   IniFaults() { writeFile(path, kText); }

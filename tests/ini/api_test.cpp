@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The handle API: slots, lookups, setting, the walk and writing (its
-// failures are the fault tests').
+// The handle API: slots, lookups, setting, the walk and writing (its failures: the fault tests').
 #include <fskit/ini.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -63,8 +62,7 @@ TEST(IniApi, SlotTableGivesLowestFreeHandle) {
               }
             }),
             "");
-  // A directory used to give a handle of an empty document: it opened for
-  // reading, and only its first read failed. Neither takes a slot.
+  // A directory used to give a handle of an empty document. Neither name takes a slot.
   for (const std::string &name : {std::string("/no/such/file.ini"), dir.path()})
     EXPECT_EQ(captureStderr([&] { EXPECT_EQ(fsIniReadFile(name.c_str()), 0); }),
               "Error opening ini file " + name + "\n");

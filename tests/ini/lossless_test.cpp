@@ -39,8 +39,7 @@ std::string set(const std::string &text, const std::string &paragraph, const std
   return document.text();
 }
 
-// What the C functions find in `text`: with a topic its value ("<none>" without one), else
-// every value their walk delivers, as iniWalk gives them.
+// What the C functions find in `text`: with a topic its value ("<none>" without), else iniWalk.
 std::string classic(const TempDir &dir, const std::string &text, const std::string &paragraph = "",
                     const std::string &topic = "") {
   writeFile(dir.file("classic.ini"), text);
@@ -121,8 +120,7 @@ std::string unexpectedChange(const std::string &before, const std::string &after
   return "";
 }
 
-// One file of the corpus: written back unchanged, and set three ways (an existing topic, a new
-// one, a new paragraph), which the C functions read back.
+// A corpus file: written back unchanged, and set three ways that the C functions read back.
 void checkFile(const std::string &name, const std::string &text, const TempDir &dir) {
   SCOPED_TRACE(name);
   Document document(text);
@@ -144,7 +142,7 @@ void checkFile(const std::string &name, const std::string &text, const TempDir &
     }
   };
   std::vector<Document::Entry> entries = document.values();
-  auto valued = std::ranges::find_if(entries, [](const auto &entry) { return entry.value.has_value(); });
+  auto valued = std::ranges::find_if(entries, [](const auto &e) { return e.value.has_value(); });
   if (valued != entries.end()) checkSet(valued->paragraph, valued->topic, true);
   if (!entries.empty()) checkSet(entries[0].paragraph, "fskitCorpusTopic", false);
   checkSet("fskit corpus", "fskitCorpusTopic", false);

@@ -56,8 +56,7 @@ TEST(IniTool, GetSetList) {
   }
 }
 
-// `set` refuses what would change how the file reads, and warns when the
-// value will not read back whole, which the C functions confirm.
+// `set` refuses what would change how the file reads and warns of values that do not read back.
 TEST(IniTool, SetRefusesBreakingNamesAndWarnsOfValuesThatDoNotReadBack) {
   TempDir dir;
   std::string file = dir.file("app.ini");
@@ -75,8 +74,7 @@ TEST(IniTool, SetRefusesBreakingNamesAndWarnsOfValuesThatDoNotReadBack) {
     EXPECT_EQ(readFile(file), before);
   }
 
-  // Warned of: the C functions read something else back. Not warned of: the
-  // C functions read the value back whole.
+  // Warned of exactly when the C functions read something else back.
   const std::string readable = "[A]\nx=1\n";
   writeFile(file, readable);
   for (const std::string &value : std::vector<std::string>{
