@@ -10,7 +10,7 @@
 
 using namespace fskit::test;
 
-TEST(IniTool, GetSetList) {
+TEST(IniTool, GetSetListRefusalsAndWarnings) {
   TempDir dir;
   std::string file = dir.file("app.ini"), fresh = dir.file("fresh.ini"), none = dir.file("none.ini");
   writeFile(file, "[A]\nx = 1\n");
@@ -54,14 +54,9 @@ TEST(IniTool, GetSetList) {
     EXPECT_EQ(bad.out, "");
     EXPECT_EQ(bad.err.find("fskit ini: "), 0u) << bad.err;
   }
-}
 
-// `set` refuses what would change how the file reads and warns of values that do not read back.
-TEST(IniTool, SetRefusesBreakingNamesAndWarnsOfValuesThatDoNotReadBack) {
-  TempDir dir;
-  std::string file = dir.file("app.ini");
-  const std::string before = "; settings\n[A]\nx=1\n";
-  writeFile(file, before);
+  // `set` refuses what would change how the file reads.
+  const std::string before = readFile(file);
   for (const auto &names : std::vector<std::vector<std::string>>{
            {"A\nB", "t", "v"}, {"A", "t\r", "v"}, {"A", "t", "v\nw"}, {"", "t", "v"},
            {"A]", "t", "v"}, {"A", "", "v"}, {"A", "a=b", "v"}, {"A", "[t", "v"}, {"A", ";t", "v"},
