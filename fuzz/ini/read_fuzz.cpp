@@ -70,16 +70,10 @@ bool hasLongLine(const std::string &text, size_t longest) {
 // True when the bytes between the common start and end of `before` and `after` hold no line feed
 // of `before` and at most three of `after` (a header and a line after a last line given its end).
 bool changedOneLine(const std::string &before, const std::string &after) {
-  size_t prefix = 0, suffix = 0;
-  while (prefix < before.size() && prefix < after.size() && before[prefix] == after[prefix])
-    ++prefix;
-  while (suffix < before.size() - prefix && suffix < after.size() - prefix &&
-         before[before.size() - 1 - suffix] == after[after.size() - 1 - suffix])
-    ++suffix;
-  auto feeds = [&](const std::string &text) {
-    return std::count(text.begin() + prefix, text.end() - suffix, '\n');
-  };
-  return feeds(before) == 0 && feeds(after) <= 3;
+  auto [b, a] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+  auto [bEnd, aEnd] = std::mismatch(before.rbegin(), std::make_reverse_iterator(b), after.rbegin(),
+                                    std::make_reverse_iterator(a));
+  return std::count(b, bEnd.base(), '\n') == 0 && std::count(a, aEnd.base(), '\n') <= 3;
 }
 
 void checkSet(const std::string &text, const std::string &paragraph, const std::string &topic) {
