@@ -101,7 +101,7 @@ TEST(SortFaults, TypedSortsOrderWithoutMemory) {
 }
 
 TEST(SortFaults, ParallelArraysSortOrStayWithAMessage) {
-  std::vector<int32_t> keys(100), payload(100), sortedKeys(100);
+  std::vector<int32_t> keys(100), sortedKeys(100);
   std::iota(keys.begin(), keys.end(), 0);
   std::shuffle(keys.begin(), keys.end(), std::mt19937(3));
   std::vector<int64_t> moved(100);
