@@ -52,13 +52,6 @@ std::string classic(const TempDir &dir, const std::string &text, const std::stri
   return found;
 }
 
-std::string losslessWalk(const Document &document) {
-  std::string all;
-  for (const Document::Entry &entry : document.values())
-    if (entry.value) all += entry.paragraph + "|" + entry.topic + "|" + *entry.value + "\n";
-  return all;
-}
-
 // How many bytes of `text` the C functions' reader takes in before it stops.
 long classicReach(const std::string &text) {
   std::unique_ptr<FsIniFile> document(FsIniFile::create("reach.ini"));
@@ -126,7 +119,10 @@ void checkFile(const std::string &name, const std::string &text, const TempDir &
   Document document(text);
   EXPECT_EQ(document.text(), text);
   if (classicReach(text) == long(text.size()) && !hasLongLine(text)) {
-    EXPECT_EQ(losslessWalk(document), classic(dir, text));
+    std::string walk;
+    for (const Document::Entry &entry : document.values())
+      if (entry.value) walk += entry.paragraph + "|" + entry.topic + "|" + *entry.value + "\n";
+    EXPECT_EQ(walk, classic(dir, text));
   }
 
   auto checkSet = [&](const std::string &paragraph, const std::string &topic, bool existing) {
