@@ -130,11 +130,6 @@ TEST(IniFile, ReadsWhatTheHeadersAndLinesAllow) {
   EXPECT_EQ(document->paragraphAt(0)->count(), 2);
   EXPECT_STREQ(document->valueOf("A", "x"), "1");
   EXPECT_EQ(document->valueOf("A", "z"), nullptr);  // only the first A is looked at
-  EXPECT_STREQ(document->topicAt("A", 0), "x");
-  EXPECT_EQ(document->topicAt("A", 1), nullptr);  // a blank line
-  EXPECT_EQ(document->topicAt("A", 2), nullptr);
-  EXPECT_STREQ(document->paragraphNameAt(2), "A");
-  EXPECT_EQ(document->paragraphNameAt(3), nullptr);
   EXPECT_EQ(document->read(nullptr), kFailed);
   EXPECT_EQ(document->count(), 3);  // a null stream leaves the document alone
   EXPECT_EQ(document->write(nullptr), kFailed);
