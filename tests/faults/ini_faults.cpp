@@ -24,12 +24,11 @@ const std::string kWalk = "A|x|1;A|y|2;B|z|3;A|x|1;A|y|2;";  // a second A walks
 
 // While armed (byteLimit >= 0), fdopen gives a stream that takes `byteLimit` bytes and then
 // fails, as a full disk would; with `closeFails` its close fails too.
-struct WriteFault {
+struct {
   long byteLimit = -1;
   bool closeFails = false;
   long bytesAccepted = 0;
-};
-WriteFault writeFault;
+} writeFault;
 
 }  // namespace
 
