@@ -117,12 +117,11 @@ TEST(IniApi, GetSetAndWriteBack) {
 
 TEST(IniApi, WalkQuirks) {
   TempDir dir;
-  std::string path = dir.file("w.ini");
-  writeFile(path,
+  writeFile(dir.file("w.ini"),
             "[A]\na1 = 1\n; stops A's walk\na2 = 2\n"
             "[B]\nb = 1\nb = 2\nnovalue =\nc = 3\n\nd = 4\n"
             "[A]\nz = 9\n");
-  int32_t handle = fsIniReadFile(path.c_str());
+  int32_t handle = fsIniReadFile(dir.file("w.ini").c_str());
   EXPECT_EQ(captureStderr([&] {
               EXPECT_EQ(iniWalk(handle), "A|a1|1\nB|b|1\nB|b|1\nB|c|3\nA|a1|1\n");
             }),
