@@ -212,8 +212,7 @@ TEST(IniApi, WriteTargetsLinksAndDevices) {
   }
   int exit = 0;
   ASSERT_EQ(waitpid(child, &exit, 0), child);
-  ASSERT_TRUE(WIFEXITED(exit));
-  ASSERT_EQ(WEXITSTATUS(exit), 0);
+  ASSERT_TRUE(WIFEXITED(exit) && WEXITSTATUS(exit) == 0) << exit;
   EXPECT_EQ(readFile(shared), "[A]\nx = 3\n");
   ASSERT_EQ(stat(shared.c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, 0u);
@@ -250,9 +249,8 @@ TEST(IniApi, WalkGoesOnWithTheCurrentParagraphNameInAnotherDocument) {
     if (c.reread) {
       ASSERT_EQ(fsIniReadFile(first.c_str()), a);
     }
-    std::string delivered;  // from here on
-    EXPECT_EQ(captureStderr([&] { delivered = iniWalk(c.onFirst ? a : b, ";", false); }), "");
-    EXPECT_EQ(delivered, c.expected);
+    EXPECT_EQ(captureStderr([&] { EXPECT_EQ(iniWalk(c.onFirst ? a : b, ";", false), c.expected); }),
+              "");
     fsIniReleaseFile(a);
     fsIniReleaseFile(b);
   }
