@@ -66,9 +66,8 @@ std::vector<std::string> linesOf(const std::string &text) {
 }
 
 bool hasLongLine(const std::string &text) {
-  return std::ranges::any_of(linesOf(text), [](const std::string &line) {
-    return line.size() >= size_t(kLineBuffer);
-  });
+  auto isLong = [](const std::string &line) { return line.size() >= size_t(kLineBuffer); };
+  return std::ranges::any_of(linesOf(text), isLong);
 }
 
 std::string lineEndOf(const std::string &line) {
