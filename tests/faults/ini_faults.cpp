@@ -130,6 +130,7 @@ TEST_F(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
   }
   // Then without memory, at each allocation of the write in turn.
   writeFault.closeFails = false;
+  const std::string whole = "[A]\nx = 7\ny = 2\n; c\n" + topics + "[B]\nz = 3\n[A]\nw = 4\n";
   int32_t written = -1;
   StreamCatcher err(stderr);
   forEachAllocationFailure(
@@ -140,8 +141,7 @@ TEST_F(IniFaults, FileIsReplacedOnlyByTheWholeDocument) {
       [&](long k, bool refused) {
         SCOPED_TRACE(k);
         EXPECT_EQ(written, refused ? 0 : 1);
-        EXPECT_EQ(readFile(path),
-                  refused ? kText : "[A]\nx = 7\ny = 2\n; c\n" + topics + "[B]\nz = 3\n[A]\nw = 4\n");
+        EXPECT_EQ(readFile(path), refused ? kText : whole);
         EXPECT_EQ(err.stop(), refused ? "Error opening ini file " + path + "\n" : "");
         if (refused) {
           EXPECT_EQ(iniWalk(handle, ";").substr(0, 6), "A|x|7;");
