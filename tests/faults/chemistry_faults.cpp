@@ -81,8 +81,7 @@ TEST(ChemistryFaults, ParserBeyondHundredSymbolsFallsBack) {
   ASSERT_EQ(parse(), 150);
   const std::string whole = text.data();
   int32_t result = 0;
-  // The first allocation is the room for the symbols (without it: 100 of
-  // them), the second the table order of the text (without it: no text).
+  // Allocation 1 is room for the symbols (without it: 100 of them), 2 the text's table order.
   forEachAllocationFailure([&] { result = parse(); },
                            [&](long k, bool refused) {
                              EXPECT_EQ(refused, k < 3);

@@ -36,8 +36,7 @@ std::string taken(char *&copy) {
 
 }  // namespace
 
-// Each function is called armed, then (unarmed) its result is told as text:
-// the whole result when nothing was refused, the failure otherwise.
+// Each call is made armed, then its result told as text: whole, or its failure when refused.
 TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
   TempDir dir;
   const std::string path = dir.file("f");
@@ -52,15 +51,14 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
   const struct {
     const char *name;
     std::function<void()> call;
-    std::function<std::string()> told;
+    std::function<std::string()> told;  // when empty: taken(copy)
     std::string whole, refused;
     long runs;
   } entries[] = {
-      {"strmalloc", [&] { copy = strmalloc("abc"); }, [&] { return taken(copy); }, "abc", "null", 2},
-      {"strnmalloc", [&] { copy = strnmalloc("abc", 8); }, [&] { return taken(copy); }, "abc", "null", 2},
+      {"strmalloc", [&] { copy = strmalloc("abc"); }, {}, "abc", "null", 2},
+      {"strnmalloc", [&] { copy = strnmalloc("abc", 8); }, {}, "abc", "null", 2},
       // strrealloc has released `old` whether or not the copy succeeded.
-      {"strrealloc", [&] { copy = strrealloc(strmalloc("old"), "abc"); }, [&] { return taken(copy); },
-       "abc", "null", 3},
+      {"strrealloc", [&] { copy = strrealloc(strmalloc("old"), "abc"); }, {}, "abc", "null", 3},
       // strrealloc2 keeps `old` when it cannot allocate, and releases it when it can.
       {"strrealloc2", [&] { copy = strrealloc2(old, old, "+", nullptr); },
        [&] {
@@ -69,8 +67,7 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
          return taken(copy);
        },
        "keep+", "null keep", 2},
-      {"kwaCmdLnStr", [&] { copy = kwaCmdLnStr(1, argv, nullptr); }, [&] { return taken(copy); }, "", "null",
-       2},
+      {"kwaCmdLnStr", [&] { copy = kwaCmdLnStr(1, argv, nullptr); }, {}, "", "null", 2},
       // A field copy that fails leaves the destination untouched.
       {"strfcpy",
        [&] {
@@ -108,7 +105,7 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
   for (const auto &entry : entries) {
     SCOPED_TRACE(entry.name);
     long runs = forEachAllocationFailure(entry.call, [&](long, bool refused) {
-      EXPECT_EQ(entry.told(), refused ? entry.refused : entry.whole);
+      EXPECT_EQ(entry.told ? entry.told() : taken(copy), refused ? entry.refused : entry.whole);
     });
     EXPECT_EQ(runs, entry.runs);
   }
@@ -116,8 +113,7 @@ TEST(EntryPointFaults, EachGivesItsResultOrItsFailure) {
 }
 
 TEST(EntryPointFaults, AShortTextInAHugeFieldNeedsLittleMemory) {
-  // The work copy was as large as the field said, 4 GiB here (and calloc'ed
-  // and filled); where that much cannot be had the copy failed.
+  // The work copy was as large as the field said (4 GiB here): without that much, it failed.
   refuseAllocationsAbove(1 << 20);
   char dst[16];
   std::memset(dst, '~', sizeof dst);
@@ -138,9 +134,8 @@ TEST(EntryPointFaults, JoinedLineEndsTheProcessWithoutMemory) {
 }
 
 TEST(EntryPointFaults, TableThatCannotGrowIsReleased) {
-  // Ten records fill the first block; the eleventh line needs a second. Every
-  // failure leaves either a null table (the old block released, which the
-  // leak checkers confirm) or all eleven records.
+  // Ten records fill the first block, the eleventh needs a second. Every failure leaves a null
+  // table (the old block released, as the leak checkers confirm) or all eleven records.
   std::string file;
   for (int i = 0; i < 11; ++i) file += "t" + std::to_string(i) + " label " + std::to_string(i) + "\n";
   int32_t count = 0, capacity = 0, result = 0;
