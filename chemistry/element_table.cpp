@@ -12,6 +12,7 @@
 #include <fskit/strings.h>
 
 #include "chemistry/chemistry.h"
+#include "chemistry/element_load_internal.h"
 #include "ini/ini_internal.h"
 #include "platform/ascii.h"
 
@@ -117,6 +118,37 @@ LoadReport initTable(int32_t iniHandle, int32_t load) {
   if (records == nullptr) releaseTable();
   if (records == nullptr || !install(records, file.get())) return noMemory("fsInitElemTable");
   return {};
+}
+
+bool loadElementFileKeepingTable(const char *path) {
+  if (path == nullptr) path = "";
+  LoadReport report;
+  bool loaded = false;
+  {
+    ElementTable &table = elementTable();
+    std::lock_guard<fskit::platform::Mutex> hold(table.loading);
+    const TableSnapshot *now = currentTable.load();
+    if (now != nullptr && isRecordedName(path)) return now->present && now->count > 0;
+    FsElementRecord *records = allocateRecords();
+    File file = records != nullptr ? openForReading(path) : File();
+    int32_t filled = 0;
+    int32_t count = file ? readElementFile(file.get(), records, filled) : 0;
+    if (records == nullptr) {
+      report = noMemory("fsLoadElemTable");
+    } else if (!file) {
+      report = cannotOpen("fsLoadElemTable", path);
+    } else if (count > 0) {
+      // Without memory installTable leaves no table, as fsLoadElemTable does.
+      loaded = installTable(records, count, filled);
+      if (!loaded) report = noMemory("fsLoadElemTable");
+      records = nullptr;
+      forgetRecordedName();
+      if (loaded && (table.recordedName = strmalloc(path)) != nullptr) strlower(table.recordedName);
+    }
+    std::free(records);
+  }
+  report.send();
+  return loaded;
 }
 
 int32_t findLabel(TableReader &reader, const char *name) {

@@ -113,11 +113,7 @@ def load_elements(path: Optional[Union[str, os.PathLike]] = None) -> None:
     global _element_file
     wanted = os.fspath(path) if path is not None else DEFAULT_ELEMENT_FILE
     with _element_lock:
-        try:
-            _fskit._load_elements(wanted)
-        except ElementTableError:
-            _fskit._load_elements(_element_file)
-            raise
+        _fskit._load_elements(wanted)  # the table in use stays unless this one loads
         _element_file = wanted
 
 

@@ -15,6 +15,7 @@
 
 #include <fskit/chemistry.h>
 
+#include "chemistry/element_load_internal.h"
 #include "chemistry/formula_internal.h"
 #include "python/src/bindings.h"
 #include "python/src/errors.h"
@@ -68,13 +69,13 @@ Formula parseFormula(const std::string &formula) {
 }
 
 bool loadElements(const std::string &path) {
-  int32_t loaded;
+  bool loaded;
   {
     py::gil_scoped_release unlocked;
-    loaded = fsLoadElemTable(path.c_str());
+    loaded = chemistry::loadElementFileKeepingTable(path.c_str());
   }
   std::string messages = forwardLibraryMessages();
-  if (loaded == 1 && fsElementTableCount() > 0) return true;
+  if (loaded) return true;
   raise("ElementTableError",
         py::make_tuple(messages.empty() ? "cannot load the element file " + path : messages));
 }

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <limits>
 
+#include "chemistry/element_load_internal.h"
 #include "tests/chemistry/example_table.h"
 
 using namespace fskit::test;
@@ -83,6 +84,30 @@ TEST(ElementTable, LoadsEachFileNameOnce) {
   EXPECT_EQ(fsInitElemTable(0, 0), 1);
   EXPECT_EQ(fsLoadElemTable(path.c_str()), 1);
   EXPECT_EQ(fsElementTableCount(), 2);
+}
+
+// The Python package's load: a file that gives no usable table leaves the one in use.
+TEST(ElementTable, LoadKeepingTheTableInUse) {
+  using fskit::chemistry::loadElementFileKeepingTable;
+  TempDir dir;
+  loadTable(dir, kExampleTable);
+  const std::string missing = dir.file("missing.tbl"), other = dir.file("other.tbl");
+  EXPECT_EQ(captureStdout([&] { EXPECT_FALSE(loadElementFileKeepingTable(missing.c_str())); }),
+            "Failed to open element file " + missing + "\n");
+  writeFile(dir.file("empty.tbl"), "");
+  writeFile(dir.file("full.tbl"), elementLines(250));  // fills the block: count -1
+  for (const char *unusable : {"empty.tbl", "full.tbl"})
+    EXPECT_FALSE(loadElementFileKeepingTable(dir.file(unusable).c_str())) << unusable;
+  EXPECT_EQ(fsElementTableCount(), 10);
+  EXPECT_EQ(fsFindElemInTbl("13C"), 2);
+  writeFile(other, elementLines(2));
+  EXPECT_TRUE(loadElementFileKeepingTable(other.c_str()));
+  EXPECT_EQ(fsElementTableCount(), 4);
+  // Its name is recorded as fsLoadElemTable's: not read again.
+  writeFile(other, elementLines(1));
+  EXPECT_TRUE(loadElementFileKeepingTable(other.c_str()));
+  EXPECT_EQ(fsLoadElemTable(other.c_str()), 1);
+  EXPECT_EQ(fsElementTableCount(), 4);
 }
 
 TEST(ElementFile, LayoutRulesAndOverlongInput) {

@@ -51,8 +51,12 @@ def test_threads_see_their_own_results_and_messages():
 
     def work(index: int) -> None:
         symbol, date = "Q" + "abcdefgh"[index], f"bad{index}"
+        missing = f"/nonexistent/{index}.tbl"  # the other threads' formulas keep their table
         barrier.wait()
         for _ in range(200):
+            with pytest.raises(fskit.ElementTableError) as caught:
+                fskit.load_elements(missing)
+            assert str(caught.value) == f"fsLoadElemTable: Failed to open element file {missing}"
             with pytest.raises(fskit.FormulaError) as caught:
                 fskit.Formula(f"C{index + 1}{symbol}")
             assert caught.value.symbol == symbol, str(caught.value)
