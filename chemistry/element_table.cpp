@@ -62,6 +62,15 @@ void forgetRecordedName() {
   elementTable().recordedName = nullptr;
 }
 
+// Records `path` as the name of the table now present: a later fsLoadElemTable
+// of it, in any case, does not read it again.
+void recordName(const char *path) {
+  forgetRecordedName();
+  char *&recorded = elementTable().recordedName;
+  recorded = strmalloc(path);
+  if (recorded != nullptr) strlower(recorded);
+}
+
 bool isRecordedName(const char *path) {
   const char *recorded = elementTable().recordedName;
   if (recorded == nullptr) return false;
@@ -133,19 +142,14 @@ bool loadElementFileKeepingTable(const char *path) {
     File file = records != nullptr ? openForReading(path) : File();
     int32_t filled = 0;
     int32_t count = file ? readElementFile(file.get(), records, filled) : 0;
-    if (records == nullptr) {
-      report = noMemory("fsLoadElemTable");
-    } else if (!file) {
-      report = cannotOpen("fsLoadElemTable", path);
-    } else if (count > 0) {
-      // Without memory installTable leaves no table, as fsLoadElemTable does.
-      loaded = installTable(records, count, filled);
-      if (!loaded) report = noMemory("fsLoadElemTable");
-      records = nullptr;
-      forgetRecordedName();
-      if (loaded && (table.recordedName = strmalloc(path)) != nullptr) strlower(table.recordedName);
-    }
-    std::free(records);
+    if (records == nullptr) report = noMemory("fsLoadElemTable");
+    else if (!file) report = cannotOpen("fsLoadElemTable", path);
+    if (count <= 0)
+      std::free(records);  // nothing usable: the table in use stays
+    else if ((loaded = installTable(records, count, filled)))
+      recordName(path);
+    else
+      report = noMemory("fsLoadElemTable");  // as fsLoadElemTable, no table is left
   }
   report.send();
   return loaded;
@@ -198,9 +202,7 @@ FSKIT_API int32_t fsLoadElemTable(const char *path) {
     } else if (!install(records, file.get())) {
       report = noMemory("fsLoadElemTable");
     } else {
-      forgetRecordedName();
-      table.recordedName = strmalloc(path);
-      if (table.recordedName != nullptr) strlower(table.recordedName);
+      recordName(path);
     }
   }
   report.send();
